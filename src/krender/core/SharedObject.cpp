@@ -1,0 +1,30 @@
+#include <krender/core/SharedObject.h>
+
+#include <cstdio>
+#include <new>
+
+namespace krSharedObject
+{
+
+std::int32_t SharedObject::ref() const { return ++fReferences; }
+
+std::int32_t SharedObject::unref() const
+{
+    if (--fReferences > 0)
+        return fReferences;
+    // The class's own operator delete frees nothing, so the destructor and the global deallocation run by hand. A base
+    // may stand anywhere in the object that was allocated, hence the cast to the most derived object's start.
+    auto* object = const_cast<SharedObject*>(this);
+    void* storage = dynamic_cast<void*>(object);
+    object->~SharedObject();
+    ::operator delete(storage);
+    return 0;
+}
+
+SharedObject::~SharedObject() = default;
+
+void* SharedObject::operator new(std::size_t size) { return ::operator new(size); }
+
+void SharedObject::operator delete(void*) { std::fputs("krSharedObject::delete called illegally (use unref)", stdout); }
+
+} // namespace krSharedObject
