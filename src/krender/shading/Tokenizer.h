@@ -1,0 +1,36 @@
+#pragma once
+#include <krender/shading/MemMappedFile.h>
+#include <krender/shading/Token.h>
+
+namespace krShadingDag
+{
+
+/// Splits the bytes of one source into tokens, front to back. Fill it with open() or openString(). A source must stay
+/// below 2 GiB.
+///
+/// Where the source ends inside a token, or in white space, nextToken throws an Exception of type kSourceEnded with an
+/// empty message, and the tokenizer stands where that token began.
+class KRENDER_EXPORT Tokenizer : public MemMappedFile
+{
+public:
+    /// Fills *token with the next token, comments included, and moves past it. At the end of the bytes the token is
+    /// EndOfStream, each time again.
+    void nextToken(Token* token);
+
+    /// The bytes from one index to another, both included; empty when `to` is less than `from`.
+    [[nodiscard]] krString::CString stringify(unsigned long from, unsigned long to) const;
+    /// The source from the start of `first` through the first character of `last`.
+    [[nodiscard]] krString::CString stringify(const Token& first, const Token& last) const;
+
+    /// Where the next unread byte stands.
+    [[nodiscard]] const FileLocation& location() const noexcept { return fLocation; }
+    [[nodiscard]] std::uint64_t position() const noexcept { return fPosition; }
+
+private:
+    friend class ShadingParser;
+
+    FileLocation fLocation;
+    std::uint64_t fPosition = 0;
+};
+
+} // namespace krShadingDag

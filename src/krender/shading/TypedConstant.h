@@ -1,0 +1,93 @@
+#pragma once
+#include <krender/platform/Linear.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+
+namespace krShadingDag
+{
+
+/// A value of one data type, as literals and constant folding produce it. Matrices and texts stand on the heap and are
+/// owned by the constant.
+class KRENDER_EXPORT TypedConstant
+{
+public:
+    /// No value: the type is invalid.
+    TypedConstant() noexcept;
+    explicit TypedConstant(float x) noexcept;
+    TypedConstant(float x, float y) noexcept;
+    TypedConstant(float x, float y, float z) noexcept;
+    TypedConstant(float x, float y, float z, float w) noexcept;
+    /// A matrix4.
+    explicit TypedConstant(const krLinear::ProjMatrix& matrix);
+    /// A string. This constructor alone does not count an instance, so the counter drifts down by one for every string
+    /// constant made this way; leak accounts of hosts allow for that.
+    explicit TypedConstant(const krString::CString& text);
+    TypedConstant(const TypedConstant& other);
+    /// Copies type and value. What this constant held is not released: assign only into one without a heap value, or
+    /// call release() first.
+    TypedConstant& operator=(const TypedConstant& other);
+    ~TypedConstant();
+
+    [[nodiscard]] DataType type() const noexcept { return fType; }
+    /// The value of a bool.
+    [[nodiscard]] bool getBool() const noexcept { return fValue.words[0] != 0; }
+    /// Component i of an int type; not checked.
+    [[nodiscard]] std::uint32_t getInt(unsigned i) const noexcept { return fValue.words[i]; }
+    /// Component i of a float type; not checked.
+    [[nodiscard]] float getFloat(unsigned i) const noexcept { return fValue.floats[i]; }
+    /// The matrix of a matrix3 or matrix4, owned by the constant.
+    [[nodiscard]] const krLinear::ProjMatrix* matrix() const noexcept { return fValue.matrix; }
+    /// The text of a string, owned by the constant.
+    [[nodiscard]] const krString::CString* stringValue() const noexcept { return fValue.text; }
+    /// The value in the language's syntax: floats with six decimals, ints as unsigned numbers, a string as it is; empty
+    /// for every other type.
+    [[nodiscard]] krString::CString toString() const;
+
+    void set(float x);
+    void set(float x, float y);
+    void set(float x, float y, float z);
+    void set(float x, float y, float z, float w);
+    void set(const krString::CString& text);
+    void set(const krLinear::ProjMatrix& matrix);
+
+    // The three assignments release nothing: they are for constants without a heap value.
+    void assignBool(bool value) noexcept;
+    /// @param count  1 to 4 components; anything else throws an Exception of type 0 with an empty message
+    void assignFloats(int count, float a, float b, float c, float d);
+    /// @param count  as above
+    void assignInts(int count, int a, int b, int c, int d);
+
+    /// Writes component i; does nothing unless the type is a float vector that has it.
+    void setFloat(unsigned i, float value) noexcept;
+    /// Frees what stands on the heap; the constant then has no value.
+    void release() noexcept;
+
+    // Constant folding. Only float to float4 fold; for everything else ok is false and the result has no value.
+    [[nodiscard]] TypedConstant plus(const TypedConstant& other, bool& ok) const;
+    [[nodiscard]] TypedConstant minus(const TypedConstant& other, bool& ok) const;
+    /// Component by component, or all components by a scalar on either side.
+    [[nodiscard]] TypedConstant multiply(const TypedConstant& other, bool& ok) const;
+    /// Component by component. A vector divided by a scalar other than 0 gives the scalar 1.0, whatever the vector:
+    /// folded programs have always carried that value, so it stays.
+    [[nodiscard]] TypedConstant divide(const TypedConstant& other, bool& ok) const;
+
+    /// Live constants, for leak accounting.
+    static std::int32_t fsNumInstances_TypedConstant;
+
+private:
+    union Value
+    {
+        float floats[4];
+        std::uint32_t words[4];
+        krLinear::ProjMatrix* matrix;
+        krString::CString* text;
+    };
+
+    void setFloats(DataType type, float x, float y, float z, float w) noexcept;
+    [[nodiscard]] bool ownsMatrix() const noexcept { return fType == kMatrix3 || fType == kMatrix4; }
+
+    Value fValue{};
+    DataType fType = kInvalidType;
+};
+
+} // namespace krShadingDag
