@@ -34,7 +34,7 @@ TEST_F(SimpleWindows, OpenTheLibrarysOwnApplicationOnce)
 {
     SimpleWindow second;
     ASSERT_EQ(second.create("other", 64, 32, nullptr, nullptr), 0);
-    const Widget shell = XtParent(window.windowWrapper()->widget);
+    Widget shell = XtParent(window.windowWrapper()->widget);
     EXPECT_EQ(XtParent(second.windowWrapper()->widget), shell);
 
     String name = nullptr;
@@ -63,8 +63,8 @@ TEST_F(SimpleWindows, LiveOnTheHostsApplicationShellWhenGivenOne)
 {
     int argumentCount = 0;
     XtAppContext context = nullptr;
-    const Widget shell = XtOpenApplication(&context, "Host", nullptr, 0, &argumentCount, nullptr, nullptr,
-                                           applicationShellWidgetClass, nullptr, 0);
+    Widget shell = XtOpenApplication(&context, "Host", nullptr, 0, &argumentCount, nullptr, nullptr,
+                                     applicationShellWidgetClass, nullptr, 0);
     {
         SimpleWindow hosted;
         ASSERT_EQ(hosted.create("hosted", 50, 40, &handler, shell), 0);
@@ -75,6 +75,7 @@ TEST_F(SimpleWindows, LiveOnTheHostsApplicationShellWhenGivenOne)
         XSync(wrapper.display, False);
         EXPECT_EQ(sizeOf(wrapper.window), std::pair(50, 40));
     }
+    XtDestroyWidget(shell);
     XtDestroyApplicationContext(context);
 }
 

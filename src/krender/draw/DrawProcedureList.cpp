@@ -34,14 +34,10 @@ DrawProcedure* DrawProcedureList::find(const char* name) const
 unsigned int DrawProcedureList::findAll(const krString::CString& name, DrawProcedureList& out) const
 {
     unsigned int count = 0;
-    // By index and up to the present end, for `out` may be this list.
-    for (std::size_t i = 0, end = fProcedures.size(); i < end; ++i)
-    {
-        if (!isNamed(fProcedures[i], name))
-            continue;
-        out.add(fProcedures[i], false);
-        ++count;
-    }
+    // Over a copy, for `out` may be this list.
+    for (DrawProcedure* entry : std::vector(fProcedures))
+        if (isNamed(entry, name) && out.add(entry, false))
+            ++count;
     return count;
 }
 
