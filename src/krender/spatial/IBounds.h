@@ -8,7 +8,7 @@ class KRENDER_EXPORT IBounds
 {
 public:
     /// How one volume stands to another; `classify` asks about one of them at a time.
-    enum IntersectType
+    enum IntersectType : std::int32_t
     {
         Outside = 0,
         Inside = 1,
