@@ -152,9 +152,7 @@ void Color::toHSV(float& h, float& s, float& v) const noexcept
                 h = b == least ? 1.0f + rc : 3.0f - bc;
             else
                 h = r == least ? 3.0f + gc : 5.0f - rc;
-            h *= 60.0f;
-            if (h < 0.0f)
-                h += 360.0f;
+            h *= 60.0f; // never negative: each quotient is at most 1
         }
     }
     if (v < kNegligible)
