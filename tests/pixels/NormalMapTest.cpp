@@ -1,3 +1,5 @@
+#include "PlainForms.h"
+
 #include <krender/pixels/krColorFormatRGBAFixed8.h>
 #include <krender/pixels/krColorFormatRGBAFloat.h>
 
@@ -6,7 +8,6 @@
 #include <cmath>
 #include <cstring>
 #include <random>
-#include <type_traits>
 #include <vector>
 
 namespace
@@ -15,54 +16,16 @@ namespace
 using Bytes = std::vector<unsigned char>;
 using Floats = std::vector<float>;
 
-/// The conversion in its plainest form, one pixel after the other.
-template <typename Component>
-void convertPlainly(Component* data, std::size_t w, std::size_t h, float scale)
-{
-    constexpr bool kIsFloat = std::is_same_v<Component, float>;
-    const float k = kIsFloat ? scale : scale / 255.0f;
-    const auto encoded = [](float v) -> Component
-    {
-        if constexpr (kIsFloat)
-            return (v + 1.0f) * 0.5f;
-        else
-            return static_cast<Component>((v + 1.0f) * 127.5f);
-    };
-    const auto opaque = static_cast<Component>(kIsFloat ? 1 : 255);
-    Component* p = data;
-    for (std::size_t y = 0; y + 1 < h; ++y)
-    {
-        for (std::size_t x = 0; x + 1 < w; ++x, p += 4)
-        {
-            const float dx = static_cast<float>(p[0] - p[4]) * k;
-            const float dy = static_cast<float>(p[0] - p[4 * w]) * k;
-            const float n = 1.0f / std::sqrt(dx * dx + dy * dy + 1.0f);
-            p[0] = encoded(dx * n);
-            p[1] = encoded(dy * n);
-            p[2] = encoded(n);
-            p[3] = opaque;
-        }
-        p[1] = p[-3];
-        p[2] = p[-2];
-        p[3] = opaque;
-        p += 4;
-        if (kIsFloat)
-            p[0] = opaque;
-    }
-    for (std::size_t i = 0; i < 4 * w; ++i)
-        p[i] = p[static_cast<std::ptrdiff_t>(i) - static_cast<std::ptrdiff_t>(4 * w)];
-}
-
 template <typename Format, typename Component>
 void expectSameAsPlain(const Format& format, const std::vector<Component>& image, unsigned w, unsigned h, float scale)
 {
     SCOPED_TRACE(testing::Message() << w << " x " << h << ", scale " << scale);
     const std::size_t ahead = 4 * w; // room for what single rows and columns read
     std::vector<Component> fast = image;
-    std::vector<Component> plain = image;
+    std::vector<Component> exact = image;
     EXPECT_FALSE(format.convertToNormalMap(fast.data() + ahead, w, h, scale));
-    convertPlainly(plain.data() + ahead, w, h, scale);
-    EXPECT_EQ(std::memcmp(fast.data(), plain.data(), fast.size() * sizeof(Component)), 0);
+    plain::convertToNormalMap(exact.data() + ahead, w, h, scale);
+    EXPECT_EQ(std::memcmp(fast.data(), exact.data(), fast.size() * sizeof(Component)), 0);
 }
 
 } // namespace

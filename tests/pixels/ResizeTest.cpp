@@ -1,3 +1,5 @@
+#include "PlainForms.h"
+
 #include <krender/pixels/krColorFormatRGBAFixed8.h>
 #include <krender/pixels/krColorFormatRGBAFloat.h>
 
@@ -16,58 +18,10 @@ namespace
 
 using Bytes = std::vector<unsigned char>;
 using Floats = std::vector<float>;
-
-struct Sizes
-{
-    unsigned srcW, srcH, dstW, dstH;
-};
-
-/// How much of cell r the footprint from y0 to y1 covers.
-double plainWeight(double r, double y0, double y1)
-{
-    if (y0 > r)
-        return std::min(r + 1, y1) - y0;
-    return r + 1 > y1 ? y1 - r : 1.0;
-}
-
-/// The filter in its plainest form: every weight of every pixel anew, one sum after the other.
-template <typename Component>
-std::vector<Component> resizePlainly(const std::vector<Component>& src, Sizes s)
-{
-    std::vector<Component> dst;
-    dst.reserve(std::size_t{4} * s.dstW * s.dstH);
-    const double sx = static_cast<double>(s.srcW) / s.dstW;
-    const double sy = static_cast<double>(s.srcH) / s.dstH;
-    for (unsigned j = 0; j < s.dstH; ++j)
-        for (unsigned i = 0; i < s.dstW; ++i)
-        {
-            const double y0 = (j - 0.5) * sy;
-            const double y1 = (j + 0.5) * sy;
-            const double x0 = (i - 0.5) * sx;
-            const double x1 = (i + 0.5) * sx;
-            double total = 0;
-            double sums[4] = {};
-            for (double r = std::max(std::floor(y0), 0.0); r <= std::floor(y1) && r < s.srcH; ++r)
-                for (double c = std::max(std::floor(x0), 0.0); c <= std::floor(x1) && c < s.srcW; ++c)
-                {
-                    const double w = plainWeight(c, x0, x1) * plainWeight(r, y0, y1);
-                    total += w;
-                    for (std::size_t k = 0; k < 4; ++k)
-                        sums[k] +=
-                            src[4 * (static_cast<std::size_t>(r) * s.srcW + static_cast<std::size_t>(c)) + k] * w;
-                }
-            for (const double sum : sums)
-            {
-                const double value = (total != 0 ? sum / total : sum) + 0.00001;
-                const double limit = std::is_same_v<Component, float> ? 1.0 : 255.0;
-                dst.push_back(static_cast<Component>(value < 0 ? 0 : value > limit ? limit : value));
-            }
-        }
-    return dst;
-}
+using plain::Sizes;
 
 template <typename Component>
-std::vector<Component> resize(const std::vector<Component>& src, Sizes s)
+std::vector<Component> resized(const std::vector<Component>& src, Sizes s)
 {
     using Format =
         std::conditional_t<std::is_same_v<Component, float>, krColorFormatRGBAFloat, krColorFormatRGBAFixed8>;
@@ -91,11 +45,11 @@ template <typename Component>
 void expectSameAsPlain(const std::vector<Component>& src, Sizes s)
 {
     SCOPED_TRACE(testing::Message() << s.srcW << " x " << s.srcH << " to " << s.dstW << " x " << s.dstH);
-    const auto fast = resize(src, s);
-    const auto plain = resizePlainly(src, s);
-    ASSERT_EQ(fast.size(), plain.size());
+    const auto fast = resized(src, s);
+    const auto exact = plain::resize(src, s);
+    ASSERT_EQ(fast.size(), exact.size());
     for (std::size_t i = 0; i < fast.size(); ++i)
-        ASSERT_PRED2([](auto a, auto b) { return sameBits(a, b); }, fast[i], plain[i]) << "component " << i;
+        ASSERT_PRED2([](auto a, auto b) { return sameBits(a, b); }, fast[i], exact[i]) << "component " << i;
 }
 
 /// Images of different character, byte and float.
@@ -152,14 +106,14 @@ TEST(Resize, FootprintIsCentredOnTheCorner)
         for (int x = 0; x < 4; ++x)
             for (int k = 0; k < 4; ++k)
                 image.push_back(static_cast<unsigned char>(60 * y + 10 * x + k));
-    const Bytes dst = resize(image, {4, 4, 2, 2});
+    const Bytes dst = resized(image, {4, 4, 2, 2});
     EXPECT_EQ(Bytes(dst.begin(), dst.begin() + 8), (Bytes{0, 1, 2, 3, 15, 16, 17, 18}));
     EXPECT_EQ(dst[12], (60 + 120) / 2 + (10 + 20) / 2);
 }
 
 TEST(Resize, FloatsAreNudgedAndClamped)
 {
-    const Floats dst = resize(Floats{0.25f, -3.0f, 1.0f, 7.0f}, {1, 1, 2, 1});
+    const Floats dst = resized(Floats{0.25f, -3.0f, 1.0f, 7.0f}, {1, 1, 2, 1});
     EXPECT_EQ(dst, (Floats{static_cast<float>(0.25 + 0.00001), 0, 1, 1, static_cast<float>(0.25 + 0.00001), 0, 1, 1}));
 }
 
