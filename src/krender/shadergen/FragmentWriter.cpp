@@ -3,7 +3,6 @@
 #include <krender/shading/Statement.h>
 #include <krender/shading/StatementPrinter.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace
@@ -184,18 +183,17 @@ bool isStandardValue(const krString::CString& name) noexcept
 
 void appendAll(std::string& out, std::initializer_list<std::string_view> pieces)
 {
-    std::size_t size = out.size();
-    for (const std::string_view piece : pieces)
-        size += piece.size();
-    if (size > out.capacity())
-        out.reserve(std::max(size, 2 * out.capacity()));
     for (const std::string_view piece : pieces)
         out += piece;
 }
 
 krString::CString join(std::initializer_list<std::string_view> pieces)
 {
+    std::size_t size = 0;
+    for (const std::string_view piece : pieces)
+        size += piece.size();
     std::string text;
+    text.reserve(size);
     appendAll(text, pieces);
     return krString::CString(std::move(text));
 }

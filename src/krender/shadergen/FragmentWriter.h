@@ -42,8 +42,8 @@ void forEachVertexInput(const krShadingDag::ShadingNodeSpec& material, Visitor v
             visit(input);
 }
 
-/// Appends the pieces with room for all of them at once.
+/// Appends the pieces in order.
 void appendAll(std::string& out, std::initializer_list<std::string_view> pieces);
 
-/// The pieces as one text.
+/// The pieces as one text, allocated once.
 [[nodiscard]] krString::CString join(std::initializer_list<std::string_view> pieces);
