@@ -22,6 +22,9 @@ public:
     /// Takes over the storage of a text that was built elsewhere.
     explicit CString(std::string&& text) noexcept : fText(std::move(text)) {}
 
+    /// Replaces the text with the bytes of the view, zero bytes included; the storage is used again.
+    void assign(std::string_view bytes) { fText.assign(bytes); }
+
     /// The text, zero-terminated; valid until the string changes.
     [[nodiscard]] const char* asChar() const noexcept { return fText.c_str(); }
     /// The number of bytes.

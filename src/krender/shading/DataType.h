@@ -1,6 +1,7 @@
 #pragma once
 #include <krender/Export.h>
 
+#include <array>
 #include <cstdint>
 
 /// The data types of the shading language.
@@ -47,10 +48,10 @@ struct DataTypeInfo
 };
 
 /// One row a type, indexed by its value.
-KRENDER_EXPORT extern const DataTypeInfo dataTypeInfo[kDataTypeCount];
+KRENDER_EXPORT extern const std::array<DataTypeInfo, kDataTypeCount> dataTypeInfo;
 
 /// The float type with n components is entry n - 1; for the host.
-KRENDER_EXPORT extern const DataType floatConversion[4];
+KRENDER_EXPORT extern const std::array<DataType, 4> floatConversion;
 
 // Look-ups in the table. None checks its argument: a value outside it is the caller's fault.
 [[nodiscard]] inline bool isSampler(DataType type) noexcept { return dataTypeInfo[type].isSampler; }

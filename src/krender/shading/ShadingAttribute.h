@@ -67,8 +67,6 @@ public:
     static std::int32_t fsNumInstances_ShadingAttribute;
 
 private:
-    void copyFrom(const ShadingAttribute& other);
-
     krString::CString fName;
     DataType fDataType = kInvalidType;
     CompFreqRange fRange;

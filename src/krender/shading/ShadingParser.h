@@ -76,11 +76,16 @@ public:
 
 private:
     const Token& peek(unsigned n);
+    void dropFront();
+    [[nodiscard]] FileLocation frontLocation();
+    void beginSpec(NodeType nodeType);
+    void finishSpec();
+    void forgetFunction();
+    void parseArgument(unsigned int& index);
+    static Statement& appendTyped(StatementCompound& block, StatementType type);
     void parseBlock(StatementCompound& block);
     void parseBody(StatementCompound& block);
     std::uint64_t consumeThroughSemicolon();
-    void finishSpec();
-    void forgetFunction();
 
     Tokenizer fTokenizer;
     bool fEndOfStream = false;

@@ -38,6 +38,7 @@ protected:
     [[nodiscard]] std::string& out() noexcept { return fOut; }
 
 private:
+    [[nodiscard]] bool openCompound(const Statement& statement);
     void openLevel(std::string_view brace);
 
     std::string& fOut;

@@ -29,6 +29,36 @@ public:
 private:
     friend class ShadingParser;
 
+    /// A token that is not made into a record yet: where it stands, and where its text does.
+    struct Lexeme
+    {
+        TokenType type = TokenType::Unknown;
+        DataType dataType = kInvalidType;
+        FileLocation location;
+        std::uint64_t position = 0;
+        std::uint64_t textBegin = 0;
+        std::uint64_t textEnd = 0;
+    };
+
+    void scan(Lexeme& lexeme);
+    void fillToken(Token& token, const Lexeme& lexeme) const;
+
+    // The steps of scan(), one a form. Each sets the lexeme's kind and text and moves past it.
+    void processAlphanumeric(Lexeme& lexeme);
+    void processNumeric(Lexeme& lexeme);
+    void processQuotedString(Lexeme& lexeme);
+    void processDivide(Lexeme& lexeme);
+    void processOpEqual(Lexeme& lexeme, TokenType single, TokenType withEqual);
+    void processPlusOrMinus(Lexeme& lexeme, TokenType single, TokenType withEqual, TokenType doubled, char c);
+    void processPair(Lexeme& lexeme, TokenType doubled, char c);
+    void finish(Lexeme& lexeme, TokenType type, unsigned length);
+
+    [[nodiscard]] std::uint64_t searchForOneChar(std::uint64_t from, char target, FileLocation& location) const;
+    [[nodiscard]] std::uint64_t searchForTwoChars(std::uint64_t from, char first, char second,
+                                                  FileLocation& location) const;
+    [[nodiscard]] std::uint64_t pastNestedComment(std::uint64_t from, FileLocation& location) const;
+    [[nodiscard]] char byteAt(std::uint64_t position) const;
+
     FileLocation fLocation;
     std::uint64_t fPosition = 0;
 };

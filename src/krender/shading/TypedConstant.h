@@ -83,6 +83,8 @@ private:
         krString::CString* text;
     };
 
+    template <class Operation>
+    TypedConstant foldComponents(const TypedConstant& other, Operation operation, bool& ok) const;
     void setFloats(DataType type, float x, float y, float z, float w) noexcept;
     [[nodiscard]] bool ownsMatrix() const noexcept { return fType == kMatrix3 || fType == kMatrix4; }
 

@@ -1,0 +1,13 @@
+#include <krender/shading/DataType.h>
+
+#include <krender/shading/DataTypeTable.h>
+#include <krender/shading/Words.h>
+
+constinit const std::array<DataTypeInfo, kDataTypeCount> dataTypeInfo = krShadingDag::kDataTypes;
+
+constinit const std::array<DataType, 4> floatConversion{kFloat, kFloat2, kFloat3, kFloat4};
+
+DataType convertToDataType(const char* name) noexcept
+{
+    return name ? krShadingDag::classifyWord(name).dataType : kInvalidType;
+}

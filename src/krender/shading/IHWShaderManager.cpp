@@ -1,0 +1,3 @@
+#include <krender/shading/IHWShaderManager.h>
+
+IHWShaderManager::~IHWShaderManager() = default;

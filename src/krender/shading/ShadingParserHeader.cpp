@@ -1,0 +1,211 @@
+// Declarations and function headers.
+#include <krender/shading/ShadingParser.h>
+
+#include <krender/shading/Require.h>
+
+#include <array>
+
+namespace krShadingDag
+{
+
+namespace
+{
+
+struct OperatorName
+{
+    TokenType token;
+    const char* name;
+};
+
+constexpr std::array kOperators{
+    OperatorName{TokenType::Plus, "operator+"},        OperatorName{TokenType::Minus, "operator-"},
+    OperatorName{TokenType::Star, "operator*"},        OperatorName{TokenType::Slash, "operator/"},
+    OperatorName{TokenType::Percent, "operator%"},     OperatorName{TokenType::Equal, "operator=="},
+    OperatorName{TokenType::NotEqual, "operator!="},   OperatorName{TokenType::Greater, "operator>"},
+    OperatorName{TokenType::Less, "operator<"},        OperatorName{TokenType::GreaterEqual, "operator>="},
+    OperatorName{TokenType::LessEqual, "operator<="},  OperatorName{TokenType::OrOr, "operator||"},
+    OperatorName{TokenType::AndAnd, "operator&&"},     OperatorName{TokenType::PlusPlus, "operator++"},
+    OperatorName{TokenType::MinusMinus, "operator--"}, OperatorName{TokenType::Not, "operator!"},
+    OperatorName{TokenType::At, "operator@"},          OperatorName{TokenType::OpenBracket, "operator[]"},
+};
+
+/// The function name that stands for "operator" and the token behind it.
+krString::CString operatorName(const Token& symbol, const Token& returnType)
+{
+    for (const OperatorName& row : kOperators)
+        if (row.token == symbol.type)
+            return row.name;
+    if (symbol.type == TokenType::DataTypeName)
+        return returnType.text; // a conversion
+    require(tokenToCompFreq(symbol) != kFreqInvalid, "Expected valid operator symbol");
+    return symbol.text;
+}
+
+/// The type that a header's return word stands for; a shader type returns nothing.
+DataType returnTypeOf(const Token& word)
+{
+    if (word.type == TokenType::DataTypeName)
+        return word.dataType;
+    const FunctionType shaderType(word.text);
+    require(krString::equal(shaderType.toString(), word.text),
+            "Unrecognized return data type or shader type: ", word.text);
+    require(shaderType.allowedInKRSL(), "Shader type is not allowed in KRSL: ", word.text);
+    return kVoid;
+}
+
+} // namespace
+
+CompFreq tokenToCompFreq(const Token& token) noexcept
+{
+    switch (token.type)
+    {
+    case TokenType::KeywordConstant:
+        return kFreqConstant;
+    case TokenType::KeywordUniform:
+        return kFreqUniform;
+    case TokenType::KeywordVertex:
+        return kFreqVertex;
+    case TokenType::KeywordFragment:
+        return kFreqFragment;
+    default:
+        return kFreqInvalid;
+    }
+}
+
+void ShadingParser::parseFunc()
+{
+    TokenType last = TokenType::Unknown;
+    while (last != TokenType::Semicolon && last != TokenType::OpenBrace)
+    {
+        last = accumulate_token().type;
+        if (fEndOfStream)
+        {
+            krString::plusEqual(fErrorText, "error: found no function declaration or definition.\n");
+            return;
+        }
+    }
+    if (last == TokenType::Semicolon)
+        return parseFuncDecl();
+    require(last == TokenType::OpenBrace, "unexpected token during function declaration: ", fQueue.back().text);
+    parseFuncDef();
+}
+
+void ShadingParser::parseFuncDecl()
+{
+    beginSpec(kDeclaration);
+    const unsigned close = parseFuncHeader();
+    require(peek(close + 1).type == TokenType::Semicolon, "Expected semicolon");
+    finishSpec();
+    fQueue.clear();
+    fQueueFront = 0;
+}
+
+void ShadingParser::parseFuncDef()
+{
+    beginSpec(kDefinition);
+    const unsigned close = parseFuncHeader();
+    require(peek(close + 1).type == TokenType::OpenBrace, "Expected braces");
+    require(fQueue.size() - fQueueFront == std::size_t{close} + 2, "INTERNAL ERROR: Buffer overrun");
+    fQueueFront = fQueue.size() - 1;
+
+    for (const std::vector<ShadingAttribute>* visible : {&fpNodeSpec->inputs(), &fpNodeSpec->outputs()})
+        for (const ShadingAttribute& attribute : *visible)
+            fVariables.emplace_back(attribute.name(), attribute);
+    require(parseCompoundStatement(fpNodeSpec->body()), "Parsing error!");
+    finishSpec();
+}
+
+void ShadingParser::beginSpec(NodeType nodeType)
+{
+    if (fUnfinished)
+        fAbandoned.push_back(std::move(fUnfinished));
+    fUnfinished = std::make_unique<ShadingNodeSpec>(nodeType);
+    fpNodeSpec = fUnfinished.get();
+}
+
+/// Hands the finished spec to the library, or to whoever called for it.
+void ShadingParser::finishSpec()
+{
+    if (fAddToLibrary)
+    {
+        ShadingNodeSpec* const registered = fpNodeSpec->addToLibrary();
+        if (registered != fpNodeSpec)
+            fUnfinished.reset();
+        fpNodeSpec = registered;
+    }
+    static_cast<void>(fUnfinished.release());
+}
+
+unsigned int ShadingParser::parseFuncHeader()
+{
+    unsigned i = 0;
+    const CompFreqRange outputRange = readOptionalCompFreqRange(i);
+    const unsigned returnTypeAt = i;
+    const DataType returnType = returnTypeOf(peek(i));
+
+    ++i;
+    require(peek(i).type == TokenType::Identifier, "Invalid function name");
+    if (krString::equal(peek(i).text, "operator"))
+    {
+        ++i;
+        fpNodeSpec->setName(operatorName(peek(i), peek(returnTypeAt)));
+        if (peek(i).type == TokenType::OpenBracket)
+        {
+            ++i;
+            require(peek(i).type == TokenType::CloseBracket, "Expected ']'");
+        }
+    }
+    else
+        fpNodeSpec->setName(peek(i).text);
+    if (returnType != kVoid)
+        fOutputs.push_back(fpNodeSpec->addOutput(returnType, "output", outputRange));
+
+    ++i;
+    require(peek(i).type == TokenType::OpenParen, "Expected '('");
+    ++i;
+    while (peek(i).type != TokenType::CloseParen)
+        parseArgument(i);
+    require(!fOutputs.empty(), "Function needs at least one output.");
+    return i;
+}
+
+/// Reads one argument of a header, and a comma behind it where there is one.
+void ShadingParser::parseArgument(unsigned int& index)
+{
+    const bool isOutput = peek(index).type == TokenType::KeywordOut;
+    if (isOutput)
+        ++index;
+    const CompFreqRange range = readOptionalCompFreqRange(index);
+    const Token& typeName = peek(index);
+    const DataType type = typeName.dataType;
+    require(typeName.type == TokenType::DataTypeName && type != kInvalidType && type != kVoid,
+            "Not a valid data type: ", typeName.text);
+    ++index;
+    const Token& name = peek(index);
+    require(name.type == TokenType::Identifier, "Expected argument name: ", name.text);
+    ++index;
+    if (isOutput)
+        fOutputs.push_back(fpNodeSpec->addOutput(type, name.text, range));
+    else
+        fInputs.push_back(fpNodeSpec->addInput(type, name.text, range));
+    if (peek(index).type == TokenType::Comma)
+        ++index;
+}
+
+CompFreqRange ShadingParser::readOptionalCompFreqRange(unsigned int& index)
+{
+    const CompFreq minFreq = tokenToCompFreq(peek(index));
+    if (minFreq == kFreqInvalid)
+        return kFullRange;
+    ++index;
+    if (peek(index).type != TokenType::Colon)
+        return {minFreq, minFreq};
+    ++index;
+    const CompFreq maxFreq = tokenToCompFreq(peek(index));
+    require(maxFreq != kFreqInvalid, "Expected maximum frequency specifier.");
+    ++index;
+    // A reversed range is empty and no error: sources use it to take an output out of service.
+    return minFreq <= maxFreq ? CompFreqRange{minFreq, maxFreq} : CompFreqRange{};
+}
+
+} // namespace krShadingDag

@@ -1,0 +1,9 @@
+#include <krender/shading/Token.h>
+
+krString::CString toString(const std::vector<krShadingDag::Token>& tokens)
+{
+    std::string text;
+    for (const krShadingDag::Token& token : tokens)
+        text += token.text.view();
+    return krString::CString(std::move(text));
+}
