@@ -122,7 +122,7 @@ void main()
 			float rim = cos(cone);
 			float core = cos(cone * (1.0 - penumbra)) + 0.0001;
 			float inCone = smoothstep(rim, core, dot(normalize(toLight), normalize(axis)));
-			float strength = inCone / (1.0 + decay * dot(toLight, toLight));
+			float strength = inCone / (1.0 + decay * decay * dot(toLight, toLight));
 			outLightWorldDir = normalize(toLight);
 			outLightAmbientColor = float3(0.0, 0.0, 0.0);
 			outLightDiffuseColor = strength * color;

@@ -104,7 +104,7 @@ void main()
 
 			// LIGHT-SPECIFIC ILLUMINATION COMPUTATION.
 			float3 toLight = position - gWorldPos;
-			float strength = 1.0 / (1.0 + decay * dot(toLight, toLight));
+			float strength = 1.0 / (1.0 + decay * decay * dot(toLight, toLight));
 			outLightWorldDir = normalize(toLight);
 			outLightAmbientColor = float3(0.0, 0.0, 0.0);
 			outLightDiffuseColor = strength * color;
@@ -141,7 +141,7 @@ void main()
 
 			// LIGHT-SPECIFIC ILLUMINATION COMPUTATION.
 			float3 toLight = position - gWorldPos;
-			float strength = 1.0 / (1.0 + decay * dot(toLight, toLight));
+			float strength = 1.0 / (1.0 + decay * decay * dot(toLight, toLight));
 			outLightWorldDir = normalize(toLight);
 			outLightAmbientColor = float3(0.0, 0.0, 0.0);
 			outLightDiffuseColor = strength * color;

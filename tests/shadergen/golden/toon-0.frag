@@ -40,7 +40,7 @@ void main()
 	float3 toEye = normalize(gEyePos.xyz - gWorldPos);
 	float count = 2.0 + floor(4.0 * tones);
 	float3 color = float3(0.0, 0.0, 0.0);
-	float inside = smoothstep(0.5 * inkWidth, 0.5 * inkWidth + 0.05, dot(normal, toEye));
+	float inside = smoothstep(0.4 * inkWidth, 0.4 * inkWidth + 0.05, dot(normal, toEye));
 	float3 ink = 0.25 * inkColor;
 	outRGBA = float4(ink + (color - ink) * inside, 1.0);
 

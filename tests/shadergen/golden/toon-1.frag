@@ -62,7 +62,7 @@ void main()
 
 			// LIGHT-SPECIFIC ILLUMINATION COMPUTATION.
 			float3 toLight = position - gWorldPos;
-			float strength = 1.0 / (1.0 + decay * dot(toLight, toLight));
+			float strength = 1.0 / (1.0 + decay * decay * dot(toLight, toLight));
 			outLightWorldDir = normalize(toLight);
 			outLightAmbientColor = float3(0.0, 0.0, 0.0);
 			outLightDiffuseColor = strength * color;
@@ -81,7 +81,7 @@ void main()
 			color += diffuseColor * (gLightAmbientColor + tone / count * gLightDiffuseColor);
 		}
 	}
-	float inside = smoothstep(0.5 * inkWidth, 0.5 * inkWidth + 0.05, dot(normal, toEye));
+	float inside = smoothstep(0.4 * inkWidth, 0.4 * inkWidth + 0.05, dot(normal, toEye));
 	float3 ink = 0.25 * inkColor;
 	outRGBA = float4(ink + (color - ink) * inside, 1.0);
 
