@@ -1,0 +1,226 @@
+#include <krender/core/Exception.h>
+#include <krender/shading/ShadingNodeSpec.h>
+#include <krender/shading/Statement.h>
+
+#include <gtest/gtest.h>
+
+using namespace krShadingDag;
+
+namespace
+{
+
+/// Each test starts with an empty library and must leave no spec behind.
+class SpecLibrary : public testing::Test
+{
+protected:
+    ~SpecLibrary() override
+    {
+        ShadingNodeSpec::clearLibrary();
+        EXPECT_EQ(ShadingNodeSpec::fsNumInstances_ShadingNodeSpec, fBefore);
+    }
+
+    static ShadingNodeSpec* make(const char* name, std::initializer_list<DataType> inputs)
+    {
+        auto* spec = new ShadingNodeSpec(kDeclaration);
+        spec->setName(name);
+        char input[] = "a";
+        for (const DataType type : inputs)
+        {
+            spec->addInput(type, input, kFullRange);
+            ++input[0];
+        }
+        spec->addOutput(kFloat, "output", kFullRange);
+        return spec;
+    }
+
+    static ShadingNodeSpec::Attributes ofTypes(std::initializer_list<DataType> types)
+    {
+        ShadingNodeSpec::Attributes attributes;
+        for (const DataType type : types)
+            attributes.emplace_back("any", type);
+        return attributes;
+    }
+
+private:
+    std::int32_t fBefore = ShadingNodeSpec::fsNumInstances_ShadingNodeSpec;
+};
+
+class CountedManager : public IHWShaderManager
+{
+public:
+    explicit CountedManager(int& alive) : fAlive(alive) { ++fAlive; }
+    ~CountedManager() override { --fAlive; }
+
+private:
+    int& fAlive;
+};
+
+} // namespace
+
+TEST(ShadingAttribute, ConstantsCarryTheirText)
+{
+    const TypedConstant value(1.0f, 2.0f);
+    const ShadingAttribute constant(value);
+    EXPECT_STREQ(constant.name().asChar(), "float2(1.000000,2.000000)");
+    EXPECT_STREQ(constant.expression().asChar(), constant.name().asChar());
+    EXPECT_TRUE(constant.isConstant() && constant.isValid());
+
+    const ShadingAttribute named("k", value);
+    const ShadingAttribute copy(&named);
+    EXPECT_STREQ(copy.name().asChar(), "k");
+    EXPECT_STREQ(copy.expression().asChar(), "float2(1.000000,2.000000)");
+    EXPECT_EQ(copy.typedConstant().getFloat(1), 2.0f);
+}
+
+TEST(ShadingAttribute, IsValidWithANameAndAType)
+{
+    ShadingAttribute mistyped(TypedConstant(1.0f));
+    mistyped.setDataType(kFloat2);
+    EXPECT_FALSE(mistyped.isValid());
+    EXPECT_TRUE(ShadingAttribute(mistyped).isValid()) << "a copy of a constant takes the type of its value";
+    EXPECT_FALSE(ShadingAttribute("", kFloat, kUniformRange).isValid());
+    EXPECT_FALSE(ShadingAttribute("a", kInvalidType, kUniformRange).isValid());
+    EXPECT_TRUE(ShadingAttribute("a", kFloat).isValid());
+    EXPECT_FALSE(ShadingAttribute("a", kFloat, {kFreqConstant, kFreqConstant}).isValid()) << "a constant without value";
+}
+
+TEST(ShadingAttribute, AssignmentReleasesHeapValues)
+{
+    ShadingAttribute attribute(TypedConstant("a text"));
+    attribute = ShadingAttribute(TypedConstant(krLinear::ProjMatrix(1.0)));
+    attribute.setConstant(TypedConstant("another text")); // a leak would fail under the address sanitizer
+    EXPECT_EQ(attribute.dataType(), kString);
+}
+
+TEST(FunctionType, ReadsAndPrintsItsName)
+{
+    for (const char* text : {"regular", "material", "displacement", "light", "texture2D", "texture3D"})
+        EXPECT_STREQ(FunctionType(text).toString().asChar(), text);
+    EXPECT_EQ(FunctionType("Light"), FunctionType());
+    EXPECT_STREQ(FunctionType(static_cast<FunctionType::TypeEnum>(6)).toString().asChar(), "regular");
+    EXPECT_FALSE(FunctionType("texture3D").allowedInKRSL());
+    EXPECT_TRUE(FunctionType("texture3D").allowedInTSL());
+}
+
+TEST_F(SpecLibrary, HeaderStringListsArgumentsInOrder)
+{
+    ShadingNodeSpec spec(kDeclaration);
+    spec.setName("f");
+    EXPECT_STREQ(spec.functionHeaderString().asChar(), "f(\n)\n");
+    spec.addInput(kFloat3, "a", kUniformRange);
+    spec.addOutput(kFloat, "output", kFullRange); // the return value is no argument
+    spec.addOutput(kFloat4, "c", {kFreqFragment, kFreqFragment});
+    spec.addInput(kInt, "d", {});
+    EXPECT_STREQ(spec.functionHeaderString().asChar(),
+                 "f(\n\t\tuniform float3 a,\n\t\tout fragment float4 c,\n\t\tinvalid int d)\n");
+}
+
+TEST_F(SpecLibrary, LookUpsOfMissingInputsAnswerADefault)
+{
+    const std::unique_ptr<ShadingNodeSpec> spec(make("f", {kFloat, kSampler2D, kFloat}));
+    bool found = true;
+    EXPECT_STREQ(spec->input("zz", found).name().asChar(), "");
+    EXPECT_FALSE(found);
+    EXPECT_EQ(spec->input("b", found).dataType(), kSampler2D);
+    EXPECT_TRUE(found);
+    EXPECT_EQ(spec->output("output", found).dataType(), kFloat);
+    EXPECT_EQ(spec->input(7).dataType(), kInvalidType);
+    EXPECT_EQ(spec->getOffsetOfInput("c", true), 2u);
+    EXPECT_EQ(spec->getOffsetOfInput("zz", true), 0xFFFFFFFF);
+    EXPECT_EQ(spec->numInputs(kFloat), 2u);
+    EXPECT_EQ(spec->numSamplerInputs(), 1u);
+}
+
+TEST_F(SpecLibrary, DuplicateInputIsAddedAndThenReported)
+{
+    const std::unique_ptr<ShadingNodeSpec> spec(make("f", {kFloat}));
+    try
+    {
+        spec->addInput(kFloat2, "a", kFullRange);
+        FAIL();
+    }
+    catch (const Exception& e)
+    {
+        EXPECT_EQ(e.type, kVerificationFailed);
+        EXPECT_STREQ(e.message.asChar(), "input variable already exists: a");
+    }
+    EXPECT_EQ(spec->inputs().size(), 2u);
+    EXPECT_EQ(spec->arguments().size(), 2u);
+}
+
+TEST_F(SpecLibrary, KeepsOverloadsApart)
+{
+    ShadingNodeSpec* scalar = make("f", {kFloat});
+    ShadingNodeSpec* vector = make("f", {kFloat3});
+    EXPECT_EQ(scalar->addToLibrary(), scalar);
+    EXPECT_EQ(vector->addToLibrary(), vector);
+    EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("f", ofTypes({kFloat3})), vector);
+    EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("f", ofTypes({kFloat2})), nullptr);
+    EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("f", ofTypes({kFloat, kFloat})), nullptr);
+    EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("f", scalar->arguments()), scalar);
+    ShadingNodeSpec::Library::iterator first, last;
+    ShadingNodeSpec::findSpecsInLibrary("f", first, last);
+    ASSERT_EQ(std::distance(first, last), 2);
+    EXPECT_EQ(first->second, scalar) << "in the order of registration";
+}
+
+TEST_F(SpecLibrary, RegisteringAgainCopiesIntoTheEntry)
+{
+    ShadingNodeSpec* entry = make("f", {kFloat});
+    entry->setFunctionType(FunctionType::kLight);
+    entry->addToLibrary();
+    const std::unique_ptr<ShadingNodeSpec> again(make("f", {kFloat}));
+    again->setNodeType(kDefinition);
+    again->createPrologStatement()->setType(StatementType::Illuminance);
+    EXPECT_EQ(again->addToLibrary(), entry);
+    EXPECT_EQ(ShadingNodeSpec::fLibrary.size(), 1u);
+    EXPECT_EQ(entry->nodeType(), kDefinition);
+    EXPECT_EQ(entry->body().size(), 1u);
+    EXPECT_EQ(entry->functionType(), FunctionType::kLight) << "not copied";
+    EXPECT_FALSE(entry->hasIlluminanceLoop()) << "not computed again";
+    EXPECT_EQ(entry->addToLibrary(), entry) << "an entry registered once more stays whole";
+    EXPECT_EQ(entry->inputs().size(), 1u);
+}
+
+TEST_F(SpecLibrary, MissingNameYieldsItsSuccessor)
+{
+    ShadingNodeSpec* spec = make("mmm", {});
+    spec->createPrologStatement()->setType(StatementType::Illuminance);
+    spec->addToLibrary();
+    EXPECT_TRUE(spec->hasIlluminanceLoop());
+    EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("aaa"), spec);
+    EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("mmm"), spec);
+    EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("zzz"), nullptr);
+}
+
+TEST_F(SpecLibrary, CloneSortsInputsBeforeOutputs)
+{
+    ShadingNodeSpec source(kDefinition);
+    source.setName("g");
+    source.addOutput(kFloat, "o", kFullRange);
+    source.addInput(kFloat2, "i", kFullRange);
+    source.constants().emplace_back(TypedConstant(1.0f));
+    ShadingNodeSpec copy(kGenerated);
+    copy.addInput(kInt, "gone", kFullRange);
+    copy.cloneFrom(source);
+    EXPECT_STREQ(copy.functionHeaderString().asChar(), "g(\n\t\tconstant float2 i,\n\t\tout constant float o)\n");
+    EXPECT_EQ(copy.nodeType(), kDefinition);
+    EXPECT_TRUE(copy.constants().empty()) << "constants stay each spec's own";
+}
+
+TEST_F(SpecLibrary, ManagersEndWithTheirSpec)
+{
+    int alive = 0;
+    {
+        ShadingNodeSpec spec(kDeclaration);
+        spec.assignShaderManager(new CountedManager(alive));
+        spec.assignShaderManager(spec.shaderManager());
+        EXPECT_EQ(alive, 1) << "assigned to itself";
+        spec.assignShaderManager(new CountedManager(alive));
+        EXPECT_EQ(alive, 1);
+        spec.reset();
+        EXPECT_EQ(alive, 0);
+        spec.assignShaderManager(new CountedManager(alive));
+    }
+    EXPECT_EQ(alive, 0);
+}
