@@ -45,8 +45,9 @@ protected:
         display = window.windowWrapper()->display;
         id = window.windowWrapper()->window;
         framebuffer = addFramebuffer(window);
-        XtAddRawEventHandler(window.windowWrapper()->widget, KeyPressMask | ButtonPressMask | StructureNotifyMask, True,
-                             note, &dispatched);
+        XtAddRawEventHandler(window.windowWrapper()->widget,
+                             KeyPressMask | KeyReleaseMask | ButtonPressMask | ButtonReleaseMask | StructureNotifyMask,
+                             True, note, &dispatched);
         forget();
     }
     void TearDown() override { XCloseDisplay(outside); }
