@@ -38,12 +38,9 @@ void settleZero(float& bound, float oldBound, const std::vector<PointFlt>& point
 
 constexpr bool between(float min, float value, float max) { return min <= value && value <= max; }
 
-/// Both bounds may move: a box without points takes its first as min and max at once. A NaN moves neither.
-constexpr void grow(float& min, float& max, float value)
-{
-    min = min > value ? value : min;
-    max = value > max ? value : max;
-}
+// A NaN moves no bound.
+constexpr void lower(float& min, float value) { min = min > value ? value : min; }
+constexpr void raise(float& max, float value) { max = value > max ? value : max; }
 
 } // namespace
 
@@ -76,9 +73,12 @@ void AABoundingBox::transform(krLinear::AffineMatrix& matrix)
 
 void AABoundingBox::addPoint(const PointFlt& point)
 {
-    grow(fMin.x, fMax.x, point.x);
-    grow(fMin.y, fMax.y, point.y);
-    grow(fMin.z, fMax.z, point.z);
+    // One point may move both bounds: the first one of an empty box does.
+    for (float PointFlt::*const axis : kAxes)
+    {
+        lower(fMin.*axis, point.*axis);
+        raise(fMax.*axis, point.*axis);
+    }
 }
 
 void AABoundingBox::addPoints(const std::vector<PointFlt>& points)
@@ -99,6 +99,7 @@ void AABoundingBox::addPoints(const std::vector<PointFlt>& points)
     std::size_t next = 0;
     for (; points.size() - next >= kNumbers / 3; next += kNumbers / 3)
     {
+        __builtin_prefetch(reinterpret_cast<const char*>(&points[next]) + 2048);
         Lanes numbers[kVectors];
         std::memcpy(numbers, &points[next], sizeof numbers);
         for (unsigned v = 0; v < kVectors; ++v)
@@ -111,8 +112,8 @@ void AABoundingBox::addPoints(const std::vector<PointFlt>& points)
     for (unsigned i = 0; i < kNumbers; ++i)
     {
         float PointFlt::*const axis = kAxes[i % 3];
-        grow(fMin.*axis, fMax.*axis, low[i / 4][i % 4]);
-        grow(fMin.*axis, fMax.*axis, high[i / 4][i % 4]);
+        lower(fMin.*axis, low[i / 4][i % 4]);
+        raise(fMax.*axis, high[i / 4][i % 4]);
     }
     for (; next < points.size(); ++next)
         AABoundingBox::addPoint(points[next]);
