@@ -78,7 +78,7 @@ Order sorted(const ProjMatrix& m, const std::vector<float>& positions, const Ord
 }
 
 /// Sizes on both sides of every change of method.
-constexpr std::size_t kSizes[] = {1, 2, 3, 17, 256, 257, 1000, 2048, 2049, 5000, 300000};
+constexpr std::size_t kSizes[] = {1, 2, 3, 17, 512, 513, 2048, 2049, 5000, 300000};
 
 } // namespace
 
