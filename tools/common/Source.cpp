@@ -1,0 +1,115 @@
+#include <common/Source.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace krTools
+{
+
+namespace
+{
+
+/// What the library's file reader puts behind a file's last byte.
+constexpr char kClosingByte = '\xff';
+
+class Descriptor
+{
+public:
+    explicit Descriptor(int descriptor) noexcept : fDescriptor(descriptor) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor()
+    {
+        if (fDescriptor > STDIN_FILENO)
+            ::close(fDescriptor);
+    }
+
+    [[nodiscard]] int get() const noexcept { return fDescriptor; }
+
+private:
+    int fDescriptor;
+};
+
+[[noreturn]] void fail(const std::string& name, const char* reason)
+{
+    throw FileError("cannot read " + name + ": " + reason);
+}
+
+std::string readAll(const std::string& path, const std::string& name)
+{
+    const Descriptor file(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    struct stat status = {};
+    if (file.get() < 0 || ::fstat(file.get(), &status) != 0)
+        fail(name, std::strerror(errno));
+    if (S_ISDIR(status.st_mode))
+        fail(name, std::strerror(EISDIR));
+    constexpr const char* kTooLarge = "it is not smaller than 2 GiB";
+    const bool sizeKnown = S_ISREG(status.st_mode);
+    if (sizeKnown && static_cast<std::size_t>(status.st_size) >= kMaxSourceSize)
+        fail(name, kTooLarge);
+
+    // Room for the closing byte too, and for the read that finds the end.
+    std::string bytes(sizeKnown ? static_cast<std::size_t>(status.st_size) + 2 : 1 << 16, '\0');
+    for (std::size_t filled = 0;;)
+    {
+        const ssize_t count = ::read(file.get(), bytes.data() + filled, bytes.size() - filled);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            fail(name, std::strerror(errno));
+        filled += static_cast<std::size_t>(count);
+        if (filled >= kMaxSourceSize)
+            fail(name, kTooLarge);
+        if (count == 0)
+        {
+            bytes.resize(filled);
+            return bytes;
+        }
+        if (filled == bytes.size())
+            bytes.resize(filled * 2);
+    }
+}
+
+} // namespace
+
+Source::Source(const std::string& path)
+    : Source(path == "-" ? "<stdin>" : path, readAll(path, path == "-" ? "standard input" : "'" + path + "'"))
+{
+}
+
+Source::Source(std::string name, std::string text) : fName(std::move(name)), fSize(text.size())
+{
+    text += kClosingByte;
+    fContents = krString::CString(std::move(text));
+}
+
+Source::Place Source::place(std::size_t position) const
+{
+    const std::string_view bytes = text();
+    position = std::min(position, bytes.size());
+    if (position < fLineBegin)
+    {
+        fLine = 1;
+        fLineBegin = 0;
+    }
+    for (;;)
+    {
+        const std::size_t newline = bytes.find('\n', fLineBegin);
+        if (newline == std::string_view::npos || newline >= position)
+        {
+            std::string_view line = bytes.substr(fLineBegin, newline - fLineBegin);
+            if (line.ends_with('\r'))
+                line.remove_suffix(1);
+            return {fLine, position - fLineBegin + 1, line};
+        }
+        ++fLine;
+        fLineBegin = newline + 1;
+    }
+}
+
+} // namespace krTools

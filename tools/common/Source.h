@@ -1,0 +1,59 @@
+#pragma once
+#include <krender/platform/String.h>
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace krTools
+{
+
+/// A file that cannot be read or written; the text names it and says why.
+class FileError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Sources and programs stay below this many bytes.
+inline constexpr std::size_t kMaxSourceSize = 0x7fffffff;
+
+/// A text that was read whole, and the places in it.
+class Source
+{
+public:
+    /// Where a byte stands; line and column (in bytes) count from 1.
+    struct Place
+    {
+        std::size_t line;
+        std::size_t column;
+        std::string_view text; ///< the line, without its end
+    };
+
+    /// Reads a file, "-" being standard input. Throws a FileError when it is a directory, too large or unreadable.
+    explicit Source(const std::string& path);
+    /// Takes a text that is in memory already.
+    Source(std::string name, std::string text);
+
+    /// How messages call it.
+    [[nodiscard]] const std::string& name() const noexcept { return fName; }
+    [[nodiscard]] std::string_view text() const noexcept { return contents().view().substr(0, fSize); }
+    /// The bytes with the one that the library puts behind a file's last, so that a parser that is given this text reads
+    /// it as it reads a file.
+    [[nodiscard]] const krString::CString& contents() const noexcept { return fContents; }
+    /// The bytes of the file itself.
+    [[nodiscard]] std::size_t size() const noexcept { return fSize; }
+
+    /// The place of a byte, or of the end. Asking in rising order costs one walk through the text in all.
+    [[nodiscard]] Place place(std::size_t position) const;
+
+private:
+    std::string fName;
+    krString::CString fContents;
+    std::size_t fSize = 0;
+    mutable std::size_t fLine = 1; ///< of the byte at fLineBegin, the last line asked for
+    mutable std::size_t fLineBegin = 0;
+};
+
+} // namespace krTools

@@ -1,0 +1,9 @@
+#pragma once
+
+/// What krslc tells its caller.
+enum ExitStatus : int
+{
+    kDone = 0,
+    kInputHasErrors = 1,
+    kCannotRun = 2, ///< wrong use, or a file that cannot be read or written
+};

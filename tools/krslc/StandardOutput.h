@@ -1,0 +1,19 @@
+#pragma once
+#include <string>
+#include <string_view>
+
+/// Standard output, written in large pieces. Throws a FileError when it cannot be written.
+class StandardOutput
+{
+public:
+    void write(std::string_view text);
+    /// Writes what is still held. Nothing does it by itself, so that no failure goes unseen.
+    void finish();
+
+private:
+    std::string fHeld;
+};
+
+/// Writes all bytes to a descriptor.
+/// @return  0, or the error number
+[[nodiscard]] int writeAll(int descriptor, std::string_view bytes) noexcept;

@@ -1,0 +1,9 @@
+#pragma once
+#include <stdexcept>
+
+/// A command line that makes no sense; the text says why.
+class UsageError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
