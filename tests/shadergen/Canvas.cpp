@@ -284,7 +284,7 @@ std::vector<std::uint8_t> Canvas::draw(const scenes::Programs& programs)
 
     const std::vector<GLuint> indices = triangles();
     glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(indices.size()), GL_UNSIGNED_INT, indices.data());
-    std::vector<std::uint8_t> pixels(4 * kSize * kSize);
+    std::vector<std::uint8_t> pixels(std::size_t{4} * kSize * kSize);
     glReadPixels(0, 0, kSize, kSize, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
     for (const auto& input : inputs)
         glDisableVertexAttribArray(input.first);

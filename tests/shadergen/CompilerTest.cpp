@@ -8,7 +8,6 @@
 
 #include <random>
 
-using krShadingDag::ShadingNodeSpec;
 using scenes::compile;
 using scenes::parse;
 using scenes::Programs;

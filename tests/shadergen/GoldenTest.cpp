@@ -44,11 +44,13 @@ std::string firstDifference(const std::string& expected, const std::string& actu
     std::istringstream right(actual);
     for (unsigned line = 1;; ++line)
     {
-        std::string a = "(end)";
-        std::string b = "(end)";
-        const bool more = bool(std::getline(left, a)) | bool(std::getline(right, b));
-        if (!more || a != b)
-            return "line " + std::to_string(line) + "\n  golden: " + a + "\n  now:    " + b;
+        std::string a;
+        std::string b;
+        const bool isInLeft = static_cast<bool>(std::getline(left, a));
+        const bool isInRight = static_cast<bool>(std::getline(right, b));
+        if (!isInLeft || !isInRight || a != b)
+            return "line " + std::to_string(line) + "\n  golden: " + (isInLeft ? a : "(end)") +
+                   "\n  now:    " + (isInRight ? b : "(end)");
     }
 }
 
