@@ -1,4 +1,5 @@
-// Whole library files: the programs' scan must agree with the parser on whether there is an error.
+// Whole library files: what the parser rejects, the programs' scan rejects too. It may reject more: a header without an
+// end passes for trailing text in the parser.
 #include "FuzzInput.h"
 
 #include <krender/shading/ShadingParser.h>
@@ -22,7 +23,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const std::string path = "/proc/self/fd/" + std::to_string(file);
     const bool read = ShadingParser().parseFile(path.c_str(), false);
     close(file);
-    require(read == !findings.hasErrors(), "the scan and the parser agree");
+    require(read || findings.hasErrors(), "the scan sees every error of the parser");
     ShadingNodeSpec::clearLibrary();
     return 0;
 }
