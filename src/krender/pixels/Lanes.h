@@ -1,4 +1,5 @@
 #pragma once
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -8,6 +9,7 @@ namespace krPixels
 /// The four components of a pixel side by side, as the compilers' vector types: arithmetic works on all at once.
 using Float4 = float __attribute__((vector_size(16)));
 using Int4 = std::int32_t __attribute__((vector_size(16)));
+using UInt4 = std::uint32_t __attribute__((vector_size(16)));
 using Double2 = double __attribute__((vector_size(16)));
 using Float2 = float __attribute__((vector_size(8)));
 using Int2 = std::int32_t __attribute__((vector_size(8)));
@@ -39,6 +41,15 @@ template <typename Lanes, typename Component>
 inline void storeLanes(const Lanes& lanes, Component* components) noexcept
 {
     std::memcpy(components, &lanes, sizeof lanes);
+}
+
+[[nodiscard]] inline Float4 squareRoots(const Float4& x) noexcept
+{
+#if defined(__SSE__)
+    return __builtin_ia32_sqrtps(x);
+#else
+    return Float4{std::sqrt(x[0]), std::sqrt(x[1]), std::sqrt(x[2]), std::sqrt(x[3])};
+#endif
 }
 
 /// Four floats as doubles.

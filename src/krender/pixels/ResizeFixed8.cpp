@@ -1,6 +1,5 @@
 #include "Lanes.h"
 #include "Resize.h"
-#include "ResizePlain.h"
 #include "ResizeShares.h"
 
 #include <array>
@@ -18,8 +17,9 @@ constexpr double kLargestFootprint = 1U << 22;
 /// Averages (with the nudge) as near as this to a level are left to the plain form, whose errors, like those of the fast
 /// form, are less than half as large. A whole average, by far the most common one near a level, is ten times as far away.
 constexpr double kMargin = 1e-6;
-/// Up to this total weight, averages differ from a level by so much that float precision tells the levels apart.
-constexpr double kLargestFloatTotal = 4000.0;
+/// Up to this total weight, sums of bytes are exact in float; and averages that are not whole stay farther below the next
+/// level than the nudge can lift them.
+constexpr float kLargestFloatTotal = 65793.0f;
 
 /// sums = (Add: sums +) weight * the sum of N rows.
 template <std::size_t N, bool Add>
@@ -36,70 +36,77 @@ void sumRows(const std::array<const unsigned char*, N>& rows, float weight, std:
     }
 }
 
+/// sums = the weighted sum of a footprint's outer rows.
+void sumEdges(const unsigned char* first, float firstWeight, const unsigned char* last, float lastWeight,
+              std::size_t count, float* __restrict sums) noexcept
+{
+    for (std::size_t i = 0; i < count; ++i)
+        sums[i] = firstWeight * static_cast<float>(first[i]) + lastWeight * static_cast<float>(last[i]);
+}
+
+void narrow(const std::int32_t* levels, std::size_t count, unsigned char* __restrict dst) noexcept
+{
+    for (std::size_t i = 0; i < count; ++i)
+        dst[i] = static_cast<unsigned char>(levels[i]);
+}
+
 class Fixed8Resizer
 {
 public:
-    Fixed8Resizer(const unsigned char* src, unsigned srcW, unsigned srcH, unsigned dstW, unsigned dstH)
+    Fixed8Resizer(const unsigned char* src, unsigned srcW, unsigned dstW)
         : fSrc(src),
-          fSrcW(srcW),
-          fRows(resizeFootprints(srcH, dstH)),
-          fColumns(resizeFootprints(srcW, dstW)),
-          fRowShares(resizeShares(srcH, dstH)),
-          fColumnShares(resizeShares(srcW, dstW)),
+          fColumns(resizeShares(srcW, dstW)),
           fSums(std::size_t{4} * srcW),
-          fLevels(std::size_t{4} * dstW)
+          fLevels(4 * fColumns.size()),
+          fPixels(4 * fColumns.size()),
+          fEnlarges(fColumns.size() < dstW)
     {
-        fColumnTotal = std::max_element(fColumnShares.begin(), fColumnShares.end(),
-                                        [](const auto& a, const auto& b) { return a.total < b.total; })
-                           ->total;
+        for (const ResizeShare& column : fColumns)
+            fColumnTotal = std::max(fColumnTotal, column.total);
     }
 
-    void resize(unsigned char* dst)
-    {
-        resizeRows(fRows, fLevels.size(), dst, [this](std::size_t j, unsigned char* row) { return resizeRow(j, row); });
-    }
+    [[nodiscard]] const std::vector<ResizeShare>& columns() const noexcept { return fColumns; }
 
-private:
-    /// @return  whether no pixel had to be left to the plain form
-    bool resizeRow(std::size_t j, unsigned char* dst) noexcept
+    /// Resizes to one row.
+    /// @param untold  gets the indices of the columns that are too near to a level
+    void averageRow(const ResizeShare& row, unsigned char* dst, std::vector<std::size_t>& untold)
     {
-        const ResizeShare& row = fRowShares[j];
         sumColumns(row);
-        bool certain = true;
         if (row.total * fColumnTotal <= kLargestFloatTotal)
             averageInFloat(row);
         else
-            certain = averageInDouble(j);
-        for (std::size_t i = 0; i < fLevels.size(); ++i)
-            dst[i] = static_cast<unsigned char>(fLevels[i]);
-        return certain;
+            averageInDouble(row, untold);
+        if (fEnlarges)
+        {
+            narrow(fLevels.data(), fLevels.size(), fPixels.data());
+            spreadRuns(dst);
+        }
+        else
+            narrow(fLevels.data(), fLevels.size(), dst);
     }
 
-    [[nodiscard]] const unsigned char* row(std::size_t r) const noexcept { return fSrc + 4 * fSrcW * r; }
+private:
+    [[nodiscard]] const unsigned char* row(std::size_t r) const noexcept { return fSrc + fSums.size() * r; }
 
-    /// The weighted sums of the components of each column over a footprint's rows.
+    /// The weighted sums of the components of each source column over a footprint's rows.
     void sumColumns(const ResizeShare& share) noexcept
     {
         float* sums = fSums.data();
         const std::size_t count = fSums.size();
         std::size_t r = share.first;
         std::size_t end = std::size_t{share.last} + 1;
-        if (share.firstWeight == share.innerWeight && share.lastWeight == share.innerWeight && end - r >= 4)
+        if (end - r == 1)
+        {
+            sumRows<1, false>({row(r)}, share.firstWeight, count, sums);
+            return;
+        }
+        if (end - r >= 4 && share.firstWeight == share.innerWeight && share.lastWeight == share.innerWeight)
         {
             sumRows<4, false>({row(r), row(r + 1), row(r + 2), row(r + 3)}, share.innerWeight, count, sums);
             r += 4;
         }
-        else if (share.firstWeight == share.lastWeight && end - r == 2)
-        {
-            sumRows<2, false>({row(r), row(r + 1)}, share.firstWeight, count, sums);
-            r = end;
-        }
         else
-        {
-            sumRows<1, false>({row(r++)}, share.firstWeight, count, sums);
-            if (share.last != share.first)
-                sumRows<1, true>({row(--end)}, share.lastWeight, count, sums);
-        }
+            sumEdges(row(r++), share.firstWeight, row(--end), share.lastWeight, count, sums);
         for (; r + 4 <= end; r += 4)
             sumRows<4, true>({row(r), row(r + 1), row(r + 2), row(r + 3)}, share.innerWeight, count, sums);
         for (; r < end; ++r)
@@ -108,50 +115,55 @@ private:
 
     void averageInFloat(const ResizeShare& row) noexcept
     {
+        const float* sums = fSums.data();
         std::int32_t* levels = fLevels.data();
-        for (const ResizeShare& column : fColumnShares)
+        for (const ResizeShare& column : fColumns)
         {
-            const float* pixel = fSums.data() + 4 * std::size_t{column.first};
-            const float* last = fSums.data() + 4 * std::size_t{column.last};
+            const float* pixel = sums + 4 * std::size_t{column.first};
+            const float* last = sums + 4 * std::size_t{column.last};
             Float4 sum = loadLanes<Float4>(pixel) * column.firstWeight;
-            Float4 inner = {};
-            for (pixel += 4; pixel < last; pixel += 4)
-                inner += loadLanes<Float4>(pixel);
-            sum += inner * column.innerWeight + loadLanes<Float4>(last) * column.lastWeight;
-            // Half a unit of weight keeps whole averages, which are the nearest to a level, clear of rounding.
-            const Float4 average = (sum + 0.5f) * (column.inverse * row.inverse);
-            storeLanes(__builtin_convertvector(average, Int4), levels);
+            if (last != pixel)
+            {
+                Float4 inner = {};
+                for (pixel += 4; pixel < last; pixel += 4)
+                    inner += loadLanes<Float4>(pixel);
+                sum += inner * column.innerWeight + loadLanes<Float4>(last) * column.lastWeight;
+            }
+            // The quotient's integer part: rounding may leave the estimate one too low, but, with the inverse taken a
+            // little too small, never too high. The remainder is exact.
+            constexpr float kBelow = 1.0f - 0x1p-21f;
+            const float total = row.total * column.total;
+            const Int4 estimate = __builtin_convertvector(sum * (row.inverse * column.inverse * kBelow), Int4);
+            const Float4 remainder = sum - __builtin_convertvector(estimate, Float4) * total;
+            storeLanes(estimate - (remainder >= total), levels); // a true comparison is -1
             levels += 4;
         }
     }
 
-    bool averageInDouble(std::size_t j) noexcept
+    void averageInDouble(const ResizeShare& row, std::vector<std::size_t>& untold)
     {
-        bool certain = true;
+        const float* sums = fSums.data();
         std::int32_t* levels = fLevels.data();
-        for (std::size_t i = 0; i < fColumnShares.size(); ++i, levels += 4)
+        for (std::size_t i = 0; i < fColumns.size(); ++i, levels += 4)
         {
-            const ResizeShare& column = fColumnShares[i];
-            const float* pixel = fSums.data() + 4 * std::size_t{column.first};
-            const float* last = fSums.data() + 4 * std::size_t{column.last};
+            const ResizeShare& column = fColumns[i];
+            const float* pixel = sums + 4 * std::size_t{column.first};
+            const float* last = sums + 4 * std::size_t{column.last};
             Double4 sum = loadWide(pixel) * column.firstWeight;
-            Double4 inner = {};
-            for (pixel += 4; pixel < last; pixel += 4)
-                inner += loadWide(pixel);
-            sum += inner * column.innerWeight;
-            sum += loadWide(last) * column.lastWeight;
-            const double inverse = 1.0 / (column.total * fRowShares[j].total);
+            if (last != pixel)
+            {
+                Double4 inner = {};
+                for (pixel += 4; pixel < last; pixel += 4)
+                    inner += loadWide(pixel);
+                sum += inner * column.innerWeight;
+                sum += loadWide(last) * column.lastWeight;
+            }
+            const double inverse = 1.0 / (static_cast<double>(column.total) * row.total);
             const bool rgNear = storeLevels(sum.rg * inverse + kResizeNudge, levels);
             const bool baNear = storeLevels(sum.ba * inverse + kResizeNudge, levels + 2);
             if (rgNear || baNear)
-            {
-                std::array<unsigned char, 4> plain;
-                averagePixel(fSrc, fSrcW, fRows[j], fColumns[i], plain.data());
-                std::copy(plain.begin(), plain.end(), levels);
-                certain = false;
-            }
+                untold.push_back(i);
         }
-        return certain;
     }
 
     /// Truncates two averages.
@@ -165,15 +177,25 @@ private:
         return (near[0] | near[1]) != 0;
     }
 
+    /// Writes each column's pixel as often as its run is long.
+    void spreadRuns(unsigned char* dst) const noexcept
+    {
+        const unsigned char* pixel = fPixels.data();
+        for (const ResizeShare& column : fColumns)
+        {
+            for (std::uint32_t n = 0; n < column.count; ++n, dst += 4)
+                std::memcpy(dst, pixel, 4);
+            pixel += 4;
+        }
+    }
+
     const unsigned char* fSrc;
-    std::size_t fSrcW;
-    std::vector<ResizeFootprint> fRows;
-    std::vector<ResizeFootprint> fColumns;
-    std::vector<ResizeShare> fRowShares;
-    std::vector<ResizeShare> fColumnShares;
-    double fColumnTotal; ///< the largest of the columns' totals
-    std::vector<float> fSums;
-    std::vector<std::int32_t> fLevels;
+    std::vector<ResizeShare> fColumns;
+    std::vector<float> fSums;           ///< over the rows of a footprint, for each source column
+    std::vector<std::int32_t> fLevels;  ///< the results, for each run of columns
+    std::vector<unsigned char> fPixels; ///< the results as bytes, before they are spread over their runs
+    float fColumnTotal = 0.0f;          ///< the largest of the columns' totals
+    bool fEnlarges;
 };
 
 } // namespace
@@ -181,10 +203,14 @@ private:
 void resize(const unsigned char* src, unsigned srcW, unsigned srcH, unsigned char* dst, unsigned dstW, unsigned dstH)
 {
     const double footprint = (static_cast<double>(srcW) / dstW + 2.0) * (static_cast<double>(srcH) / dstH + 2.0);
-    if (std::max({srcW, srcH, dstW, dstH}) <= kLargestSize && footprint <= kLargestFootprint)
-        Fixed8Resizer(src, srcW, srcH, dstW, dstH).resize(dst);
-    else
+    if (std::max({srcW, srcH, dstW, dstH}) > kLargestSize || footprint > kLargestFootprint)
+    {
         resizePlainly(src, srcW, srcH, dst, dstW, dstH);
+        return;
+    }
+    Fixed8Resizer resizer(src, srcW, dstW);
+    resizeByRuns(src, srcW, srcH, dst, dstW, dstH, resizeShares(srcH, dstH), resizer.columns(),
+                 [&](const auto& row, unsigned char* out, auto& untold) { resizer.averageRow(row, out, untold); });
 }
 
 } // namespace krPixels

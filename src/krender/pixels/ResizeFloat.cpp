@@ -1,8 +1,7 @@
 #include "Lanes.h"
 #include "Resize.h"
-#include "ResizePlain.h"
+#include "ResizeRuns.h"
 
-#include <array>
 #include <limits>
 
 namespace krPixels
@@ -11,134 +10,154 @@ namespace krPixels
 namespace
 {
 
-/// Whether all components are finite and none is negative, so that sums lose nothing by cancellation.
-bool isOrdinary(const float* components, std::size_t count) noexcept
+/// A run with its weights as the plain form has them, save that a cell that stands alone counts in full.
+struct FloatRun : ResizeRun
 {
-    bool strange = false;
-    for (std::size_t i = 0; i < count; ++i)
-        strange |= !((components[i] >= 0.0f) & (components[i] <= std::numeric_limits<float>::max()));
-    return !strange;
+    double firstWeight;
+    double lastWeight; ///< 0 when the first cell is the only one
+    double inverse;    ///< 1 / the sum of the weights
+};
+
+std::vector<FloatRun> floatRuns(std::uint32_t srcSize, std::uint32_t dstSize)
+{
+    std::vector<FloatRun> runs;
+    std::uint32_t i = 0;
+    for (const ResizeFootprint& footprint : resizeFootprints(srcSize, dstSize))
+    {
+        const std::uint32_t first = footprint.first;
+        const std::uint32_t last = footprint.lastWeight == 0.0 ? footprint.last - 1 : footprint.last;
+        if (runs.empty() || !extendRun(runs.back(), first, last))
+        {
+            FloatRun run{{first, last, i, 1}, 1.0, 0.0, 1.0};
+            if (last != first)
+            {
+                run.firstWeight = footprint.firstWeight;
+                run.lastWeight = footprint.weight(last);
+                run.inverse = 1.0 / (run.firstWeight + (last - first - 1.0) + run.lastWeight);
+            }
+            runs.push_back(run);
+        }
+        ++i;
+    }
+    return runs;
 }
 
-/// The sum of a footprint's weights.
-double totalWeight(const ResizeFootprint& footprint) noexcept
+/// Notes whether components are finite and none is negative, so that sums lose nothing by cancellation.
+class Watch
 {
-    const std::uint32_t cells = footprint.last - footprint.first + 1;
-    return cells == 1 ? footprint.firstWeight : footprint.firstWeight + (cells - 2.0) + footprint.lastWeight;
-}
+public:
+    void see(const float* pixel) noexcept
+    {
+        // One step of the exponent further, infinity and not-a-number get the sign bit that negative values have already.
+        const auto bits = loadLanes<UInt4>(pixel);
+        fSigns |= bits | (bits + 0x00800000);
+    }
 
-/// The weights of the first and last cell, for a sum in which a single cell counts as the first one.
-double lastWeight(const ResizeFootprint& footprint) noexcept
-{
-    return footprint.first == footprint.last ? 0.0 : footprint.lastWeight;
-}
+    [[nodiscard]] bool sawOrdinaryOnly() const noexcept
+    {
+        return ((fSigns[0] | fSigns[1] | fSigns[2] | fSigns[3]) >> 31) == 0;
+    }
 
-/// The weighted sum of the pixels of a footprint that start at first and lie stride components apart.
-template <typename Load, typename Component>
-Double4 weightedSum(const Component* first, const Component* last, std::size_t stride, double firstWeight,
-                    double lastWeight, Load load) noexcept
-{
-    Double4 sum = load(first) * firstWeight;
-    for (const Component* pixel = first + stride; pixel < last; pixel += stride)
-        sum += load(pixel);
-    if (lastWeight != 0.0)
-        sum += load(last) * lastWeight;
-    return sum;
-}
+private:
+    UInt4 fSigns = {};
+};
 
 class FloatResizer
 {
 public:
     FloatResizer(const float* src, unsigned srcW, unsigned srcH, unsigned dstW, unsigned dstH)
-        : fSrc(src),
-          fRowComponents(std::size_t{4} * srcW),
-          fRows(resizeFootprints(srcH, dstH)),
-          fColumns(resizeFootprints(srcW, dstW)),
-          fSums(srcW)
+        : fSrc(src), fSrcH(srcH), fColumns(floatRuns(srcW, dstW)), fSums(srcW)
     {
-        for (const ResizeFootprint& column : fColumns)
-            fColumnInverses.push_back(1.0 / totalWeight(column));
         // Each form rounds at most about once for each pixel of a footprint and a few times more, each time by at most
         // half of epsilon, and all that it adds is positive. This is twice what both can be apart.
         const double cells = (static_cast<double>(srcW) / dstW + 2.0) * (static_cast<double>(srcH) / dstH + 2.0);
         fTolerance = 2.0 * (cells + 16.0) * std::numeric_limits<double>::epsilon();
     }
 
-    void resize(float* dst)
+    [[nodiscard]] const std::vector<FloatRun>& columns() const noexcept { return fColumns; }
+
+    /// Resizes to one row.
+    /// @param untold  gets the indices of the columns whose results are too near to where rounding turns
+    void averageRow(const FloatRun& row, float* dst, std::vector<std::size_t>& untold)
     {
-        resizeRows(fRows, 4 * fColumns.size(), dst,
-                   [this](std::size_t j, float* row) { return resizeRow(fRows[j], row); });
+        const bool ordinary = sumColumns(row);
+        for (std::size_t i = 0; i < fColumns.size(); ++i)
+        {
+            if (!ordinary || !averageColumn(fColumns[i], row.inverse, dst))
+                untold.push_back(i);
+            dst += 4 * std::size_t{fColumns[i].count};
+        }
     }
 
 private:
-    /// @return  whether no pixel had to be left to the plain form
-    bool resizeRow(const ResizeFootprint& row, float* dst) noexcept
+    /// The weighted sums of the components of each source column over a footprint's rows.
+    /// @return  whether these rows are ordinary, and the one after them, which the footprint may touch: the plain form counts
+    ///          it with a weight of 0
+    bool sumColumns(const FloatRun& row) noexcept
     {
-        if (!areOrdinary(row))
+        const std::size_t stride = 4 * fSums.size();
+        const std::size_t toLast = (row.last - row.first) * stride;
+        const std::size_t toTouched = row.last + 1 < fSrcH ? toLast + stride : toLast;
+        const float* first = fSrc + row.first * stride;
+        Watch watch;
+        for (Double4& columnSum : fSums)
         {
-            averageRow(fSrc, fSums.size(), row, fColumns, dst);
-            return false;
-        }
-        sumColumns(row);
-        const double inverse = 1.0 / totalWeight(row);
-        bool certain = true;
-        for (std::size_t i = 0; i < fColumns.size(); ++i, dst += 4)
-        {
-            const ResizeFootprint& column = fColumns[i];
-            const Double4 sum =
-                weightedSum(fSums.data() + column.first, fSums.data() + column.last, 1, column.firstWeight,
-                            lastWeight(column), [](const Double4* pixel) { return *pixel; });
-            if (!storeAverages(sum * (inverse * fColumnInverses[i]), dst))
+            watch.see(first);
+            watch.see(first + toTouched);
+            Double4 sum = loadWide(first) * row.firstWeight;
+            if (toLast != 0)
             {
-                averagePixel(fSrc, fSums.size(), row, column, dst);
-                certain = false;
+                const float* last = first + toLast;
+                for (const float* pixel = first + stride; pixel != last; pixel += stride)
+                {
+                    watch.see(pixel);
+                    sum += loadWide(pixel);
+                }
+                watch.see(last);
+                sum += loadWide(last) * row.lastWeight;
             }
-        }
-        return certain;
-    }
-
-    /// Whether all of a footprint's rows are ordinary; each row is looked at once, when it first takes part.
-    bool areOrdinary(const ResizeFootprint& row) noexcept
-    {
-        for (; fLookedAt <= row.last; ++fLookedAt)
-            if (!isOrdinary(fSrc + fLookedAt * fRowComponents, fRowComponents))
-                fStrangeUpTo = fLookedAt + 1;
-        return fStrangeUpTo <= row.first;
-    }
-
-    /// The weighted sums of the components of each column over a footprint's rows.
-    void sumColumns(const ResizeFootprint& row) noexcept
-    {
-        const float* first = fSrc + row.first * fRowComponents;
-        const float* last = fSrc + row.last * fRowComponents;
-        for (Double4& sum : fSums)
-        {
-            sum = weightedSum(first, last, fRowComponents, row.firstWeight, lastWeight(row), loadWide);
+            columnSum = sum;
             first += 4;
-            last += 4;
         }
+        return watch.sawOrdinaryOnly();
     }
 
-    /// Stores averages, nudged, rounded and clamped.
-    /// @return  whether they come out the same throughout the tolerance
-    [[nodiscard]] bool storeAverages(const Double4& averages, float* dst) const noexcept
+    /// Stores the average of a run of columns as often as the run is long.
+    /// @return  whether its components come out the same throughout the tolerance
+    bool averageColumn(const FloatRun& column, double rowInverse, float* dst) const noexcept
     {
-        const bool rg = storeAverages(averages.rg, dst);
-        const bool ba = storeAverages(averages.ba, dst + 2);
-        return rg && ba;
+        const Double4* sums = fSums.data();
+        Double4 sum = sums[column.first] * column.firstWeight;
+        if (column.last != column.first)
+        {
+            for (std::uint32_t c = column.first + 1; c < column.last; ++c)
+                sum += sums[c];
+            sum += sums[column.last] * column.lastWeight;
+        }
+        const Double4 average = sum * (rowInverse * column.inverse);
+        bool told = true;
+        const Float2 rg = rounded(average.rg, told);
+        const Float2 ba = rounded(average.ba, told);
+        for (std::uint32_t n = 0; n < column.count; ++n, dst += 4)
+        {
+            storeLanes(rg, dst);
+            storeLanes(ba, dst + 2);
+        }
+        return told;
     }
 
-    [[nodiscard]] bool storeAverages(Double2 averages, float* dst) const noexcept
+    /// Averages nudged, rounded and clamped.
+    /// @param told  becomes false when an average rounds differently somewhere in the tolerance
+    Float2 rounded(Double2 averages, bool& told) const noexcept
     {
         averages += kResizeNudge;
         const Float2 least = clamped(averages * (1.0 - fTolerance));
         const Float2 greatest = clamped(averages * (1.0 + fTolerance));
-        storeLanes(least, dst);
         const auto same = least == greatest;
-        return (same[0] & same[1]) != 0;
+        told &= (same[0] & same[1]) != 0;
+        return least;
     }
 
-    /// Rounded to float and at most 1; not-a-number stays, and so never counts as the same.
     static Float2 clamped(Double2 averages) noexcept
     {
         const Float2 rounded = __builtin_convertvector(averages, Float2);
@@ -146,21 +165,19 @@ private:
     }
 
     const float* fSrc;
-    std::size_t fRowComponents;
-    std::vector<ResizeFootprint> fRows;
-    std::vector<ResizeFootprint> fColumns;
-    std::vector<double> fColumnInverses;
-    std::vector<Double4> fSums;   ///< one for each column
-    double fTolerance;            ///< relative
-    std::size_t fLookedAt = 0;    ///< how many rows have been looked at
-    std::size_t fStrangeUpTo = 0; ///< all rows looked at from this one on are ordinary
+    std::size_t fSrcH;
+    std::vector<FloatRun> fColumns;
+    std::vector<Double4> fSums; ///< over the rows of a footprint, for each source column
+    double fTolerance;          ///< relative
 };
 
 } // namespace
 
 void resize(const float* src, unsigned srcW, unsigned srcH, float* dst, unsigned dstW, unsigned dstH)
 {
-    FloatResizer(src, srcW, srcH, dstW, dstH).resize(dst);
+    FloatResizer resizer(src, srcW, srcH, dstW, dstH);
+    resizeByRuns(src, srcW, srcH, dst, dstW, dstH, floatRuns(srcH, dstH), resizer.columns(),
+                 [&](const auto& row, float* out, auto& untold) { resizer.averageRow(row, out, untold); });
 }
 
 } // namespace krPixels

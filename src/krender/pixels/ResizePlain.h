@@ -37,43 +37,17 @@ void averagePixel(const Component* src, std::size_t srcW, const ResizeFootprint&
         dst[k] = static_cast<Component>(std::clamp(sums[k] / total + kResizeNudge, 0.0, kMaximum));
 }
 
-/// A row of pixels, one by one.
-template <typename Component>
-void averageRow(const Component* src, std::size_t srcW, const ResizeFootprint& rows,
-                const std::vector<ResizeFootprint>& columns, Component* dst) noexcept
-{
-    for (const ResizeFootprint& column : columns)
-    {
-        averagePixel(src, srcW, rows, column, dst);
-        dst += 4;
-    }
-}
-
 /// A whole image, pixel by pixel.
 template <typename Component>
 void resizePlainly(const Component* src, unsigned srcW, unsigned srcH, Component* dst, unsigned dstW, unsigned dstH)
 {
     const auto columns = resizeFootprints(srcW, dstW);
     for (const ResizeFootprint& row : resizeFootprints(srcH, dstH))
-    {
-        averageRow(src, srcW, row, columns, dst);
-        dst += std::size_t{4} * dstW;
-    }
-}
-
-/// Fills an image row by row. Enlarged, a source row gives many destination rows that see no other; where their results
-/// do not hang on the last bits of their weights, they are all the same and are copied.
-/// @param resizeRow  takes a row's footprint, its index and where to write it; tells whether the result is of that kind
-template <typename Component, typename ResizeRow>
-void resizeRows(const std::vector<ResizeFootprint>& rows, std::size_t rowComponents, Component* dst,
-                ResizeRow resizeRow)
-{
-    bool repeatable = false;
-    for (std::size_t j = 0; j < rows.size(); ++j, dst += rowComponents)
-        if (repeatable && rows[j].last == rows[j - 1].first)
-            std::copy_n(dst - rowComponents, rowComponents, dst);
-        else
-            repeatable = resizeRow(j, dst) && rows[j].first == rows[j].last;
+        for (const ResizeFootprint& column : columns)
+        {
+            averagePixel(src, srcW, row, column, dst);
+            dst += 4;
+        }
 }
 
 } // namespace krPixels

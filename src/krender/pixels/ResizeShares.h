@@ -1,21 +1,18 @@
 #pragma once
-#include <cstdint>
-#include <vector>
+#include "ResizeRuns.h"
 
 namespace krPixels
 {
 
-/// A footprint in whole numbers, its weights taken times a common denominator; sums of bytes stay exact with them. Cells
-/// that only touch the footprint's end are left out.
-struct ResizeShare
+/// A run with its weights in whole numbers, taken times a common denominator: sums of bytes stay exact with them. Source
+/// cells that only touch the end of the footprint are left out.
+struct ResizeShare : ResizeRun
 {
-    std::uint32_t first;
-    std::uint32_t last;
     float firstWeight;
     float innerWeight; ///< of each cell between the first and the last
     float lastWeight;  ///< 0 when the first cell is the only one
+    float total;       ///< the sum of the weights, at most twice the source's size
     float inverse;     ///< 1 / total
-    double total;      ///< the sum of the weights, at most twice the source's size
 };
 
 /// The shares of all destination cells.
