@@ -15,8 +15,8 @@ namespace
 GeometryData* newNumbered(float base, unsigned int elements, unsigned int components, const char* name)
 {
     auto values = std::make_unique_for_overwrite<float[]>(std::size_t{elements} * components);
-    for (unsigned int i = 0; i < elements * components; ++i)
-        values[i] = base + static_cast<float>(i / components);
+    for (unsigned int i = 0; i < elements; ++i)
+        std::fill_n(&values[std::size_t{i} * components], components, base + static_cast<float>(i));
     return new GeometryData(name, GeometryData::vertex, GeometryData::float32, components, elements, values.release(),
                             true, false);
 }

@@ -35,7 +35,7 @@ constexpr std::uint32_t kFew = 512;
 
 void orderFew(const float* depths, std::uint32_t count, std::uint32_t* order) noexcept
 {
-    std::array<Item, kFew> items; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
+    std::array<Item, kFew> items;
     for (std::uint32_t i = 0; i < count; ++i)
         items[i] = makeItem(depths[i], i);
     std::sort(items.begin(), items.begin() + count);

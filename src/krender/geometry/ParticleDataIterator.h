@@ -1,11 +1,11 @@
 #pragma once
 #include <krender/geometry/ParticleData.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
 class GeometryData;
-class GeometryDataIndex;
 
 /// Walks the particles of a particle system, in the order of the streams or through a filter: a list of particle
 /// numbers, such as the order by depth. All is borrowed.
@@ -40,7 +40,10 @@ public:
     /// The number of the current particle. Not to be asked when done, like what follows.
     [[nodiscard]] unsigned int index() const noexcept { return fFilter ? fFilter[fCurrent] : fCurrent; }
     /// 3 x positionsPerParticle floats.
-    [[nodiscard]] float* position() const noexcept { return valueAt(fPositions, 3 * fPositionsPerParticle); }
+    [[nodiscard]] float* position() const noexcept
+    {
+        return valueAt(fPositions, std::size_t{3} * fPositionsPerParticle);
+    }
     /// 3 floats.
     [[nodiscard]] float* velocity() const noexcept { return valueAt(fVelocities, 3); }
     /// 3 floats, null without normals.
@@ -64,7 +67,6 @@ private:
     std::uint32_t fCurrent = 0;
     std::uint32_t fCount = 0;
     std::uint32_t fPositionsPerParticle = 1;
-    const GeometryDataIndex* fIndex = nullptr;
     const std::vector<const GeometryData*>* fStreams = nullptr;
     std::uint32_t fStreamCount = 0;
     std::uint32_t fColorComponents = 0;
