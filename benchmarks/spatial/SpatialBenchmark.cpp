@@ -2,13 +2,18 @@
 // same work written plainly and beside Imath.
 #include "RatioReporter.h"
 
-#include <krender/spatial/Frustum.h>
+#include <krender/spatial/IHWCamera.h>
 
 #include <Imath/ImathBoxAlgo.h>
 #include <Imath/ImathFrustumTest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <memory>
+#include <numbers>
+#include <numeric>
 #include <random>
 
 namespace
@@ -63,60 +68,67 @@ struct PlainFrustum
         max.z = p.z;
 }
 
-/// Volumes spread in and around the frustum of a camera at the origin: about half of them are visible.
+/// What a host keeps of its volumes; every form that asks one by one reads these numbers and widens them.
+struct Sphere
+{
+    PointFlt center;
+    float radius;
+};
+struct Box
+{
+    PointFlt min;
+    PointFlt max;
+};
+
+Imath::V3d wide(const PointFlt& p) { return {p.x, p.y, p.z}; }
+
+/// Volumes all around a camera, most of them out of its sight.
 struct Scene
 {
     Scene()
     {
-        std::mt19937 random(1);
-        const auto number = [&random](float low, float high)
-        { return std::uniform_real_distribution<float>(low, high)(random); };
-
-        krLinear::ProjMatrix projection(0.0); // 90 degrees, from 1 to 100
-        projection(0, 0) = projection(1, 1) = 1.0;
-        projection(2, 2) = -101.0 / 99.0;
-        projection(2, 3) = -1.0;
-        projection(3, 2) = -200.0 / 99.0;
-        frustum.recomputePlaneEquations(projection);
-        plain.planes = frustum.planes();
-        imath.setFrustum(Imath::Frustumd(1, 100, -1, 1, 1, -1, false), Imath::M44d());
-
-        for (std::size_t i = 0; i < kCount; ++i)
-        {
-            const PointFlt center(number(-60, 60), number(-60, 60), number(-120, 20));
-            const PointFlt half(number(0.1f, 8), number(0.1f, 8), number(0.1f, 8));
-            const float radius = number(0.1f, 8);
-            points.push_back(center);
-            spheres.emplace_back(center, radius);
-            boxes.emplace_back(PointFlt(center.x - half.x, center.y - half.y, center.z - half.z),
-                               PointFlt(center.x + half.x, center.y + half.y, center.z + half.z));
-            const auto wide = [](const PointFlt& p) { return Imath::V3d(p.x, p.y, p.z); };
-            const auto narrow = [](const PointFlt& p) { return Imath::V3f(p.x, p.y, p.z); };
-            imathPoints.push_back(narrow(center));
-            imathSpheres.emplace_back(wide(center), radius);
-            imathBoxes.emplace_back(wide(boxes.back().min()), wide(boxes.back().max()));
-            imathFloatBoxes.emplace_back(narrow(boxes.back().min()), narrow(boxes.back().max()));
-        }
-
-        matrix.rotate(0.7, {1, 2, 3});
         matrix.translate({4, 5, 6});
+        matrix.rotate(0.7, {1, 2, 3});
         for (unsigned row = 0; row < 4; ++row)
             for (unsigned column = 0; column < 3; ++column)
                 imathMatrix[static_cast<int>(row)][static_cast<int>(column)] = matrix(row, column);
+
+        IHWCamera camera;
+        camera.setPerspective(60, 1.5, 1, 150);
+        camera.setViewMatrix(matrix.inverse());
+        frustum = camera.frustum();
+        plain.planes = frustum.planes();
+        const double top = std::tan(std::numbers::pi / 6);
+        imath.setFrustum(Imath::Frustumd(1, 150, -1.5 * top, 1.5 * top, top, -top, false), imathMatrix);
+
+        std::mt19937 random(1);
+        const auto number = [&random](float low, float high)
+        { return std::uniform_real_distribution<float>(low, high)(random); };
+        for (std::size_t i = 0; i < kCount; ++i)
+        {
+            const PointFlt center(number(-100, 100), number(-100, 100), number(-100, 100));
+            const PointFlt half(number(0.1f, 8), number(0.1f, 8), number(0.1f, 8));
+            sphereNumbers.push_back({center, number(0.1f, 8)});
+            boxNumbers.push_back({PointFlt(center.x - half.x, center.y - half.y, center.z - half.z),
+                                  PointFlt(center.x + half.x, center.y + half.y, center.z + half.z)});
+            points.push_back(center);
+            imathPoints.emplace_back(center.x, center.y, center.z);
+            spheres.emplace_back(center, sphereNumbers.back().radius);
+            boxes.emplace_back(boxNumbers.back().min, boxNumbers.back().max);
+        }
     }
 
     Frustum frustum;
     PlainFrustum plain{};
     Imath::FrustumTestd imath;
-    std::vector<PointFlt> points;
+    krLinear::AffineMatrix matrix; // the camera's placement
+    Imath::M44d imathMatrix;
+    std::vector<Sphere> sphereNumbers;
+    std::vector<Box> boxNumbers;
     std::vector<BoundingSphere> spheres;
     std::vector<AABoundingBox> boxes;
+    std::vector<PointFlt> points;
     std::vector<Imath::V3f> imathPoints;
-    std::vector<Imath::Sphere3d> imathSpheres;
-    std::vector<Imath::Box3d> imathBoxes;
-    std::vector<Imath::Box3f> imathFloatBoxes;
-    krLinear::AffineMatrix matrix;
-    Imath::M44d imathMatrix;
 };
 
 Scene& scene()
@@ -127,64 +139,61 @@ Scene& scene()
 
 using Answers = std::vector<std::uint8_t>;
 
-template <class Test>
-void answerEach(Answers& answers, Test test)
+template <class Volume, class Test>
+void answerEach(const std::vector<Volume>& volumes, Answers& answers, Test test)
 {
-    for (std::size_t i = 0; i < kCount; ++i)
-        answers[i] = test(i);
+    std::transform(volumes.begin(), volumes.end(), answers.begin(), test);
 }
-
-// All forms of one test read the same double values, the forms for arrays the library's own volumes.
 
 void plainSpheres(Answers& answers)
 {
-    answerEach(answers,
-               [&s = scene()](std::size_t i)
-               {
-                   const Imath::Sphere3d& v = s.imathSpheres[i];
-                   return s.plain.sphere(v.center.x, v.center.y, v.center.z, v.radius);
-               });
+    answerEach(scene().sphereNumbers, answers,
+               [&plain = scene().plain](const Sphere& s)
+               { return plain.sphere(s.center.x, s.center.y, s.center.z, s.radius); });
 }
 
 void imathSpheres(Answers& answers)
 {
-    answerEach(answers, [&s = scene()](std::size_t i) { return s.imath.isVisible(s.imathSpheres[i]); });
+    answerEach(scene().sphereNumbers, answers,
+               [&imath = scene().imath](const Sphere& s)
+               { return imath.isVisible(Imath::Sphere3d(wide(s.center), s.radius)); });
 }
 
 void singleSpheres(Answers& answers)
 {
-    answerEach(answers,
-               [&s = scene()](std::size_t i)
-               {
-                   const Imath::Sphere3d& v = s.imathSpheres[i];
-                   return s.frustum.sphereInFrustum(v.center.x, v.center.y, v.center.z, v.radius);
-               });
+    answerEach(scene().sphereNumbers, answers,
+               [&frustum = scene().frustum](const Sphere& s)
+               { return frustum.sphereInFrustum(s.center.x, s.center.y, s.center.z, s.radius); });
 }
 
-void bulkSpheres(Answers& answers) { scene().frustum.classifySpheres(scene().spheres, answers); }
+void arrayOfSpheres(Answers& answers) { scene().frustum.classifySpheres(scene().spheres, answers); }
 
 void plainBoxes(Answers& answers)
 {
-    answerEach(answers, [&s = scene()](std::size_t i)
-               { return s.plain.box(s.imathBoxes[i].min.getValue(), s.imathBoxes[i].max.getValue()); });
+    answerEach(scene().boxNumbers, answers,
+               [&plain = scene().plain](const Box& b)
+               {
+                   const double min[] = {b.min.x, b.min.y, b.min.z};
+                   const double max[] = {b.max.x, b.max.y, b.max.z};
+                   return plain.box(min, max);
+               });
 }
 
 void imathBoxes(Answers& answers)
 {
-    answerEach(answers, [&s = scene()](std::size_t i) { return s.imath.isVisible(s.imathBoxes[i]); });
+    answerEach(scene().boxNumbers, answers,
+               [&imath = scene().imath](const Box& b)
+               { return imath.isVisible(Imath::Box3d(wide(b.min), wide(b.max))); });
 }
 
 void singleBoxes(Answers& answers)
 {
-    answerEach(answers,
-               [&s = scene()](std::size_t i)
-               {
-                   const Imath::Box3d& b = s.imathBoxes[i];
-                   return s.frustum.boxInFrustum(b.min.x, b.min.y, b.min.z, b.max.x, b.max.y, b.max.z);
-               });
+    answerEach(scene().boxNumbers, answers,
+               [&frustum = scene().frustum](const Box& b)
+               { return frustum.boxInFrustum(b.min.x, b.min.y, b.min.z, b.max.x, b.max.y, b.max.z); });
 }
 
-void bulkBoxes(Answers& answers) { scene().frustum.classifyBoxes(scene().boxes, answers); }
+void arrayOfBoxes(Answers& answers) { scene().frustum.classifyBoxes(scene().boxes, answers); }
 
 AABoundingBox plainGrown()
 {
@@ -210,69 +219,57 @@ AABoundingBox grown()
     return box;
 }
 
-/// Each form maps the boxes of its own kind into others.
-struct Mapped
+Box plainMap(const Box& box)
 {
-    std::vector<AABoundingBox> boxes = std::vector<AABoundingBox>(kCount);
-    std::vector<Imath::Box3f> imathBoxes = std::vector<Imath::Box3f>(kCount);
-};
+    const krLinear::AffineMatrix& m = scene().matrix;
+    const std::array<double, 3> from{box.min.x, box.min.y, box.min.z};
+    const std::array<double, 3> to{box.max.x, box.max.y, box.max.z};
+    std::array<double, 3> min{};
+    std::array<double, 3> max{};
+    for (unsigned j = 0; j < 3; ++j)
+    {
+        min[j] = max[j] = m(3, j);
+        for (unsigned i = 0; i < 3; ++i)
+        {
+            const double a = m(i, j) * from[i];
+            const double b = m(i, j) * to[i];
+            if (a < b)
+            {
+                min[j] += a;
+                max[j] += b;
+            }
+            else
+            {
+                min[j] += b;
+                max[j] += a;
+            }
+        }
+    }
+    return {PointFlt(min[0], min[1], min[2]), PointFlt(max[0], max[1], max[2])};
+}
 
-Mapped& mapped()
+Imath::Box3f imathMap(const Box& box)
 {
-    static Mapped mapped;
+    const Imath::Box3f from(Imath::V3f(box.min.x, box.min.y, box.min.z), Imath::V3f(box.max.x, box.max.y, box.max.z));
+    return Imath::affineTransform(from, scene().imathMatrix);
+}
+
+AABoundingBox map(const Box& box)
+{
+    AABoundingBox mapped(box.min, box.max);
+    mapped.transform(scene().matrix);
     return mapped;
 }
 
-const AABoundingBox* plainMap()
+template <class Map>
+int mapEach(Map map)
 {
-    const krLinear::AffineMatrix& m = scene().matrix;
-    for (std::size_t n = 0; n < kCount; ++n)
+    for (const Box& box : scene().boxNumbers)
     {
-        const PointFlt oldMin = scene().boxes[n].min();
-        const PointFlt oldMax = scene().boxes[n].max();
-        const std::array<double, 3> from{oldMin.x, oldMin.y, oldMin.z};
-        const std::array<double, 3> to{oldMax.x, oldMax.y, oldMax.z};
-        std::array<double, 3> min{};
-        std::array<double, 3> max{};
-        for (unsigned j = 0; j < 3; ++j)
-        {
-            min[j] = max[j] = m(3, j);
-            for (unsigned i = 0; i < 3; ++i)
-            {
-                const double a = m(i, j) * from[i];
-                const double b = m(i, j) * to[i];
-                if (a < b)
-                {
-                    min[j] += a;
-                    max[j] += b;
-                }
-                else
-                {
-                    min[j] += b;
-                    max[j] += a;
-                }
-            }
-        }
-        mapped().boxes[n].set(PointFlt(min[0], min[1], min[2]), PointFlt(max[0], max[1], max[2]));
+        auto mapped = map(box);
+        benchmark::DoNotOptimize(mapped);
     }
-    return mapped().boxes.data();
-}
-
-const Imath::Box3f* imathMap()
-{
-    for (std::size_t n = 0; n < kCount; ++n)
-        mapped().imathBoxes[n] = Imath::affineTransform(scene().imathFloatBoxes[n], scene().imathMatrix);
-    return mapped().imathBoxes.data();
-}
-
-const AABoundingBox* map()
-{
-    for (std::size_t n = 0; n < kCount; ++n)
-    {
-        mapped().boxes[n] = scene().boxes[n];
-        mapped().boxes[n].transform(scene().matrix);
-    }
-    return mapped().boxes.data();
+    return 0;
 }
 
 void check(bool held, const char* what)
@@ -294,18 +291,25 @@ Answers answersOf(Classify classify)
     return answers;
 }
 
+/// Imath rounds in other places, so that volumes which touch a plane may differ.
+void checkNearly(const Answers& a, const Answers& b, const char* what)
+{
+    const auto equal = std::inner_product(a.begin(), a.end(), b.begin(), std::size_t{0}, std::plus{}, std::equal_to{});
+    check(kCount - equal < kCount / 10'000, what);
+}
+
 void checkResults()
 {
+    checkNearly(answersOf(imathSpheres), answersOf(singleSpheres), "spheres beside Imath");
+    checkNearly(answersOf(imathBoxes), answersOf(singleBoxes), "boxes beside Imath");
     check(answersOf(plainSpheres) == answersOf(singleSpheres), "spheres one by one");
-    check(answersOf(plainSpheres) == answersOf(bulkSpheres), "spheres");
+    check(answersOf(plainSpheres) == answersOf(arrayOfSpheres), "spheres");
     check(answersOf(plainBoxes) == answersOf(singleBoxes), "boxes one by one");
-    check(answersOf(plainBoxes) == answersOf(bulkBoxes), "boxes");
+    check(answersOf(plainBoxes) == answersOf(arrayOfBoxes), "boxes");
     check(same(grown(), plainGrown()), "growing");
     check(same(grown(), imathGrown()), "growing beside Imath");
-    plainMap();
-    const std::vector<AABoundingBox> plain = mapped().boxes;
-    map();
-    check(std::equal(plain.begin(), plain.end(), mapped().boxes.begin(), same), "mapping");
+    for (const Box& box : scene().boxNumbers)
+        check(same(map(box), AABoundingBox(plainMap(box).min, plainMap(box).max)), "mapping");
 }
 
 template <class Work>
@@ -343,17 +347,17 @@ int main(int argc, char** argv)
     addTest("spheres/plain", plainSpheres);
     addTest("spheres/Imath", imathSpheres);
     addTest("spheres/krender single", singleSpheres);
-    addTest("spheres/krender array", bulkSpheres);
+    addTest("spheres/krender array", arrayOfSpheres);
     addTest("boxes/plain", plainBoxes);
     addTest("boxes/Imath", imathBoxes);
     addTest("boxes/krender single", singleBoxes);
-    addTest("boxes/krender array", bulkBoxes);
+    addTest("boxes/krender array", arrayOfBoxes);
     add("grow/plain", plainGrown);
     add("grow/Imath", imathGrown);
     add("grow/krender", grown);
-    add("map/plain", plainMap);
-    add("map/Imath", imathMap);
-    add("map/krender", map);
+    add("map/plain", [] { return mapEach(plainMap); });
+    add("map/Imath", [] { return mapEach(imathMap); });
+    add("map/krender", [] { return mapEach(map); });
 
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);

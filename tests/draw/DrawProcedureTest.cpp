@@ -1,21 +1,14 @@
 #include <krender/draw/DrawProcedure.h>
 #include <krender/draw/DrawProcedureData.h>
+#include <krender/draw/DrawProcedureList.h>
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 namespace
 {
-
-/// What the destroy functions were called with, in order.
-std::vector<void*> destroyed;
-
-bool destroy(void* userData)
-{
-    destroyed.push_back(userData);
-    return false;
-}
 
 /// The host's own kind of data: the callback leaves a mark in it.
 struct Draw : DrawProcedureData
@@ -23,9 +16,10 @@ struct Draw : DrawProcedureData
     mutable std::vector<DrawProcedure*> ran;
 };
 
-void leaveMark(DrawProcedure& procedure, const DrawProcedureData& data)
+int references(const DrawProcedure* procedure)
 {
-    dynamic_cast<const Draw&>(data).ran.push_back(&procedure);
+    procedure->ref();
+    return procedure->unref();
 }
 
 } // namespace
@@ -33,47 +27,71 @@ void leaveMark(DrawProcedure& procedure, const DrawProcedureData& data)
 TEST(DrawProcedure, RunsThroughItsCallbackAloneWhetherEnabledOrNot)
 {
     auto* procedure = new DrawProcedure("grid");
-    EXPECT_STREQ(procedure->name(), "grid");
-    EXPECT_FALSE(procedure->isEnabled());
     const Draw draw;
-    for (const bool enabled : {false, true})
+    EXPECT_FALSE(procedure->isEnabled());
+    procedure->execute(draw);
+    procedure->setExecuteCallback([](DrawProcedure& p, const DrawProcedureData& data)
+                                  { dynamic_cast<const Draw&>(data).ran.push_back(&p); });
+    procedure->execute(draw);
+    procedure->enable(true);
+    EXPECT_TRUE(procedure->isEnabled());
+    procedure->execute(draw);
+    EXPECT_EQ(draw.ran, (std::vector{procedure, procedure}));
+    procedure->unref();
+}
+
+TEST(DrawProcedure, DestroysUserDataOnReplacementAndNullOnlyAtItsEnd)
+{
+    static std::vector<void*> destroyed;
+    const auto destroy = [](void* data) { return destroyed.push_back(data), false; };
+    int data = 0;
+    auto* procedure = new DrawProcedure;
+    procedure->setUserData(&data, destroy);
+    procedure->setUserData(&procedure, nullptr);
+    EXPECT_EQ(destroyed, std::vector<void*>{&data});
+    procedure->setUserData(nullptr, destroy);
+    procedure->setUserData(nullptr, destroy);
+    EXPECT_EQ(destroyed.size(), 1u);
+    procedure->unref();
+    EXPECT_EQ(destroyed, (std::vector<void*>{&data, nullptr}));
+}
+
+TEST(DrawProcedureList, HoldsAReferenceForEveryEntry)
+{
+    auto* grid = new DrawProcedure("grid");
+    auto* axes = new DrawProcedure("axes");
+    auto* twin = new DrawProcedure("grid");
+    auto* list = new DrawProcedureList;
+    const auto order = [=]
     {
-        procedure->enable(enabled);
-        EXPECT_EQ(procedure->isEnabled(), enabled);
-        draw.ran.clear();
-        procedure->setExecuteCallback(nullptr);
-        procedure->execute(draw);
-        EXPECT_TRUE(draw.ran.empty());
-        procedure->setExecuteCallback(leaveMark);
-        procedure->execute(draw);
-        EXPECT_EQ(draw.ran, std::vector{procedure});
-    }
-    EXPECT_EQ(procedure->unref(), 0);
-}
+        std::string letters;
+        for (unsigned i = 0; const DrawProcedure* entry = list->item(i); ++i)
+            letters += entry == grid ? 'g' : entry == axes ? 'a' : 't';
+        return letters;
+    };
+    EXPECT_TRUE(list->add(grid, true)) << "an empty list has no name to clash with";
+    EXPECT_FALSE(list->add(twin, true) || list->insertAt(twin, 0, true));
+    EXPECT_FALSE(list->add(nullptr, false) || list->insertAt(nullptr, 0, false) || list->remove(nullptr));
+    EXPECT_EQ(references(twin), 1) << "a refused procedure is not held";
+    EXPECT_TRUE(list->insertAt(axes, 0, true) && list->insertAt(twin, 1, false) && list->insertAt(grid, 99, false));
+    EXPECT_EQ(order(), "atgg");
+    EXPECT_EQ(references(grid), 3);
 
-TEST(DrawProcedure, DestroysUserDataOnReplacementAndAtItsEnd)
-{
-    int first = 1;
-    int second = 2;
-    destroyed.clear();
-    auto* procedure = new DrawProcedure;
-    procedure->setUserData(&first, destroy);
-    EXPECT_EQ(procedure->userData(), &first);
-    procedure->setUserData(&second, nullptr);
-    EXPECT_EQ(destroyed, std::vector<void*>{&first});
-    procedure->setUserData(&first, destroy);
-    EXPECT_EQ(destroyed.size(), 1u) << "the second data came without a destroy function";
-    procedure->unref();
-    EXPECT_EQ(destroyed, (std::vector<void*>{&first, &first}));
-}
+    EXPECT_EQ(list->find("grid"), twin) << "the first of the name";
+    EXPECT_EQ(list->find("gri"), nullptr);
+    EXPECT_EQ(list->find(static_cast<const char*>(nullptr)), nullptr);
+    auto* found = new DrawProcedureList;
+    EXPECT_EQ(list->findAll("grid", *found), 3u);
+    EXPECT_EQ(references(grid), 5);
+    EXPECT_EQ(found->item(0), twin);
+    found->unref();
+    EXPECT_EQ(list->findAll("axes", *list), 1u) << "a list may be searched into itself";
 
-TEST(DrawProcedure, NullUserDataIsDestroyedAtTheEndButNotOnReplacement)
-{
-    destroyed.clear();
-    auto* procedure = new DrawProcedure;
-    procedure->setUserData(nullptr, destroy);
-    procedure->setUserData(nullptr, destroy);
-    EXPECT_TRUE(destroyed.empty());
-    procedure->unref();
-    EXPECT_EQ(destroyed, std::vector<void*>{nullptr});
+    EXPECT_TRUE(list->remove(grid));
+    EXPECT_EQ(references(grid), 1) << "repeated entries go together, each with its reference";
+    EXPECT_FALSE(list->remove(grid));
+    EXPECT_EQ(order(), "ata");
+    list->unref();
+    for (const DrawProcedure* procedure : {grid, axes, twin})
+        EXPECT_EQ(procedure->unref(), 0);
 }

@@ -1,6 +1,5 @@
 #pragma once
 #include <krender/core/IHWMemoryObject.h>
-#include <krender/core/IResource.h>
 #include <krender/geometry/GeometryData.h>
 #include <krender/geometry/GeometryDataIndex.h>
 
@@ -10,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-/// A stream, index list or attachment that counts its live instances.
+/// An object that counts its live instances.
 template <class Base>
 class Counted : public Base
 {
@@ -25,17 +24,7 @@ public:
 private:
     int& fAlive;
 };
-
-/// A device copy that counts its live instances.
-class Hanger : public IHWMemoryObject
-{
-public:
-    explicit Hanger(int& alive) : fAlive(alive) { ++fAlive; }
-    ~Hanger() override { --fAlive; }
-
-private:
-    int& fAlive;
-};
+using Hanger = Counted<IHWMemoryObject>;
 
 /// Gives up a reference at the end of a scope.
 struct Unref
@@ -44,19 +33,6 @@ struct Unref
 };
 template <class T>
 using Held = std::unique_ptr<T, Unref>;
-
-/// Sets the id generator for a scope and puts it back.
-class IdGenerator
-{
-public:
-    explicit IdGenerator(std::uint32_t next) { IResource::fsUniqueIDGenerator = next; }
-    IdGenerator(const IdGenerator&) = delete;
-    IdGenerator& operator=(const IdGenerator&) = delete;
-    ~IdGenerator() { IResource::fsUniqueIDGenerator = fBefore; }
-
-private:
-    std::uint32_t fBefore = IResource::fsUniqueIDGenerator;
-};
 
 template <class T>
 T* newArray(std::initializer_list<T> values)
@@ -67,13 +43,13 @@ T* newArray(std::initializer_list<T> values)
 }
 
 inline GeometryData* newStream(GeometryData::DataType type, GeometryData::ElementSize components,
-                               std::initializer_list<float> values, const char* name = "stream")
+                               std::initializer_list<float> values)
 {
-    return new GeometryData(name, type, GeometryData::float32, components,
+    return new GeometryData("", type, GeometryData::float32, components,
                             static_cast<unsigned int>(values.size()) / components, newArray(values), true, false);
 }
 
-/// A list without indices that claims to have `count` of them.
+/// A list that claims to have `count` indices.
 inline GeometryDataIndex* newList(GeometryDataIndex::DrawPrimitiveType type, unsigned int count,
                                   const std::vector<const GeometryData*>& streams = {})
 {

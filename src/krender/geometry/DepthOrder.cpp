@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <limits>
 #include <numeric>
 #include <utility>
 
@@ -20,9 +21,9 @@ constexpr unsigned kKeyBits = 32;
 /// they ascend with its magnitude, and those of any other number are put above them.
 std::uint32_t keyOf(float depth) noexcept
 {
-    constexpr std::uint32_t kSign = 0x80000000u;
-    const auto bits = std::bit_cast<std::uint32_t>(depth + 0.0f);
-    return bits ^ ((bits & kSign) ? 0xffffffffu : kSign);
+    const auto bits = std::bit_cast<std::int32_t>(depth + 0.0f);
+    const std::int32_t ones = bits >> 31; // for a negative number, else none; shifted, as signs cannot be predicted
+    return static_cast<std::uint32_t>(bits ^ (ones | std::numeric_limits<std::int32_t>::min()));
 }
 
 Item makeItem(float depth, std::uint32_t place) noexcept { return Item{keyOf(depth)} << kKeyBits | place; }
@@ -30,7 +31,7 @@ Item makeItem(float depth, std::uint32_t place) noexcept { return Item{keyOf(dep
 std::uint32_t placeOf(Item item) noexcept { return static_cast<std::uint32_t>(item); }
 
 /// Few enough that the tables of a radix sort would cost more than the comparisons.
-constexpr std::uint32_t kFew = 256;
+constexpr std::uint32_t kFew = 512;
 
 void orderFew(const float* depths, std::uint32_t count, std::uint32_t* order) noexcept
 {
