@@ -22,11 +22,6 @@ constexpr std::array<float, 16> kObjectToWorld{0.8f, 0.6f, 0, 0.1f, -0.6f, 0.8f,
 constexpr std::array<float, 16> kInverseTransposed{0.8f, 0.6f, 0, 0, -0.6f, 0.8f, 0, 0, 0, 0, 0.8f, 0, 0, 0, 0, 1};
 constexpr std::array<float, 16> kPattern{0.9f, 0.3f, 0, 0.2f, 0, 1, 0.4f, 0, -0.2f, 0, 1, 0.1f, 0, 0, 0, 1};
 
-bool endsWith(const std::string& text, const std::string& end)
-{
-    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
-
 void require(bool condition, const std::string& message)
 {
     if (!condition)
@@ -36,7 +31,7 @@ void require(bool condition, const std::string& message)
 /// The name that the material's author gave to an input or uniform.
 std::string plainName(std::string name)
 {
-    if (name.find("IN_") == 0)
+    if (name.starts_with("IN_"))
         name.erase(0, 3);
     return name.substr(name.find('.') + 1);
 }
@@ -59,9 +54,9 @@ std::array<float, 4> vectorFor(const std::string& name)
 {
     if (name == "gEyePos")
         return {0.4f, 0.6f, 3, 1};
-    if (endsWith(name, "position"))
+    if (name.ends_with("position"))
         return {1.2f, 1.5f, 2.2f, 1};
-    if (endsWith(name, "axis") || endsWith(name, "direction"))
+    if (name.ends_with("axis") || name.ends_with("direction"))
         return {1.2f, 1.3f, 2.0f, 0};
     return numbersFor(name);
 }
@@ -72,7 +67,7 @@ const std::array<float, 16>& matrixFor(const std::string& name)
         return kObjectToWorld;
     if (name == "objToWorldMatrix_invtrans")
         return kInverseTransposed;
-    return endsWith(name, "mvp") ? kProjection : kPattern;
+    return name.ends_with("mvp") ? kProjection : kPattern;
 }
 
 /// An 8 x 8 picture of slopes that serve as colours and as normals alike.
@@ -116,7 +111,7 @@ void forEachActive(GLuint program, GLenum count, decltype(glGetActiveUniform) qu
         GLint size = 0;
         GLenum type = 0;
         query(program, i, sizeof name, nullptr, &size, &type, name);
-        if (std::string(name).find("gl_") != 0)
+        if (!std::string_view(name).starts_with("gl_"))
             visit(name, type);
     }
 }
@@ -146,32 +141,24 @@ void setUniforms(GLuint program)
     forEachActive(program, GL_ACTIVE_UNIFORMS, glGetActiveUniform, set);
 }
 
-/// The value of a per-vertex input at a point of the sphere.
-std::array<float, 4> inputAt(const std::string& name, float u, float v)
-{
-    const float around = 6.2831853f * u;
-    const float down = 3.1415927f * v;
-    if (name == "gObjPos" || name == "gObjNormal")
-        return {std::sin(down) * std::cos(around), std::cos(down), std::sin(down) * std::sin(around), 1};
-    if (name == "gObjTangent")
-        return {-std::sin(around), 0, std::cos(around), 0};
-    if (endsWith(name, "uv") || endsWith(name, "Uv"))
-        return {2 * u, v, 0, 0};
-    std::array<float, 4> values = numbersFor(name);
-    for (float& value : values)
-        value *= 0.6f + 0.4f * std::sin(around + 5 * v);
-    return values;
-}
-
+/// A per-vertex input, four numbers a vertex, row by row from the sphere's top.
 std::vector<float> stream(const std::string& name)
 {
     std::vector<float> values;
-    for (int stack = 0; stack <= kStacks; ++stack)
-        for (int slice = 0; slice <= kSlices; ++slice)
-        {
-            const auto value = inputAt(name, static_cast<float>(slice) / kSlices, static_cast<float>(stack) / kStacks);
-            values.insert(values.end(), value.begin(), value.end());
-        }
+    for (int i = 0; i < (kStacks + 1) * (kSlices + 1); ++i)
+    {
+        const float around = 6.2831853f * static_cast<float>(i % (kSlices + 1)) / kSlices;
+        const float down = 3.1415927f * static_cast<float>(i / (kSlices + 1)) / kStacks;
+        std::array<float, 4> value = numbersFor(name);
+        if (name == "gObjPos" || name == "gObjNormal")
+            value = {std::sin(down) * std::cos(around), std::cos(down), std::sin(down) * std::sin(around), 1};
+        else if (name == "gObjTangent")
+            value = {-std::sin(around), 0, std::cos(around), 0};
+        else
+            for (unsigned c = 0; c < 4; ++c)
+                value[c] *= 0.6f + 0.4f * std::sin(around + 2.0f * down * static_cast<float>(c));
+        values.insert(values.end(), value.begin(), value.end());
+    }
     return values;
 }
 
@@ -188,32 +175,31 @@ std::vector<GLuint> triangles()
     return indices;
 }
 
-void attach(GLuint program, GLenum stage, const std::string& text)
+/// Passes the driver's log on when a shader or program has failed.
+void requireStatus(GLuint object, GLenum status, decltype(glGetShaderiv) query, decltype(glGetShaderInfoLog) readLog)
 {
-    const GLuint shader = glCreateShader(stage);
-    const char* source = text.c_str();
-    glShaderSource(shader, 1, &source, nullptr);
-    glCompileShader(shader);
     GLint ok = 0;
-    glGetShaderiv(shader, GL_COMPILE_STATUS, &ok);
     char log[4096] = "";
-    glGetShaderInfoLog(shader, sizeof log, nullptr, log);
-    require(ok, log + text);
-    glAttachShader(program, shader);
-    glDeleteShader(shader);
+    query(object, status, &ok);
+    readLog(object, sizeof log, nullptr, log);
+    require(ok, log);
 }
 
 GLuint link(const scenes::Programs& programs)
 {
     const GLuint program = glCreateProgram();
-    attach(program, GL_VERTEX_SHADER, programs.vertex);
-    attach(program, GL_FRAGMENT_SHADER, programs.fragment);
+    for (const auto& [stage, text] : {std::pair(GL_VERTEX_SHADER, programs.vertex.c_str()),
+                                      std::pair(GL_FRAGMENT_SHADER, programs.fragment.c_str())})
+    {
+        const GLuint shader = glCreateShader(static_cast<GLenum>(stage));
+        glShaderSource(shader, 1, &text, nullptr);
+        glCompileShader(shader);
+        requireStatus(shader, GL_COMPILE_STATUS, glGetShaderiv, glGetShaderInfoLog);
+        glAttachShader(program, shader);
+        glDeleteShader(shader);
+    }
     glLinkProgram(program);
-    GLint ok = 0;
-    glGetProgramiv(program, GL_LINK_STATUS, &ok);
-    char log[4096] = "";
-    glGetProgramInfoLog(program, sizeof log, nullptr, log);
-    require(ok, log);
+    requireStatus(program, GL_LINK_STATUS, glGetProgramiv, glGetProgramInfoLog);
     return program;
 }
 
@@ -233,17 +219,16 @@ Canvas::Canvas()
     require(eglMakeCurrent(fDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, fContext), "no OpenGL context");
 
     GLuint framebuffer = 0;
-    std::array<GLuint, 2> buffers{};
     glGenFramebuffers(1, &framebuffer);
-    glGenRenderbuffers(2, buffers.data());
     glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-    const std::pair<GLenum, GLenum> formats[] = {{GL_COLOR_ATTACHMENT0, GL_RGBA8},
-                                                 {GL_DEPTH_ATTACHMENT, GL_DEPTH_COMPONENT24}};
-    for (unsigned i = 0; i < 2; ++i)
+    for (const auto& [attachment, format] :
+         {std::pair(GL_COLOR_ATTACHMENT0, GL_RGBA8), std::pair(GL_DEPTH_ATTACHMENT, GL_DEPTH_COMPONENT24)})
     {
-        glBindRenderbuffer(GL_RENDERBUFFER, buffers[i]);
-        glRenderbufferStorage(GL_RENDERBUFFER, formats[i].second, kSize, kSize);
-        glFramebufferRenderbuffer(GL_FRAMEBUFFER, formats[i].first, GL_RENDERBUFFER, buffers[i]);
+        GLuint buffer = 0;
+        glGenRenderbuffers(1, &buffer);
+        glBindRenderbuffer(GL_RENDERBUFFER, buffer);
+        glRenderbufferStorage(GL_RENDERBUFFER, static_cast<GLenum>(format), kSize, kSize);
+        glFramebufferRenderbuffer(GL_FRAMEBUFFER, static_cast<GLenum>(attachment), GL_RENDERBUFFER, buffer);
     }
     require(glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE, "no framebuffer");
     glViewport(0, 0, kSize, kSize);
@@ -256,7 +241,7 @@ Canvas::~Canvas()
 {
     eglMakeCurrent(fDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
     eglDestroyContext(fDisplay, fContext);
-    eglTerminate(fDisplay);
+    // The display stays for the next canvas: unloaded, the driver would leave its memory behind as leaks.
 }
 
 std::vector<std::uint8_t> Canvas::draw(const scenes::Programs& programs)

@@ -21,15 +21,21 @@ namespace
     std::exit(EXIT_FAILURE);
 }
 
-void loadLibraryOnce()
+/// The shipped library, registered for the rest of the program.
+class Library
 {
-    static const bool loaded = []
+public:
+    static void need() { static const Library library; }
+
+private:
+    Library()
     {
         krShadingDag::ShadingParser parser;
-        return parser.parseFile(KRENDER_SHARE "/stdlib.krs", true) || (fail(parser.errorString().asChar()), false);
-    }();
-    (void)loaded;
-}
+        if (!parser.parseFile(KRENDER_SHARE "/stdlib.krs", true))
+            fail(parser.errorString().asChar());
+    }
+    ~Library() { krShadingDag::ShadingNodeSpec::clearLibrary(); }
+};
 
 } // namespace
 
@@ -55,7 +61,7 @@ Spec parseMaterial(const std::string& name) { return parse(readFile(KRENDER_SHAR
 
 const krShadingDag::ShadingNodeSpec* lightFunction(const char* name)
 {
-    loadLibraryOnce();
+    Library::need();
     const auto* spec = krShadingDag::ShadingNodeSpec::findSpecInLibrary(name);
     if (!spec || !krString::equal(spec->name(), name))
         fail(std::string("no light function ") + name);
