@@ -68,7 +68,8 @@ krString::CString completeInterpolantsGeneration(const InterpolantBank& bank)
         if (interpolant.isReserved || taken == 0)
             continue;
         const std::string index = std::to_string(i);
-        members += "\tfloat" + std::to_string(taken) + " _TEXCOORD" + index + "\t: TEXCOORD" + index + ";\n";
+        members.append("\tfloat").append(std::to_string(taken)).append(" _TEXCOORD").append(index);
+        members.append("\t: TEXCOORD").append(index).append(";\n");
     }
     members += "};\n\n";
     return krString::CString(std::move(members));

@@ -41,6 +41,7 @@ private:
     };
 
     void scan(Lexeme& lexeme);
+    void skipBlanks(Lexeme& lexeme);
     void fillToken(Token& token, const Lexeme& lexeme) const;
 
     // The steps of scan(), one a form. Each sets the lexeme's kind and text and moves past it.

@@ -152,7 +152,7 @@ void TypedConstant::assignFloats(int count, float a, float b, float c, float d)
 {
     if (count < 1 || count > 4)
         throw Exception(kVerificationFailed, "");
-    setFloats(static_cast<DataType>(kFloat + count - 1), a, b, c, d);
+    setFloats(static_cast<DataType>(kFloat + static_cast<unsigned>(count) - 1), a, b, c, d);
 }
 
 void TypedConstant::assignInts(int count, int a, int b, int c, int d)
@@ -162,7 +162,7 @@ void TypedConstant::assignInts(int count, int a, int b, int c, int d)
     const int components[] = {a, b, c, d};
     for (int i = 0; i < count; ++i)
         fValue.words[i] = static_cast<std::uint32_t>(components[i]);
-    fType = static_cast<DataType>(kInt + count - 1);
+    fType = static_cast<DataType>(kInt + static_cast<unsigned>(count) - 1);
 }
 
 void TypedConstant::setFloat(unsigned i, float value) noexcept

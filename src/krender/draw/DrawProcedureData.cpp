@@ -1,0 +1,3 @@
+#include <krender/draw/DrawProcedureData.h>
+
+DrawProcedureData::~DrawProcedureData() = default;

@@ -1,0 +1,72 @@
+#include <krender/geometry/DepthSorter.h>
+
+#include "DepthOrder.h"
+#include "ScratchArray.h"
+
+using krLinear::ProjMatrix;
+
+namespace
+{
+
+/// The class's depth array for the time of one sort.
+class SharedDepths
+{
+public:
+    explicit SharedDepths(unsigned int count) : fDepths(count) { DepthSorter::fsPositionXformZ = fDepths.get(); }
+    SharedDepths(const SharedDepths&) = delete;
+    SharedDepths& operator=(const SharedDepths&) = delete;
+    ~SharedDepths() { DepthSorter::fsPositionXformZ = nullptr; }
+
+private:
+    ScratchArray<float> fDepths;
+};
+
+/// Sets the depths to what `depthOf` answers for the points.
+template <class DepthOf>
+void fillDepths(float* depths, unsigned int count, const float* positions, const unsigned int* filter, DepthOf depthOf)
+{
+    if (filter)
+        for (std::size_t i = 0; i < count; ++i)
+            depths[i] = depthOf(positions + std::size_t{3} * filter[i]);
+    else
+        for (std::size_t i = 0; i < count; ++i)
+            depths[i] = depthOf(positions + 3 * i);
+}
+
+} // namespace
+
+constinit float* DepthSorter::fsPositionXformZ = nullptr;
+
+bool DepthSorter::sortByDepth(const ProjMatrix& m, unsigned int* order, unsigned int count, const float* positions,
+                              const unsigned int* filter, unsigned int filterCount)
+{
+    if (count == 0 || !positions || !order)
+        return count == 0;
+    if (filter && filterCount == 0)
+        return true;
+
+    const unsigned int sorted = filter ? filterCount : count;
+    const SharedDepths depths(sorted);
+    const ProjMatrix identity(1.0);
+    if (filter ? m == identity : equivalent(identity, m, krLinear::epsilonTol))
+        fillDepths(fsPositionXformZ, sorted, positions, filter, [](const float* p) { return p[2]; });
+    else
+        // The third component of m.preMult() alone, in its order of operations.
+        fillDepths(fsPositionXformZ, sorted, positions, filter,
+                   [x = m(0, 2), y = m(1, 2), z = m(2, 2), w = m(3, 2)](const float* p)
+                   { return static_cast<float>(p[0] * x + p[1] * y + p[2] * z + w); });
+    orderByDepth(fsPositionXformZ, sorted, order);
+    return true;
+}
+
+bool DepthSorter::sortByDepth(const double* m, unsigned int* order, unsigned int count, const float* positions,
+                              const unsigned int* filter, unsigned int filterCount)
+{
+    return sortByDepth(ProjMatrix(m), order, count, positions, filter, filterCount);
+}
+
+int DepthSorter::depthCompareFunction(const void* a, const void* b)
+{
+    const float* depths = fsPositionXformZ;
+    return depths[*static_cast<const unsigned int*>(a)] > depths[*static_cast<const unsigned int*>(b)] ? 1 : -1;
+}

@@ -1,0 +1,72 @@
+#include <krender/geometry/GeometryDataIndex.h>
+
+#include <krender/core/IHWMemoryObject.h>
+#include <krender/geometry/GeometryData.h>
+
+#include <cstring>
+
+GeometryDataIndex::GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned int count,
+                                     const std::vector<const GeometryData*>& data, unsigned int* indices,
+                                     const unsigned int* rangeEnd, const unsigned int* rangeStart)
+    : fId(takeUniqueID()),
+      fPrimitiveType(primitiveType),
+      fCount(count),
+      fIndices(indices),
+      fRangeEnd(rangeEnd ? *rangeEnd : count),
+      fRangeStart(rangeStart ? *rangeStart : 0),
+      fData(data)
+{
+}
+
+// Without the guard against 0: hosts that make short lists read the id off the generator beforehand.
+GeometryDataIndex::GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned int count, unsigned int* indices)
+    : fId(fsUniqueIDGenerator++),
+      fPrimitiveType(primitiveType),
+      fCount(count),
+      fIndices(indices),
+      fRangeEnd(0),
+      fRangeStart(0)
+{
+}
+
+// The device copies of the streams go too: they were laid out for this list.
+GeometryDataIndex::~GeometryDataIndex()
+{
+    if (fOwnsIndices)
+        delete[] fIndices;
+    deleteHanger();
+    deleteDataHangers();
+}
+
+std::unique_ptr<unsigned int[]> GeometryDataIndex::widenedIndices() const
+{
+    auto words = std::make_unique_for_overwrite<unsigned int[]>(std::size_t{2} * fCount);
+    for (std::size_t i = 0; i < fCount; ++i)
+    {
+        const std::uint64_t entry = fIndices[i];
+        std::memcpy(&words[2 * i], &entry, sizeof entry);
+    }
+    return words;
+}
+
+void GeometryDataIndex::setHanger(IHWMemoryObject* hanger) const
+{
+    if (hanger == fHanger)
+        return;
+    deleteHanger();
+    fHanger = hanger;
+}
+
+void GeometryDataIndex::deleteHanger() const
+{
+    if (fOwnsIndices)
+        delete fHanger;
+    fHanger = nullptr;
+}
+
+void GeometryDataIndex::deleteDataHangers() const
+{
+    for (const GeometryData* stream : fData)
+        if (stream)
+            stream->deleteHanger();
+}

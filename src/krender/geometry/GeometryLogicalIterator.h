@@ -1,0 +1,28 @@
+#pragma once
+#include <krender/Export.h>
+
+#include <cstdint>
+
+class GeometryDataIndex;
+class GeometryLogicalGroup;
+
+/// Steps over the index lists of a logical group, which it borrows.
+class KRENDER_EXPORT GeometryLogicalIterator
+{
+public:
+    GeometryLogicalIterator() noexcept = default;
+    explicit GeometryLogicalIterator(const GeometryLogicalGroup* group) noexcept { reset(group); }
+
+    /// Starts over with the lists that the group has now; null stands for a group without any.
+    void reset(const GeometryLogicalGroup* group) noexcept;
+    /// Stays where it is at the end.
+    void next() noexcept;
+    [[nodiscard]] bool isDone() const noexcept { return fPosition == fCount; }
+    /// The current index list, borrowed; not to be asked when done.
+    [[nodiscard]] const GeometryDataIndex* dataIndexPointer() const noexcept;
+
+private:
+    std::uint64_t fPosition = 0;
+    std::uint64_t fCount = 0;
+    const GeometryLogicalGroup* fGroup = nullptr;
+};

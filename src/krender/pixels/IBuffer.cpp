@@ -1,0 +1,3 @@
+#include <krender/pixels/IBuffer.h>
+
+IBuffer::~IBuffer() = default;

@@ -1,0 +1,5 @@
+#include <krender/pixels/IHWTexPlacement.h>
+
+IHWTexPlacement::IHWTexPlacement() noexcept = default;
+
+IHWTexPlacement::~IHWTexPlacement() = default;

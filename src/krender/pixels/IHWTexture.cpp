@@ -1,0 +1,11 @@
+#include <krender/pixels/IHWTexture.h>
+
+IHWTexture::~IHWTexture() = default;
+
+bool IHWTexture::bind() { return false; }
+
+bool IHWTexture::unbind() { return false; }
+
+bool IHWTexture::generateMipMaps() { return false; }
+
+void IHWTexture::setImportance(unsigned int importance) { fImportance = importance; }

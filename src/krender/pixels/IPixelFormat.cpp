@@ -1,0 +1,3 @@
+#include <krender/pixels/IPixelFormat.h>
+
+IPixelFormat::~IPixelFormat() = default;

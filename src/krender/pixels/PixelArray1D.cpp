@@ -1,0 +1,5 @@
+#include <krender/pixels/PixelArray1D.h>
+
+PixelArray1D::PixelArray1D(const krSysPixelFormat& f, unsigned w) : IPixelArray(f, w, 1, 1) {}
+
+PixelArray1D::~PixelArray1D() = default;

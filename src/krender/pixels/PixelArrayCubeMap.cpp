@@ -1,0 +1,5 @@
+#include <krender/pixels/PixelArrayCubeMap.h>
+
+PixelArrayCubeMap::PixelArrayCubeMap(const krSysPixelFormat& f, unsigned w, unsigned h) : IPixelArray(f, w, h, 6) {}
+
+PixelArrayCubeMap::~PixelArrayCubeMap() = default;

@@ -1,0 +1,14 @@
+#pragma once
+#include <krender/pixels/IPixelArray.h>
+
+/// The six faces of a cube map, stored as the slices of an array of depth 6.
+class KRENDER_EXPORT PixelArrayCubeMap : public IPixelArray
+{
+public:
+    /// An empty array without a format.
+    PixelArrayCubeMap() noexcept = default;
+    /// Pixels that are not initialised; empty when a size is 0 or there is no memory.
+    /// @param f  borrowed; must outlive the array
+    PixelArrayCubeMap(const krSysPixelFormat& f, unsigned w, unsigned h);
+    ~PixelArrayCubeMap() override;
+};

@@ -1,0 +1,216 @@
+#include "Lanes.h"
+#include "Resize.h"
+#include "ResizeShares.h"
+
+#include <array>
+
+namespace krPixels
+{
+
+namespace
+{
+
+/// Sizes up to this keep sums over a column, at most 255 times twice the size, exact in float.
+constexpr unsigned kLargestSize = 1U << 15;
+/// Footprints of more pixels gather rounding errors in the plain form that reach the margin below.
+constexpr double kLargestFootprint = 1U << 22;
+/// Averages (with the nudge) as near as this to a level are left to the plain form, whose errors, like those of the fast
+/// form, are less than half as large. A whole average, by far the most common one near a level, is ten times as far away.
+constexpr double kMargin = 1e-6;
+/// Up to this total weight, sums of bytes are exact in float; and averages that are not whole stay farther below the next
+/// level than the nudge can lift them.
+constexpr float kLargestFloatTotal = 65793.0f;
+
+/// sums = (Add: sums +) weight * the sum of N rows.
+template <std::size_t N, bool Add>
+void sumRows(const std::array<const unsigned char*, N>& rows, float weight, std::size_t count,
+             float* __restrict sums) noexcept
+{
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        std::uint16_t sum = 0;
+        for (std::size_t n = 0; n < N; ++n)
+            sum = static_cast<std::uint16_t>(sum + rows[n][i]);
+        const float weighted = weight * static_cast<float>(sum);
+        sums[i] = Add ? sums[i] + weighted : weighted;
+    }
+}
+
+/// sums = the weighted sum of a footprint's outer rows.
+void sumEdges(const unsigned char* first, float firstWeight, const unsigned char* last, float lastWeight,
+              std::size_t count, float* __restrict sums) noexcept
+{
+    for (std::size_t i = 0; i < count; ++i)
+        sums[i] = firstWeight * static_cast<float>(first[i]) + lastWeight * static_cast<float>(last[i]);
+}
+
+void narrow(const std::int32_t* levels, std::size_t count, unsigned char* __restrict dst) noexcept
+{
+    for (std::size_t i = 0; i < count; ++i)
+        dst[i] = static_cast<unsigned char>(levels[i]);
+}
+
+class Fixed8Resizer
+{
+public:
+    Fixed8Resizer(const unsigned char* src, unsigned srcW, unsigned dstW)
+        : fSrc(src),
+          fColumns(resizeShares(srcW, dstW)),
+          fSums(std::size_t{4} * srcW),
+          fLevels(4 * fColumns.size()),
+          fPixels(4 * fColumns.size()),
+          fEnlarges(fColumns.size() < dstW)
+    {
+        for (const ResizeShare& column : fColumns)
+            fColumnTotal = std::max(fColumnTotal, column.total);
+    }
+
+    [[nodiscard]] const std::vector<ResizeShare>& columns() const noexcept { return fColumns; }
+
+    /// Resizes to one row.
+    /// @param untold  gets the indices of the columns that are too near to a level
+    void averageRow(const ResizeShare& row, unsigned char* dst, std::vector<std::size_t>& untold)
+    {
+        sumColumns(row);
+        if (row.total * fColumnTotal <= kLargestFloatTotal)
+            averageInFloat(row);
+        else
+            averageInDouble(row, untold);
+        if (fEnlarges)
+        {
+            narrow(fLevels.data(), fLevels.size(), fPixels.data());
+            spreadRuns(dst);
+        }
+        else
+            narrow(fLevels.data(), fLevels.size(), dst);
+    }
+
+private:
+    [[nodiscard]] const unsigned char* row(std::size_t r) const noexcept { return fSrc + fSums.size() * r; }
+
+    /// The weighted sums of the components of each source column over a footprint's rows.
+    void sumColumns(const ResizeShare& share) noexcept
+    {
+        float* sums = fSums.data();
+        const std::size_t count = fSums.size();
+        std::size_t r = share.first;
+        std::size_t end = std::size_t{share.last} + 1;
+        if (end - r == 1)
+        {
+            sumRows<1, false>({row(r)}, share.firstWeight, count, sums);
+            return;
+        }
+        if (end - r >= 4 && share.firstWeight == share.innerWeight && share.lastWeight == share.innerWeight)
+        {
+            sumRows<4, false>({row(r), row(r + 1), row(r + 2), row(r + 3)}, share.innerWeight, count, sums);
+            r += 4;
+        }
+        else
+            sumEdges(row(r++), share.firstWeight, row(--end), share.lastWeight, count, sums);
+        for (; r + 4 <= end; r += 4)
+            sumRows<4, true>({row(r), row(r + 1), row(r + 2), row(r + 3)}, share.innerWeight, count, sums);
+        for (; r < end; ++r)
+            sumRows<1, true>({row(r)}, share.innerWeight, count, sums);
+    }
+
+    void averageInFloat(const ResizeShare& row) noexcept
+    {
+        const float* sums = fSums.data();
+        std::int32_t* levels = fLevels.data();
+        for (const ResizeShare& column : fColumns)
+        {
+            const float* pixel = sums + 4 * std::size_t{column.first};
+            const float* last = sums + 4 * std::size_t{column.last};
+            Float4 sum = loadLanes<Float4>(pixel) * column.firstWeight;
+            if (last != pixel)
+            {
+                Float4 inner = {};
+                for (pixel += 4; pixel < last; pixel += 4)
+                    inner += loadLanes<Float4>(pixel);
+                sum += inner * column.innerWeight + loadLanes<Float4>(last) * column.lastWeight;
+            }
+            // The quotient's integer part: rounding may leave the estimate one too low, but, with the inverse taken a
+            // little too small, never too high. The remainder is exact.
+            constexpr float kBelow = 1.0f - 0x1p-21f;
+            const float total = row.total * column.total;
+            const Int4 estimate = __builtin_convertvector(sum * (row.inverse * column.inverse * kBelow), Int4);
+            const Float4 remainder = sum - __builtin_convertvector(estimate, Float4) * total;
+            storeLanes(estimate - (remainder >= total), levels); // a true comparison is -1
+            levels += 4;
+        }
+    }
+
+    void averageInDouble(const ResizeShare& row, std::vector<std::size_t>& untold)
+    {
+        const float* sums = fSums.data();
+        std::int32_t* levels = fLevels.data();
+        for (std::size_t i = 0; i < fColumns.size(); ++i, levels += 4)
+        {
+            const ResizeShare& column = fColumns[i];
+            const float* pixel = sums + 4 * std::size_t{column.first};
+            const float* last = sums + 4 * std::size_t{column.last};
+            Double4 sum = loadWide(pixel) * column.firstWeight;
+            if (last != pixel)
+            {
+                Double4 inner = {};
+                for (pixel += 4; pixel < last; pixel += 4)
+                    inner += loadWide(pixel);
+                sum += inner * column.innerWeight;
+                sum += loadWide(last) * column.lastWeight;
+            }
+            const double inverse = 1.0 / (static_cast<double>(column.total) * row.total);
+            const bool rgNear = storeLevels(sum.rg * inverse + kResizeNudge, levels);
+            const bool baNear = storeLevels(sum.ba * inverse + kResizeNudge, levels + 2);
+            if (rgNear || baNear)
+                untold.push_back(i);
+        }
+    }
+
+    /// Truncates two averages.
+    /// @return  whether one of them is too near to a level
+    static bool storeLevels(Double2 averages, std::int32_t* levels) noexcept
+    {
+        const Int2 truncated = __builtin_convertvector(averages, Int2);
+        storeLanes(truncated, levels);
+        const Double2 fractions = averages - __builtin_convertvector(truncated, Double2);
+        const auto near = (fractions < kMargin) | (fractions > 1.0 - kMargin);
+        return (near[0] | near[1]) != 0;
+    }
+
+    /// Writes each column's pixel as often as its run is long.
+    void spreadRuns(unsigned char* dst) const noexcept
+    {
+        const unsigned char* pixel = fPixels.data();
+        for (const ResizeShare& column : fColumns)
+        {
+            for (std::uint32_t n = 0; n < column.count; ++n, dst += 4)
+                std::memcpy(dst, pixel, 4);
+            pixel += 4;
+        }
+    }
+
+    const unsigned char* fSrc;
+    std::vector<ResizeShare> fColumns;
+    std::vector<float> fSums;           ///< over the rows of a footprint, for each source column
+    std::vector<std::int32_t> fLevels;  ///< the results, for each run of columns
+    std::vector<unsigned char> fPixels; ///< the results as bytes, before they are spread over their runs
+    float fColumnTotal = 0.0f;          ///< the largest of the columns' totals
+    bool fEnlarges;
+};
+
+} // namespace
+
+void resize(const unsigned char* src, unsigned srcW, unsigned srcH, unsigned char* dst, unsigned dstW, unsigned dstH)
+{
+    const double footprint = (static_cast<double>(srcW) / dstW + 2.0) * (static_cast<double>(srcH) / dstH + 2.0);
+    if (std::max({srcW, srcH, dstW, dstH}) > kLargestSize || footprint > kLargestFootprint)
+    {
+        resizePlainly(src, srcW, srcH, dst, dstW, dstH);
+        return;
+    }
+    Fixed8Resizer resizer(src, srcW, dstW);
+    resizeByRuns(src, srcW, srcH, dst, dstW, dstH, resizeShares(srcH, dstH), resizer.columns(),
+                 [&](const auto& row, unsigned char* out, auto& untold) { resizer.averageRow(row, out, untold); });
+}
+
+} // namespace krPixels

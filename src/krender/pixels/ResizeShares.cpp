@@ -1,0 +1,59 @@
+#include "ResizeShares.h"
+
+#include <numeric>
+
+namespace krPixels
+{
+
+namespace
+{
+
+/// The weights of a run's cells, which cover [low, high], units to a cell.
+void setWeights(ResizeShare& share, std::int64_t low, std::int64_t high, std::int64_t unit) noexcept
+{
+    std::int64_t firstWeight = (share.first + 1) * unit - low;
+    std::int64_t innerWeight = unit;
+    std::int64_t lastWeight = high - share.last * unit;
+    std::int64_t total = high - low;
+    if (share.first == share.last)
+    {
+        firstWeight = total = 1;
+        lastWeight = 0;
+    }
+    else if (firstWeight == unit && lastWeight == unit)
+    {
+        firstWeight = innerWeight = lastWeight = 1;
+        total /= unit;
+    }
+    share.firstWeight = static_cast<float>(firstWeight);
+    share.innerWeight = static_cast<float>(innerWeight);
+    share.lastWeight = static_cast<float>(lastWeight);
+    share.total = static_cast<float>(total);
+    share.inverse = 1.0f / share.total;
+}
+
+} // namespace
+
+std::vector<ResizeShare> resizeShares(std::uint32_t srcSize, std::uint32_t dstSize)
+{
+    // Cell i reaches from (i - 1/2) to (i + 1/2) times srcSize / dstSize; in units of 1 / (2 * dstSize), reduced, the ends
+    // are whole.
+    const std::int64_t divisor = std::gcd(std::int64_t{srcSize}, 2 * std::int64_t{dstSize});
+    const std::int64_t half = srcSize / divisor;
+    const std::int64_t unit = 2 * std::int64_t{dstSize} / divisor;
+    std::vector<ResizeShare> shares;
+    for (std::uint32_t i = 0; i < dstSize; ++i)
+    {
+        const std::int64_t low = std::max<std::int64_t>((2 * std::int64_t{i} - 1) * half, 0);
+        const std::int64_t high = (2 * std::int64_t{i} + 1) * half;
+        const auto first = static_cast<std::uint32_t>(low / unit);
+        const auto last = static_cast<std::uint32_t>((high - 1) / unit);
+        if (!shares.empty() && extendRun(shares.back(), first, last))
+            continue;
+        shares.push_back({{first, last, i, 1}, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f});
+        setWeights(shares.back(), low, high, unit);
+    }
+    return shares;
+}
+
+} // namespace krPixels

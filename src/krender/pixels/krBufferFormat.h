@@ -1,0 +1,54 @@
+#pragma once
+#include <krender/pixels/IHWTexture.h>
+#include <krender/pixels/IPixelFormat.h>
+
+/// What a drawing buffer can hold: up to three rasters, its sampling, and the kind of texture that it can be bound as.
+class KRENDER_EXPORT krBufferFormat : public IPixelFormat
+{
+public:
+    /// Storage of one raster's components, in order of capability.
+    enum RasterFormat : std::int32_t
+    {
+        kNoRaster = 0,
+        kFixed8 = 1,
+        kFixed16 = 2,
+        kFixed24 = 3,
+        kFloat16 = 4,
+        kFloat32 = 5,
+    };
+
+    /// Samples a pixel, in order of capability.
+    enum SamplingType : std::int32_t
+    {
+        kSingleSample = 0,
+        kMultisample2 = 1,
+        kMultisample4 = 2,
+        kMultisample8 = 3,
+        kMultisample16 = 4,
+    };
+
+    krBufferFormat(RasterFormat color, RasterFormat second, RasterFormat third, SamplingType sampling,
+                   IHWTexture::TextureType textureType) noexcept;
+
+    [[nodiscard]] RasterFormat colorRaster() const noexcept { return fColorRaster; }
+    [[nodiscard]] IHWTexture::TextureType textureType() const noexcept { return fTextureType; }
+    [[nodiscard]] RasterFormat secondRaster() const noexcept { return fSecondRaster; }
+    [[nodiscard]] RasterFormat thirdRaster() const noexcept { return fThirdRaster; }
+    [[nodiscard]] SamplingType sampling() const noexcept { return fSampling; }
+
+    /// True when any raster or the sampling is below the other's. The texture type takes no part: buffers of different
+    /// types are different, and neither is the lesser.
+    [[nodiscard]] bool lessCapableThan(const krBufferFormat& other) const noexcept;
+    /// True unless the other is less capable than this one: mind the direction, which the name turns round. Two formats
+    /// that each have something over the other answer false both ways.
+    [[nodiscard]] bool betterOrEqualThan(const krBufferFormat& other) const noexcept;
+    /// True when all five fields are equal.
+    [[nodiscard]] bool operator==(const krBufferFormat& other) const noexcept;
+
+private:
+    RasterFormat fColorRaster;
+    IHWTexture::TextureType fTextureType;
+    RasterFormat fSecondRaster;
+    RasterFormat fThirdRaster;
+    SamplingType fSampling;
+};

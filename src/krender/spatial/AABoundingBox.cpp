@@ -1,0 +1,219 @@
+#include <krender/spatial/AABoundingBox.h>
+
+#include <krender/spatial/BoundingSphere.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+using krLinear::PointFlt;
+
+namespace
+{
+
+constexpr float squared(float value) { return value * value; }
+
+/// The squared distance from a coordinate to the nearest one between min and max.
+constexpr float squaredDistance(float value, float min, float max)
+{
+    if (value < min)
+        return squared(value - min);
+    return value > max ? squared(value - max) : 0.0f;
+}
+
+using Lanes = float __attribute__((vector_size(4 * sizeof(float))));
+
+constexpr float PointFlt::*kAxes[] = {&PointFlt::x, &PointFlt::y, &PointFlt::z};
+static_assert(sizeof(PointFlt) == 3 * sizeof(float));
+
+/// Gives a bound of 0 the sign that growing point by point leaves: of 0 and -0 the first one met stays.
+void settleZero(float& bound, float oldBound, const std::vector<PointFlt>& points, float PointFlt::*axis)
+{
+    if (bound != 0.0f)
+        return;
+    bound = oldBound == 0.0f
+                ? oldBound
+                : (*std::ranges::find_if(points, [axis](const PointFlt& p) { return p.*axis == 0.0f; })).*axis;
+}
+
+constexpr bool between(float min, float value, float max) { return min <= value && value <= max; }
+
+// A NaN moves no bound.
+constexpr void lower(float& min, float value) { min = min > value ? value : min; }
+constexpr void raise(float& max, float value) { max = value > max ? value : max; }
+
+} // namespace
+
+AABoundingBox::AABoundingBox(const GeometryDataIndex& /*indices*/) noexcept : AABoundingBox(PointFlt(), PointFlt()) {}
+
+void AABoundingBox::setInvalid() { *this = AABoundingBox(); }
+
+void AABoundingBox::transform(krLinear::AffineMatrix& matrix)
+{
+    if (!isValid())
+        return;
+    const std::array<double, 3> oldMin{fMin.x, fMin.y, fMin.z};
+    const std::array<double, 3> oldMax{fMax.x, fMax.y, fMax.z};
+    std::array<double, 3> newMin{};
+    std::array<double, 3> newMax{};
+    for (unsigned j = 0; j < 3; ++j)
+    {
+        newMin[j] = newMax[j] = matrix(3, j);
+        for (unsigned i = 0; i < 3; ++i)
+        {
+            const double a = matrix(i, j) * oldMin[i];
+            const double b = matrix(i, j) * oldMax[i];
+            newMin[j] += a < b ? a : b;
+            newMax[j] += a < b ? b : a;
+        }
+    }
+    fMin = PointFlt(newMin[0], newMin[1], newMin[2]);
+    fMax = PointFlt(newMax[0], newMax[1], newMax[2]);
+}
+
+void AABoundingBox::addPoint(const PointFlt& point)
+{
+    // One point may move both bounds: the first one of an empty box does.
+    for (float PointFlt::*const axis : kAxes)
+    {
+        lower(fMin.*axis, point.*axis);
+        raise(fMax.*axis, point.*axis);
+    }
+}
+
+void AABoundingBox::addPoints(const std::vector<PointFlt>& points)
+{
+    // Each lane grows the bounds of its own axis: the numbers of four points fill the vectors xyzx yzxy zxyz.
+    constexpr unsigned kVectors = 6;
+    constexpr unsigned kNumbers = 4 * kVectors;
+    Lanes low[kVectors];
+    Lanes high[kVectors];
+    const PointFlt oldMin = fMin;
+    const PointFlt oldMax = fMax;
+    for (unsigned i = 0; i < kNumbers; ++i)
+    {
+        low[i / 4][i % 4] = oldMin.*kAxes[i % 3];
+        high[i / 4][i % 4] = oldMax.*kAxes[i % 3];
+    }
+
+    std::size_t next = 0;
+    for (; points.size() - next >= kNumbers / 3; next += kNumbers / 3)
+    {
+        __builtin_prefetch(reinterpret_cast<const char*>(&points[next]) + 2048);
+        Lanes numbers[kVectors];
+        std::memcpy(numbers, &points[next], sizeof numbers);
+        for (unsigned v = 0; v < kVectors; ++v)
+        {
+            low[v] = low[v] > numbers[v] ? numbers[v] : low[v];
+            high[v] = numbers[v] > high[v] ? numbers[v] : high[v];
+        }
+    }
+
+    for (unsigned i = 0; i < kNumbers; ++i)
+    {
+        float PointFlt::*const axis = kAxes[i % 3];
+        lower(fMin.*axis, low[i / 4][i % 4]);
+        raise(fMax.*axis, high[i / 4][i % 4]);
+    }
+    for (; next < points.size(); ++next)
+        AABoundingBox::addPoint(points[next]);
+
+    for (float PointFlt::*const axis : kAxes)
+    {
+        settleZero(fMin.*axis, oldMin.*axis, points, axis);
+        settleZero(fMax.*axis, oldMax.*axis, points, axis);
+    }
+}
+
+PointFlt AABoundingBox::center() const
+{
+    if (!isValid())
+        return {};
+    return {(fMin.x + fMax.x) * 0.5f, (fMin.y + fMax.y) * 0.5f, (fMin.z + fMax.z) * 0.5f};
+}
+
+float AABoundingBox::radius() const
+{
+    return isValid() ? static_cast<float>(krLinear::distance(center(), fMax)) : 0.0f;
+}
+
+void AABoundingBox::set(const PointFlt& min, const PointFlt& max) noexcept
+{
+    fMin = min;
+    fMax = max;
+}
+
+void AABoundingBox::set(const GeometryDataIndex& /*indices*/) noexcept {}
+
+AABoundingBox AABoundingBox::operator+(const IBoundingPlanes& other) const
+{
+    AABoundingBox sum(*this);
+    sum += other;
+    return sum;
+}
+
+AABoundingBox& AABoundingBox::operator+=(const IBoundingPlanes& other)
+{
+    addPoint(other.min());
+    addPoint(other.max());
+    return *this;
+}
+
+bool AABoundingBox::classify(IntersectType type, const PointFlt& point) const noexcept
+{
+    switch (type)
+    {
+    case Outside:
+        return point.x < fMin.x || point.y < fMin.y || point.z < fMin.z || point.x > fMax.x || point.y > fMax.y ||
+               point.z > fMax.z;
+    case Inside:
+        return between(fMin.x, point.x, fMax.x) && between(fMin.y, point.y, fMax.y) && between(fMin.z, point.z, fMax.z);
+    case Intersect:
+        if (point.x == fMin.x || point.x == fMax.x)
+            return between(fMin.y, point.y, fMax.y) && between(fMin.z, point.z, fMax.z);
+        if (point.y == fMin.y || point.y == fMax.y)
+            return between(fMin.x, point.x, fMax.x) && between(fMin.z, point.z, fMax.z);
+        // On the z faces each coordinate is held against the next axis's maximum; picking that was tuned on this
+        // answer depends on it.
+        if (point.z == fMin.z || point.z == fMax.z)
+            return between(fMin.x, point.x, fMax.y) && between(fMin.y, point.y, fMax.z);
+        return false;
+    }
+    return false;
+}
+
+bool AABoundingBox::classify(IntersectType type, const AABoundingBox& box) const noexcept
+{
+    const auto contains = [this, &box]
+    {
+        return box.fMin.x >= fMin.x && box.fMin.y >= fMin.y && box.fMin.z >= fMin.z && fMax.x >= box.fMax.x &&
+               fMax.y >= box.fMax.y && fMax.z >= box.fMax.z;
+    };
+    const auto meets = [this, &box]
+    {
+        return box.fMax.x >= fMin.x && box.fMax.y >= fMin.y && box.fMax.z >= fMin.z && fMax.x >= box.fMin.x &&
+               fMax.y >= box.fMin.y && fMax.z >= box.fMin.z;
+    };
+    switch (type)
+    {
+    case Outside:
+        return !contains() && !meets();
+    case Inside:
+        return contains();
+    case Intersect:
+        return meets();
+    }
+    return false;
+}
+
+bool AABoundingBox::classify(IntersectType type, const BoundingSphere& sphere) const
+{
+    if (type != Intersect)
+        return false;
+    const PointFlt center = sphere.center();
+    return squaredDistance(center.x, fMin.x, fMax.x) + squaredDistance(center.y, fMin.y, fMax.y) +
+               squaredDistance(center.z, fMin.z, fMax.z) <=
+           squared(sphere.radius());
+}
+
+bool AABoundingBox::classify(IntersectType /*type*/, const Frustum& /*frustum*/) const noexcept { return false; }

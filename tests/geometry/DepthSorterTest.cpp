@@ -1,0 +1,179 @@
+#include <krender/geometry/DepthSorter.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdlib>
+#include <functional>
+#include <numeric>
+#include <random>
+#include <vector>
+
+using krLinear::ProjMatrix;
+
+namespace
+{
+
+using Depths = std::vector<float>;
+using Order = std::vector<unsigned int>;
+
+/// Sizes on both sides of every change of method.
+constexpr std::size_t kSizes[] = {1, 2, 3, 17, 512, 513, 2048, 2049, 300000};
+
+Depths makeDepths(std::size_t n, const std::function<double(std::size_t)>& depth)
+{
+    Depths depths;
+    for (std::size_t i = 0; i < n; ++i)
+        depths.push_back(static_cast<float>(depth(i)));
+    return depths;
+}
+
+/// Points with these z, and with x and y of their own.
+std::vector<float> pointsAt(const Depths& depths)
+{
+    std::vector<float> positions;
+    for (const float depth : depths)
+        positions.insert(positions.end(), {static_cast<float>(positions.size() % 7) - 3.0f, 0.25f, depth});
+    return positions;
+}
+
+Order sorted(const ProjMatrix& m, const std::vector<float>& positions, const Order& filter = {})
+{
+    Order order(filter.empty() ? positions.size() / 3 : filter.size());
+    EXPECT_TRUE(DepthSorter::sortByDepth(m, order.data(), static_cast<unsigned int>(positions.size() / 3),
+                                         positions.data(), filter.empty() ? nullptr : filter.data(),
+                                         static_cast<unsigned int>(filter.size())));
+    EXPECT_EQ(DepthSorter::fsPositionXformZ, nullptr);
+    return order;
+}
+
+void expectEachPlaceOnce(Order order)
+{
+    std::sort(order.begin(), order.end());
+    for (std::size_t i = 0; i < order.size(); ++i)
+        ASSERT_EQ(order[i], i);
+}
+
+/// Expects the order of the plain library sort under the comparison, but for the places of equal depths.
+void expectSorted(const Order& order, Depths depths)
+{
+    expectEachPlaceOnce(order);
+    Order reference(depths.size());
+    std::iota(reference.begin(), reference.end(), 0u);
+    DepthSorter::fsPositionXformZ = depths.data();
+    std::qsort(reference.data(), reference.size(), sizeof reference[0], DepthSorter::depthCompareFunction);
+    DepthSorter::fsPositionXformZ = nullptr;
+    for (std::size_t i = 0; i < order.size(); ++i)
+        ASSERT_EQ(depths[order[i]], depths[reference[i]]) << "at " << i << " of " << order.size();
+}
+
+} // namespace
+
+TEST(DepthSorter, PutsTheMostNegativeFirst)
+{
+    const auto positions = pointsAt({-5, -1, -3});
+    EXPECT_EQ(sorted(ProjMatrix(1.0), positions), (Order{0, 2, 1}));
+    EXPECT_EQ(sorted(ProjMatrix(1.0), pointsAt({0, 1, -4, 2, 4, 5, 6, -9}), {7, 2}), (Order{0, 1}));
+    EXPECT_EQ(sorted(ProjMatrix(1.0), pointsAt({0, 1, -9, 2, 4, 5, 6, -4}), {7, 2}), (Order{1, 0}));
+
+    const double flipped[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, -1, 0, 0, 0, 0, 1};
+    Order order(3);
+    EXPECT_TRUE(DepthSorter::sortByDepth(flipped, order.data(), 3, positions.data(), nullptr, 0));
+    EXPECT_EQ(order, (Order{1, 2, 0}));
+}
+
+TEST(DepthSorter, AnswersWithoutWorkWhereThereIsNone)
+{
+    const float position[] = {0, 0, 0};
+    const unsigned int filter = 0;
+    unsigned int order = 77;
+    const auto sort = [&](unsigned int count, const float* points, const unsigned int* numbers, unsigned int n)
+    { return DepthSorter::sortByDepth(ProjMatrix(1.0), &order, count, points, numbers, n); };
+    EXPECT_TRUE(sort(0, position, nullptr, 0));
+    EXPECT_TRUE(sort(0, position, &filter, 1));
+    EXPECT_TRUE(sort(1, position, &filter, 0));
+    EXPECT_TRUE(sort(0, nullptr, nullptr, 0));
+    EXPECT_FALSE(sort(1, nullptr, nullptr, 0));
+    EXPECT_EQ(order, 77u) << "is left alone";
+}
+
+TEST(DepthSorter, AgreesWithThePlainSort)
+{
+    std::mt19937 random(11);
+    const auto bits = [&random](std::uint32_t mask, std::uint32_t rest)
+    {
+        const auto value = std::bit_cast<float>((static_cast<std::uint32_t>(random()) & mask) | rest);
+        return std::isnan(value) ? -0.0f : value;
+    };
+    const float few[] = {-1.0f, 0.0f, -0.0f, 1.0f, 1e-45f};
+    const std::pair<const char*, std::function<double(std::size_t)>> kinds[] = {
+        {"uniform", [&](std::size_t) { return static_cast<double>(random()) * 1e-7 - 200.0; }},
+        {"any number, infinities and zeros", [&](std::size_t) { return bits(0xFFFFFFFFu, 0); }},
+        {"sorted", [](std::size_t i) { return static_cast<double>(i) - 40.0; }},
+        {"reversed", [](std::size_t i) { return 40.0 - static_cast<double>(i); }},
+        {"all equal", [](std::size_t) { return -2.5; }},
+        {"few values and both zeros", [&](std::size_t) { return few[random() % std::size(few)]; }},
+        {"differences in the lowest digit", [&](std::size_t) { return bits(7u, 0x3F800000u); }},
+        {"differences in the highest digit", [&](std::size_t) { return bits(0x7F800000u, 5u); }},
+        {"last one out of order", [](std::size_t i) { return i == 299999 ? -1.0 : static_cast<double>(i); }},
+    };
+    for (const auto& [what, depth] : kinds)
+        for (const std::size_t n : kSizes)
+        {
+            SCOPED_TRACE(what);
+            const auto depths = makeDepths(n, depth);
+            expectSorted(sorted(ProjMatrix(1.0), pointsAt(depths)), depths);
+        }
+}
+
+TEST(DepthSorter, TransformsDepthsExactlyAsTheMatrixDoes)
+{
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> uniform(-2.0, 2.0);
+    for (const std::size_t n : kSizes)
+    {
+        ProjMatrix m;
+        for (unsigned i = 0; i < 16; ++i)
+            m(i / 4, i % 4) = uniform(random);
+        const auto positions = pointsAt(makeDepths(n, [&](std::size_t) { return uniform(random); }));
+        const auto depthOf = [&](std::size_t i)
+        {
+            krLinear::HPoint result;
+            m.preMult(result, {positions[3 * i], positions[3 * i + 1], positions[3 * i + 2], 1.0});
+            return result.z;
+        };
+        expectSorted(sorted(m, positions), makeDepths(n, depthOf));
+
+        Order filter;
+        while (filter.size() <= n / 2)
+            filter.push_back(static_cast<unsigned int>(random() % n));
+        expectSorted(sorted(m, positions, filter),
+                     makeDepths(filter.size(), [&](std::size_t i) { return depthOf(filter[i]); }));
+    }
+}
+
+TEST(DepthSorter, TakesNearlyTheIdentityForItWithoutAFilterOnly)
+{
+    ProjMatrix nearly(1.0);
+    nearly(0, 2) = krLinear::epsilonTol / 2;
+    const std::vector<float> positions = {1e9f, 0, 0.0f, 0, 0, 0.01f}; // the first one's x outweighs the second one's z
+    EXPECT_EQ(sorted(nearly, positions), (Order{0, 1}));
+    EXPECT_EQ(sorted(nearly, positions, {0, 1}), (Order{1, 0}));
+}
+
+TEST(DepthSorter, SurvivesNaN)
+{
+    std::mt19937 random(3);
+    for (const std::size_t n : kSizes)
+    {
+        const auto depths = makeDepths(n, [&](std::size_t i)
+                                       { return i % 5 == 1 ? (i % 2 ? NAN : -NAN) : static_cast<double>(random()); });
+        Order order = sorted(ProjMatrix(1.0), pointsAt(depths));
+        expectEachPlaceOnce(order);
+        std::erase_if(order, [&](unsigned int place) { return std::isnan(depths[place]); });
+        EXPECT_TRUE(std::is_sorted(order.begin(), order.end(), [&](auto a, auto b) { return depths[a] < depths[b]; }))
+            << "the numbers are in order all the same";
+    }
+}

@@ -1,0 +1,137 @@
+#include "geometry/Fixtures.h"
+
+#include <krender/geometry/GeometryDataIterator.h>
+#include <krender/geometry/GeometryLogicalGroup.h>
+#include <krender/geometry/GeometryLogicalIterator.h>
+
+#include <gtest/gtest.h>
+
+#include <tuple>
+
+namespace
+{
+
+/// Streams, which it adopts, under one list of 64-bit entries, as the iterator reads them.
+struct Walked
+{
+    Walked(std::initializer_list<unsigned int> entries, const std::vector<const GeometryData*>& streams)
+        : group(nullptr, streams, {})
+    {
+        const auto count = static_cast<unsigned int>(entries.size());
+        const Held<GeometryDataIndex> narrow(
+            new GeometryDataIndex(GeometryDataIndex::points, count, newArray(entries)));
+        list = new GeometryDataIndex(GeometryDataIndex::points, count, streams, narrow->widenedIndices().release(),
+                                     nullptr, nullptr);
+        group.appendData({}, {list});
+    }
+
+    GeometryLogicalGroup group;
+    const GeometryDataIndex* list;
+};
+
+/// A stream of the elements `base` and `base` + 1.
+GeometryData* newMarked(GeometryData::DataType type, float base, int setIndex = 0)
+{
+    GeometryData* stream = newStream(type, 1, {base, base + 1});
+    stream->setIndex = setIndex;
+    return stream;
+}
+
+} // namespace
+
+TEST(GeometryLogicalIterator, VisitsTheListsInOrder)
+{
+    GeometryLogicalGroup group(nullptr);
+    group.appendData({}, {newList(GeometryDataIndex::points, 0), newList(GeometryDataIndex::lines, 0)});
+    GeometryLogicalIterator iterator(&group);
+    for (const GeometryDataIndex* list : group.indices())
+    {
+        EXPECT_EQ(iterator.dataIndexPointer(), list);
+        iterator.next();
+    }
+    iterator.next();
+    EXPECT_TRUE(iterator.isDone()) << "there is nothing past the end";
+    EXPECT_TRUE(GeometryLogicalIterator(nullptr).isDone());
+}
+
+TEST(GeometryDataIterator, PointsAtTheElementsOfTheEntries)
+{
+    const Walked walked({2, 0, 1}, {newStream(GeometryData::vertex, 3, {0, 1, 2, 10, 11, 12, 20, 21, 22}),
+                                    newStream(GeometryData::color, 2, {0.5f, 0, 1.5f, 0, 2.5f, 0})});
+    GeometryDataIterator iterator(walked.list, nullptr);
+    std::vector<float> values;
+    for (; !iterator.isDone(); iterator.next())
+        values.insert(values.end(), {iterator.vertex()[2], iterator.color()[0]});
+    EXPECT_EQ(values, (std::vector<float>{22, 2.5f, 2, 0.5f, 12, 1.5f}));
+    iterator.next();
+    EXPECT_EQ(iterator.position(), 3u) << "next() stays at the end";
+}
+
+TEST(GeometryDataIterator, ReadsEntriesAs64BitValues)
+{
+    const Held<GeometryDataIndex> list(new GeometryDataIndex(GeometryDataIndex::points, 2, newArray({1u, 2u, 3u, 4u})));
+    GeometryDataIterator iterator(list.get(), nullptr);
+    EXPECT_EQ(iterator.computeIndex(1), 0x200000001u);
+    iterator.next();
+    EXPECT_EQ(iterator.computeIndex(2), 2 * 0x400000003u);
+}
+
+TEST(GeometryDataIterator, EndsWithItsRange)
+{
+    const Held<GeometryDataIndex> list(newList(GeometryDataIndex::points, 5));
+    GeometryDataIterator iterator(list.get(), nullptr);
+    const auto steps = [&iterator]
+    {
+        int n = 0;
+        for (; !iterator.isDone(); iterator.next())
+            ++n;
+        return n;
+    };
+    EXPECT_TRUE(iterator.setRange(2, 4));
+    EXPECT_EQ(steps(), 4) << "a range does not move the position";
+    EXPECT_FALSE(iterator.setRange(2, 6)) << "past the list's end";
+    EXPECT_EQ(steps(), 1) << "the walk goes on to the list's end";
+    EXPECT_TRUE(iterator.setRange(0, 5));
+    iterator.reset(list.get(), nullptr);
+    EXPECT_FALSE(iterator.useRange());
+    EXPECT_EQ(steps(), 5);
+    iterator.reset(nullptr, nullptr);
+    EXPECT_TRUE(iterator.isDone());
+}
+
+TEST(GeometryDataIterator, FillsASlotForEveryKindOfStream)
+{
+    const Walked walked({1}, {newMarked(GeometryData::vertex, 900), newMarked(GeometryData::vertex, 100),
+                              newMarked(GeometryData::normal, 200), newMarked(GeometryData::alternateNormal, 300),
+                              newMarked(GeometryData::weight, 400), newMarked(GeometryData::binormal, 500),
+                              newMarked(GeometryData::userData, 600), newMarked(GeometryData::color, 700),
+                              newMarked(GeometryData::tangentSpaceCorrection, 999), nullptr});
+    GeometryDataIterator iterator(walked.list, nullptr);
+    EXPECT_EQ(*iterator.vertex(), 101) << "the later one of two";
+    EXPECT_EQ(*iterator.normal(), 201);
+    iterator.setUseNormal(false);
+    EXPECT_EQ(*iterator.normal(), 301);
+    EXPECT_EQ(*iterator.weight(), 401);
+    EXPECT_EQ(*iterator.binormal(), 501);
+    EXPECT_EQ(*iterator.userData(), 601);
+    EXPECT_EQ(*iterator.color(), 701);
+}
+
+TEST(GeometryDataIterator, ChoosesSlotsByTextureSet)
+{
+    const Walked walked({0},
+                        {newMarked(GeometryData::textureCoord, 10, 1), newMarked(GeometryData::textureCoord, 20, 0),
+                         newMarked(GeometryData::tangent, 30, 0), newMarked(GeometryData::tangent, 40, 1)});
+    // The sets, then first and second texture coordinate and tangent.
+    using Values = std::array<float, 4>;
+    const std::tuple<const char*, std::vector<unsigned int>, Values> cases[] = {
+        {"no sets: the last stream fills both", {}, {20, 20, 40, 40}},
+        {"in order", {0, 1}, {20, 10, 30, 40}},
+        {"crossed", {1, 0}, {10, 20, 40, 30}},
+        {"one set for both", {1, 1}, {10, 10, 40, 40}}};
+    for (const auto& [what, sets, values] : cases)
+    {
+        const GeometryDataIterator i(walked.list, sets.empty() ? nullptr : sets.data());
+        EXPECT_EQ((Values{*i.textureCoord(), *i.textureCoord2(), *i.tangent(), *i.tangent2()}), values) << what;
+    }
+}

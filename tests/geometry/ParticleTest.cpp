@@ -1,0 +1,174 @@
+#include "geometry/Fixtures.h"
+
+#include <krender/geometry/ParticleDataIterator.h>
+
+#include <gtest/gtest.h>
+
+#include <tuple>
+
+using krLinear::ProjMatrix;
+
+namespace
+{
+
+/// A stream whose i-th element is `base` + i in every component.
+GeometryData* newNumbered(float base, unsigned int elements, unsigned int components, const char* name)
+{
+    auto values = std::make_unique_for_overwrite<float[]>(std::size_t{elements} * components);
+    for (unsigned int i = 0; i < elements; ++i)
+        std::fill_n(&values[std::size_t{i} * components], components, base + static_cast<float>(i));
+    return new GeometryData(name, GeometryData::vertex, GeometryData::float32, components, elements, values.release(),
+                            true, false);
+}
+
+/// Particles that hold the only references on their streams, with the optional ones that are named: n, c, a.
+Held<ParticleData> makeParticles(ParticleData::ParticleType type, GeometryData* positions, unsigned int velocityCount,
+                                 std::string_view optional = "")
+{
+    const Held<GeometryData> heldPositions(positions);
+    const Held<GeometryData> velocities(newNumbered(200, velocityCount, 3, "velocity"));
+    const Held<GeometryData> normals(newNumbered(300, velocityCount, 3, "normal"));
+    const Held<GeometryData> colors(newNumbered(400, velocityCount, 4, "color"));
+    const Held<GeometryData> alpha(newNumbered(500, velocityCount, 1, "alpha"));
+    const auto given = [&](char name, const Held<GeometryData>& stream)
+    { return optional.find(name) != optional.npos ? stream.get() : nullptr; };
+    return Held<ParticleData>(new ParticleData(type, 2.5f, *positions, *velocities, given('n', normals),
+                                               given('c', colors), given('a', alpha)));
+}
+
+std::vector<unsigned int> indicesOf(ParticleDataIterator iterator)
+{
+    std::vector<unsigned int> result;
+    for (; !iterator.isDone(); iterator.next())
+        result.push_back(iterator.index());
+    return result;
+}
+
+} // namespace
+
+TEST(ParticleData, RefsTheStreamsOfTheConstructorAndAdoptsAddedOnes)
+{
+    int alive = 0;
+    const auto newCounted = [&alive]
+    {
+        return new Counted<GeometryData>(alive, "", GeometryData::vertex, GeometryData::float32, 3u, 1u,
+                                         newArray({1.0f, 2.0f, 3.0f}), true, false);
+    };
+    const Held<GeometryData> positions(newCounted());
+    const Held<GeometryData> velocities(newCounted());
+    auto* particles = new ParticleData(ParticleData::single, 1.0f, *positions, *velocities, nullptr, nullptr, nullptr);
+    const GeometryData* added = newCounted();
+    particles->addData(*added);
+    EXPECT_EQ(particles->getData(2), added);
+    EXPECT_EQ(particles->getData(3), nullptr);
+    EXPECT_EQ(particles->index()->data(), (std::vector<const GeometryData*>{positions.get(), velocities.get()}));
+
+    int hangers = 0;
+    positions->setHanger(new Hanger(hangers));
+    EXPECT_EQ(particles->unref(), 0);
+    EXPECT_EQ(hangers, 0) << "the list took the hangers of its streams along";
+    EXPECT_EQ(alive, 2) << "the caller's references on the first two are left";
+}
+
+TEST(ParticleData, NumbersTheStreamsThatAreGiven)
+{
+    const std::tuple<const char*, int, int, int> cases[] = {{"", -1, -1, -1}, {"n", 2, -1, -1}, {"c", -1, 2, -1},
+                                                            {"a", -1, -1, 2}, {"nc", 2, 3, -1}, {"na", 2, -1, 3},
+                                                            {"ca", -1, 2, 3}, {"nca", 2, 3, 4}};
+    for (const auto& [given, normal, color, alpha] : cases)
+    {
+        SCOPED_TRACE(given);
+        const auto particles = makeParticles(ParticleData::single, newNumbered(100, 2, 3, "position"), 2, given);
+        EXPECT_EQ(particles->normalStream(), normal);
+        EXPECT_EQ(particles->colorStream(), color);
+        EXPECT_EQ(particles->alphaStream(), alpha);
+        EXPECT_EQ(particles->getDataIndex("velocity"), 1u);
+        EXPECT_EQ(particles->getDataIndex("alpha"), alpha < 0 ? 0xFFFFFFFFu : static_cast<unsigned int>(alpha));
+
+        ParticleDataIterator iterator(*particles, nullptr, 0);
+        iterator.next();
+        const auto at = [](const float* values, int i) { return values ? values[i] : 0.0f; };
+        EXPECT_EQ(at(iterator.position(), 2), 101);
+        EXPECT_EQ(at(iterator.velocity(), 2), 201);
+        EXPECT_EQ(at(iterator.normal(), 2), normal < 0 ? 0 : 301);
+        EXPECT_EQ(at(iterator.color(), 3), color < 0 ? 0 : 401);
+        EXPECT_EQ(at(iterator.alpha(), 0), color < 0 || alpha < 0 ? 0 : 501) << "alpha comes with colours only";
+        EXPECT_EQ(iterator.userData(1), iterator.velocity());
+        EXPECT_EQ(iterator.userData(5), nullptr);
+    }
+}
+
+TEST(ParticleData, SortsAllParticlesOrThoseOfAFilter)
+{
+    using Order = std::vector<unsigned int>;
+    const auto particles = makeParticles(
+        ParticleData::single, newStream(GeometryData::vertex, 3, {0, 0, -5, 0, 0, -1, 0, 0, -3, 0, 0, -4}), 4);
+    const auto walk = [&particles]
+    {
+        ParticleDataIterator iterator(*particles, nullptr, 0);
+        iterator.useParticleDataFilter();
+        return indicesOf(iterator);
+    };
+    EXPECT_EQ(walk(), Order()) << "there is no order yet";
+    EXPECT_TRUE(particles->sortByDepth(ProjMatrix(1.0), nullptr, 0));
+    EXPECT_EQ(walk(), (Order{0, 3, 2, 1}));
+
+    const Order filter = {1, 3};
+    EXPECT_TRUE(particles->sortByDepth(ProjMatrix(1.0), filter.data(), 2));
+    EXPECT_EQ(walk(), (Order{1, 0, 0, 0})) << "places in the filter, and 0 up to the number of particles";
+    const Order longFilter = {1, 3, 0, 0, 2, 1};
+    EXPECT_TRUE(particles->sortByDepth(ProjMatrix(1.0), longFilter.data(), 6));
+    EXPECT_EQ(longFilter[particles->sortOrder()[5]], 1u);
+
+    particles->sortByDepth(ProjMatrix(1.0), filter.data(), 0);
+    EXPECT_EQ(particles->sortOrder(), nullptr) << "an empty filter forgets the order";
+    EXPECT_FALSE(particles->sorted());
+    EXPECT_TRUE(particles->sortByDepth(ProjMatrix(1.0), nullptr, 0));
+    particles->removeSortByDepth();
+    EXPECT_EQ(walk(), Order());
+
+    const auto none = makeParticles(ParticleData::single, newStream(GeometryData::vertex, 3, {}), 0);
+    EXPECT_FALSE(none->sortByDepth(ProjMatrix(1.0), nullptr, 0));
+}
+
+TEST(ParticleDataIterator, CountsByTypeAndFilter)
+{
+    // 7 positions for 3 velocities: a cluster has two, and one is left over. Type, filtered, count, last position.
+    const std::tuple<ParticleData::ParticleType, bool, unsigned, float> cases[] = {
+        {ParticleData::single, false, 7, 106},       {ParticleData::single, true, 3, 102},
+        {ParticleData::trail, false, 7, 106},        {ParticleData::trail, true, 3, 102},
+        {ParticleData::cluster, false, 3, 104},      {ParticleData::cluster, true, 3, 104},
+        {ParticleData::trailCluster, false, 3, 104}, {ParticleData::trailCluster, true, 3, 104}};
+    const unsigned int filter[] = {5, 0, 2};
+    for (const auto& [type, filtered, count, lastPosition] : cases)
+    {
+        const auto particles = makeParticles(type, newNumbered(100, 7, 3, "position"), 3);
+        ParticleDataIterator iterator(*particles, filtered ? filter : nullptr, 3);
+        EXPECT_EQ(iterator.count(), count);
+        while (iterator.current() + 1 < iterator.count())
+            iterator.next();
+        EXPECT_EQ(*iterator.position(), lastPosition) << "type " << type << (filtered ? ", filtered" : "");
+        iterator.setFilter(nullptr, 10);
+        EXPECT_EQ(iterator.count(), 0u);
+    }
+    const auto still = makeParticles(ParticleData::cluster, newNumbered(100, 7, 3, "position"), 0);
+    EXPECT_TRUE(ParticleDataIterator(*still, nullptr, 0).isDone()) << "no velocities, no particles";
+}
+
+TEST(ParticleDataIterator, KeepsPositionsPerParticleWhenResetToSinglePositions)
+{
+    const auto clusters = makeParticles(ParticleData::cluster, newNumbered(100, 6, 3, "position"), 3);
+    const auto singles = makeParticles(ParticleData::single, newNumbered(100, 6, 3, "position"), 6);
+    ParticleDataIterator iterator(*clusters, nullptr, 0);
+    iterator.reset(*singles, nullptr, 0);
+    EXPECT_EQ(iterator.positionsPerParticle(), 2u);
+    EXPECT_EQ(ParticleDataIterator(*singles, nullptr, 0).positionsPerParticle(), 1u);
+}
+
+TEST(CeilPow2, RoundsUp)
+{
+    const std::pair<unsigned int, unsigned int> cases[] = {
+        {0, 1}, {1, 1}, {2, 2}, {3, 4}, {5, 8}, {8, 8}, {0x7FFFFFFF, 0x80000000}, {0x80000000, 0x80000000}};
+    for (const auto& [n, power] : cases)
+        EXPECT_EQ(ceilPow2(n), power) << n;
+}

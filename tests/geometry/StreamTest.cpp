@@ -1,0 +1,96 @@
+#include "geometry/Fixtures.h"
+
+#include <gtest/gtest.h>
+
+#include <tuple>
+
+// The memory checkers see what is released, and as which type.
+TEST(GeometryData, ReleasesOwnedArraysOfEveryTypeButOpaque)
+{
+    const auto useUp = [](int type, void* data, bool owns)
+    {
+        const auto elementType = static_cast<GeometryData::ElementType>(type);
+        Held<GeometryData>(new GeometryData("", GeometryData::userData, elementType, 1, 2, data, owns, false));
+    };
+    int type = 0;
+    std::apply([&](auto... component) { (useUp(++type, new decltype(component)[2], true), ...); },
+               std::tuple<float, double, std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t,
+                          std::uint32_t>());
+
+    const std::unique_ptr<char[]> kept(newArray({'a', 'b'}));
+    useUp(GeometryData::opaque, kept.get(), true);
+    useUp(GeometryData::uint8, kept.get(), false);
+    useUp(9, kept.get(), true);
+    EXPECT_EQ(kept[1], 'b');
+}
+
+TEST(GeometryData, AlwaysOwnsItsHanger)
+{
+    int hangers = 0;
+    {
+        const Held<GeometryData> stream(newStream(GeometryData::vertex, 1, {}));
+        stream->setHanger(new Hanger(hangers));
+        auto* second = new Hanger(hangers);
+        stream->setHanger(second);
+        stream->setHanger(second);
+        EXPECT_EQ(hangers, 1) << "the first one went when it was replaced, the second one stayed when hung again";
+        stream->deleteHanger();
+        EXPECT_EQ(hangers, 0);
+        EXPECT_EQ(stream->hanger(), nullptr);
+        stream->setHanger(new Hanger(hangers));
+    }
+    EXPECT_EQ(hangers, 0);
+}
+
+TEST(GeometryDataIndex, ShortListsDrawTheirIdWithoutTheGuardAgainstZero)
+{
+    const std::uint32_t before = std::exchange(IResource::fsUniqueIDGenerator, 0xFFFFFFFFu);
+    const Held<GeometryDataIndex> last(newList(GeometryDataIndex::points, 0));
+    const Held<GeometryDataIndex> wrapped(newList(GeometryDataIndex::points, 0));
+    IResource::fsUniqueIDGenerator = 0;
+    const Held<GeometryDataIndex> shortList(new GeometryDataIndex(GeometryDataIndex::points, 0, nullptr));
+    IResource::fsUniqueIDGenerator = 0;
+    const Held<GeometryData> stream(newStream(GeometryData::vertex, 1, {}));
+    EXPECT_EQ(std::exchange(IResource::fsUniqueIDGenerator, before), 2u);
+    EXPECT_EQ(last->id(), 0xFFFFFFFFu);
+    EXPECT_EQ(wrapped->id(), 1u);
+    EXPECT_EQ(shortList->id(), 0u);
+    EXPECT_EQ(stream->id(), 1u);
+}
+
+TEST(GeometryDataIndex, DeletesOnlyWhatItOwns)
+{
+    int hangers = 0;
+    Hanger own(hangers);
+    const std::unique_ptr<unsigned int[]> indices(newArray({0u, 1u}));
+    {
+        const Held<GeometryDataIndex> list(new GeometryDataIndex(GeometryDataIndex::lines, 2, indices.get()));
+        list->setHanger(new Hanger(hangers));
+        list->setHanger(nullptr);
+        EXPECT_EQ(hangers, 1) << "an owned hanger goes when it is replaced";
+
+        list->setOwnsIndices(false);
+        list->setHanger(&own);
+        list->setHanger(nullptr);
+        EXPECT_EQ(list->hanger(), nullptr);
+        list->setHanger(&own);
+    }
+    EXPECT_EQ(hangers, 1) << "a borrowed hanger stays";
+    EXPECT_EQ(indices[1], 1u) << "so do borrowed indices";
+}
+
+TEST(GeometryDataIndex, TakesTheHangersOfItsStreamsWithIt)
+{
+    int hangers = 0;
+    const Held<GeometryData> stream(newStream(GeometryData::vertex, 1, {}));
+    {
+        const Held<GeometryDataIndex> list(newList(GeometryDataIndex::points, 0, {stream.get(), nullptr}));
+        stream->setHanger(new Hanger(hangers));
+        list->setHanger(new Hanger(hangers));
+        list->deleteDataHangers();
+        EXPECT_EQ(hangers, 1) << "the list's own is left";
+        stream->setHanger(new Hanger(hangers));
+    }
+    EXPECT_EQ(hangers, 0);
+    EXPECT_EQ(stream->hanger(), nullptr);
+}

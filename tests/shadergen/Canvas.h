@@ -1,0 +1,26 @@
+#pragma once
+#include "Scenes.h"
+
+#include <cstdint>
+
+/// A small picture drawn by the system's OpenGL, without a window. It shows a sphere, with the same values for everything
+/// that a program asks for by name, so that two programs can be compared.
+class Canvas
+{
+public:
+    static constexpr int kSize = 96;
+
+    /// Throws std::runtime_error when there is no OpenGL to be had.
+    Canvas();
+    ~Canvas();
+    Canvas(const Canvas&) = delete;
+    Canvas& operator=(const Canvas&) = delete;
+
+    /// The pixels, four bytes each, of the sphere drawn with a pair of GLSL programs. Throws std::runtime_error with
+    /// the driver's messages when they do not compile or link.
+    [[nodiscard]] std::vector<std::uint8_t> draw(const scenes::Programs& programs);
+
+private:
+    void* fDisplay = nullptr;
+    void* fContext = nullptr;
+};

@@ -1,0 +1,90 @@
+	// STANDARD PARAMETERS
+	varying vec3 gWorldPos;
+	varying vec3 var_gWorldNormal;
+	varying vec3 var_gWorldTangent;
+	
+	// CUSTOM PARAMETERS
+
+#define matrix4 mat4
+#define matrix3 mat3
+#define float4 vec4
+#define float3 vec3
+#define float2 vec2
+#define mul(a,b) ((a)*(b))
+#define shadow2DProj(a,b) (shadow2DProj((a),(b)).x)
+
+
+
+//NODE-SPECIFIC UNIFORMS
+//
+
+	// key
+	uniform float3 keycolor;
+	uniform float3 keyposition;
+	uniform float keydecay;
+
+	// MATERIAL
+	//
+	uniform float3 lightColor;
+	uniform float3 darkColor;
+	uniform float frequency;
+	uniform float sharpness;
+	uniform matrix4 worldToPattern;
+
+	// STANDARD PARAMETERS
+	//
+	uniform vec4 gEyePos;
+void main() 
+{
+	// GLOBAL AND ALIASED VARIABLES
+	//
+	vec4 outRGBA;
+	vec3 gWorldNormal = var_gWorldNormal;
+	vec3 gWorldTangent = var_gWorldTangent;
+
+	float3 normal = normalize(gWorldNormal);
+	float3 place = mul(worldToPattern, float4(gWorldPos, 1.0)).xyz;
+	float3 wave = sin(3.14159265 * (1.0 + 8.0 * frequency) * place);
+	float parity = clamp(0.5 + (2.0 + 30.0 * sharpness) * wave.x * wave.y * wave.z, 0.0, 1.0);
+	float3 dark = 0.2 * darkColor;
+	float3 surface = dark + (lightColor - dark) * parity;
+	float3 received = float3(0.0, 0.0, 0.0);
+	{
+		// LIGHT-SPECIFIC INPUTS
+		vec3 outLightWorldDir;
+		vec3 outLightAmbientColor;
+		vec3 outLightDiffuseColor;
+		vec3 outLightSpecularColor;
+
+		{
+
+			// LIGHT-SPECIFIC UNIFORMS.
+			//
+			float3 color = keycolor;
+			float3 position = keyposition;
+			float decay = keydecay;
+
+			// LIGHT-SPECIFIC ILLUMINATION COMPUTATION.
+			float3 toLight = position - gWorldPos;
+			float strength = 1.0 / (1.0 + decay * decay * dot(toLight, toLight));
+			outLightWorldDir = normalize(toLight);
+			outLightAmbientColor = float3(0.0, 0.0, 0.0);
+			outLightDiffuseColor = strength * color;
+			outLightSpecularColor = strength * color;
+		}
+		{
+			// MATERIAL-SPECIFIC INPUTS
+			vec3 gLightWorldDir = outLightWorldDir;
+			vec3 gLightAmbientColor = outLightAmbientColor;
+			vec3 gLightDiffuseColor = outLightDiffuseColor;
+			vec3 gLightSpecularColor = outLightSpecularColor;
+
+			// MATERIAL-SPECIFIC ILLUMINANCE COMPUTATION
+			float facing = max(dot(normal, gLightWorldDir), 0.0);
+			received += gLightAmbientColor + facing * gLightDiffuseColor;
+		}
+	}
+	outRGBA = float4(surface * received, 1.0);
+
+	gl_FragColor = outRGBA;
+}

@@ -1,0 +1,163 @@
+// Damaged functions of the shipped sources, read by the library and by the plain parser: both must come to the same
+// tokens, trees and messages.
+#include "PlainParser.h"
+
+#include <krender/shading/ShadingParser.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <random>
+#include <sstream>
+#include <vector>
+
+using namespace krShadingDag;
+
+namespace
+{
+
+/// The functions of all shipped sources, with the comments before them.
+std::vector<std::string> shippedFunctions()
+{
+    std::vector<std::string> functions;
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(KRENDER_SHARE_DIR))
+        if (entry.path().extension() == ".krs")
+            files.push_back(entry.path());
+    std::sort(files.begin(), files.end());
+    for (const auto& file : files)
+    {
+        std::ifstream in(file, std::ios::binary);
+        std::string function;
+        for (std::string line; std::getline(in, line);)
+        {
+            function += line + "\n";
+            if (line == "}" || (line.ends_with(");") && function.find('{') == std::string::npos))
+                functions.push_back(std::exchange(function, {}));
+        }
+    }
+    return functions;
+}
+
+class Mutator
+{
+public:
+    explicit Mutator(const std::vector<std::string>& functions) : fFunctions(functions)
+    {
+        std::copy_if(functions.begin(), functions.end(), std::back_inserter(fDefinitions),
+                     [](const std::string& function) { return function.find('{') != std::string::npos; });
+    }
+
+    std::string next()
+    {
+        // Most functions are declarations, which nearly every edit spoils.
+        std::string text = pick(below(8) == 0 ? fFunctions : fDefinitions);
+        for (unsigned edits = 1 + below(3); edits > 0; --edits)
+            edit(text);
+        return text;
+    }
+
+private:
+    unsigned below(std::size_t limit) { return static_cast<unsigned>(fRandom() % limit); }
+    const std::string& pick(const std::vector<std::string>& from) { return from[below(from.size())]; }
+
+    void edit(std::string& text)
+    {
+        static const std::vector<std::string> pieces{";",
+                                                     "{",
+                                                     "}",
+                                                     "(",
+                                                     ")",
+                                                     "//",
+                                                     "/*",
+                                                     "*/",
+                                                     "\"",
+                                                     "\n",
+                                                     " ",
+                                                     "if",
+                                                     "if(",
+                                                     "else",
+                                                     "out",
+                                                     "e",
+                                                     ".",
+                                                     "1e+5",
+                                                     "2.x",
+                                                     "&",
+                                                     "\xff",
+                                                     "float3",
+                                                     "=",
+                                                     "-",
+                                                     "void",
+                                                     ":",
+                                                     "vertex",
+                                                     "operator",
+                                                     "illuminance",
+                                                     "#",
+                                                     "99999999999999999999",
+                                                     "0.1e-50",
+                                                     "&&",
+                                                     "\t",
+                                                     "a",
+                                                     "\r\n",
+                                                     std::string(1, '\0')};
+        const unsigned at = below(text.size() + 1);
+        if (below(16) == 0)
+            text.resize(at); // the source ends here
+        switch (below(5))
+        {
+        case 0:
+            text.insert(at, pick(pieces));
+            break;
+        case 1:
+            text.erase(at, 1 + below(8));
+            break;
+        case 2:
+            text.replace(at, 1, pick(pieces));
+            break;
+        case 3:
+            text.insert(at, text.substr(below(text.size() + 1), 1 + below(40)));
+            break;
+        default:
+        {
+            const std::string& other = pick(fFunctions);
+            text.insert(at, other.substr(below(other.size()), 1 + below(60)));
+        }
+        }
+    }
+
+    const std::vector<std::string>& fFunctions;
+    std::vector<std::string> fDefinitions;
+    std::mt19937 fRandom{20240229};
+};
+
+} // namespace
+
+TEST(Mutants, AreReadAsByThePlainParser)
+{
+    const std::vector<std::string> functions = shippedFunctions();
+    ASSERT_GT(functions.size(), 50u);
+    Mutator mutator(functions);
+    int outcomes[3] = {};
+    for (int mutant = 0; mutant < 30000; ++mutant)
+    {
+        const std::string source = mutator.next();
+        const PlainResult plain = parsePlainly(source);
+        ++outcomes[plain.outcome];
+        if (plain.outcome == PlainResult::Endless)
+            continue;
+        ShadingParser parser;
+        ShadingNodeSpec* spec = nullptr;
+        const bool read = parser.parseString(krString::CString(std::string_view(source)), &spec);
+        const std::unique_ptr<ShadingNodeSpec> owned(spec);
+        ASSERT_EQ(read, plain.outcome == PlainResult::Read) << "mutant " << mutant << ":\n" << source;
+        ASSERT_EQ(read ? dumpFunction(*spec) : std::string(parser.errorString().view()), plain.text)
+            << "mutant " << mutant << ":\n"
+            << source;
+    }
+    // The edits are worth their time only while all outcomes are common.
+    EXPECT_GT(outcomes[PlainResult::Read], 5000);
+    EXPECT_GT(outcomes[PlainResult::Rejected], 5000);
+    EXPECT_GT(outcomes[PlainResult::Endless], 100);
+}
