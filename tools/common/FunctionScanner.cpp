@@ -109,6 +109,9 @@ bool FunctionScanner::next(ScannedFunction& function)
         do
         {
             type = peek(function, static_cast<unsigned>(function.tokens.size())).type;
+            if (function.tokens.size() > kMaxHeaderTokens)
+                throw ScanFailure{ScanFailure::Kind::TooMuch, function.tokens.front().begin,
+                                  "no \";\" or \"{\" ends this header within 50000 tokens"};
         } while (type != TokenType::Semicolon && type != TokenType::OpenBrace && type != TokenType::EndOfStream);
         if (type == TokenType::EndOfStream)
         {
@@ -255,8 +258,6 @@ void FunctionScanner::scanHeader(ScannedFunction& function) const
             hasOutput = true;
         else if (!inputs.insert(text(tokens[i])).second)
             throw ScanFailure{ScanFailure::Kind::DuplicateInput, tokens[i].begin, {}};
-        if (function.arguments.size() > kMaxArguments)
-            throw ScanFailure{ScanFailure::Kind::TooLong, tokens[i].begin, "a function has more than 10000 arguments"};
         ++i;
         i += tokens[i].type == TokenType::Comma ? 1 : 0;
     }
@@ -339,8 +340,8 @@ void FunctionScanner::beginStatement(ScannedFunction& function, std::vector<Leve
         scanOpaque(function, levels);
     else
         ++fNext;
-    if (kind == Kind::Empty)
-        function.hasEmptyStatement = true;
+    if (kind == Kind::Empty && ++function.emptyStatements > kMaxEmptyStatements)
+        throw ScanFailure{ScanFailure::Kind::TooMuch, front.begin, "there are more than 1000 empty statements"};
     if (kind == Kind::If)
         scanCondition(function);
     function.statements[index].last = static_cast<std::uint32_t>(fNext - 1);

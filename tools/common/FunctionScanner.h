@@ -70,7 +70,7 @@ struct ScanFailure
         DuplicateInput, ///< likewise
         Unfinished,     ///< the source ends within it
         TooDeep,        ///< the parser would need too much of the stack
-        TooLong,        ///< so many arguments that the parser would take minutes
+        TooMuch,        ///< more of something than any real source has, at which the parser would take too long
     };
 
     Kind kind;
@@ -90,7 +90,7 @@ struct ScannedFunction
     std::optional<unsigned> name;       ///< the token with the name, or with the symbol of an operator
     std::vector<ScannedArgument> arguments;
     std::vector<ScannedStatement> statements; ///< of the body, in the order of their beginning
-    bool hasEmptyStatement = false;
+    std::size_t emptyStatements = 0;          ///< how many there are
     std::optional<ScanFailure> failure;
 
     void clear();
@@ -103,7 +103,9 @@ class FunctionScanner
 public:
     /// Deeper nesting is refused; programs that read sources give the parser a stack that takes this much.
     static constexpr std::size_t kMaxDepth = 5000;
-    static constexpr std::size_t kMaxArguments = 10000;
+    /// Of one header; its arguments are compared each with each.
+    static constexpr std::size_t kMaxHeaderTokens = 50000;
+    static constexpr std::size_t kMaxEmptyStatements = 1000;
     /// The stack that reading, printing and destroying a function of the greatest depth needs at most.
     static constexpr std::size_t kStackSize = std::size_t{256} << 20;
 

@@ -94,22 +94,19 @@ Source::Place Source::place(std::size_t position) const
     position = std::min(position, bytes.size());
     if (position < fLineBegin)
     {
-        fLine = 1;
-        fLineBegin = 0;
+        fLine = 0;
+        fLineEnd = std::string_view::npos; // one before the first byte
     }
-    for (;;)
+    while (fLine == 0 || fLineEnd < position)
     {
-        const std::size_t newline = bytes.find('\n', fLineBegin);
-        if (newline == std::string_view::npos || newline >= position)
-        {
-            std::string_view line = bytes.substr(fLineBegin, newline - fLineBegin);
-            if (line.ends_with('\r'))
-                line.remove_suffix(1);
-            return {fLine, position - fLineBegin + 1, line};
-        }
         ++fLine;
-        fLineBegin = newline + 1;
+        fLineBegin = fLineEnd + 1;
+        fLineEnd = std::min(bytes.find('\n', fLineBegin), bytes.size());
     }
+    std::string_view line = bytes.substr(fLineBegin, fLineEnd - fLineBegin);
+    if (line.ends_with('\r'))
+        line.remove_suffix(1);
+    return {fLine, position - fLineBegin + 1, line};
 }
 
 } // namespace krTools

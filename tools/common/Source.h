@@ -52,8 +52,10 @@ private:
     std::string fName;
     krString::CString fContents;
     std::size_t fSize = 0;
-    mutable std::size_t fLine = 1; ///< of the byte at fLineBegin, the last line asked for
+    // The last line asked for; none yet when its number is 0.
+    mutable std::size_t fLine = 0;
     mutable std::size_t fLineBegin = 0;
+    mutable std::size_t fLineEnd = std::string_view::npos;
 };
 
 } // namespace krTools

@@ -39,7 +39,7 @@ bool SourceReader::scan(const Visitor& visitor)
     while (scanner.next(function))
     {
         for (const ScannedStatement& statement : function.statements)
-            if (function.hasEmptyStatement && statement.kind == ScannedStatement::Kind::Empty)
+            if (function.emptyStatements > 0 && statement.kind == ScannedStatement::Kind::Empty)
             {
                 fFindings.error(function.tokens[statement.first].begin, "empty statement: parsing would never end",
                                 kEmptyStatement);

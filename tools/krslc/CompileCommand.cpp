@@ -8,6 +8,7 @@
 #include "OutputFiles.h"
 #include "UsageError.h"
 #include "Warnings.h"
+#include "Words.h"
 
 #include <common/DataFiles.h>
 #include <common/NearNames.h>
@@ -16,7 +17,6 @@
 #include <krender/shadergen/GlslMaterialCompiler.h>
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -29,13 +29,6 @@ namespace
 {
 
 void printError(const std::string& text) { krTools::print(stderr, "krslc", Severity::Error, text); }
-
-bool isName(std::string_view text)
-{
-    const auto isWord = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; };
-    return !text.empty() && std::isdigit(static_cast<unsigned char>(text[0])) == 0 &&
-           std::all_of(text.begin(), text.end(), isWord);
-}
 
 // The material
 
@@ -246,8 +239,9 @@ void checkOverwriting(const OutputFiles& outputs, const std::vector<std::string>
 {
     const auto isSame = [](const std::string& a, const std::string& b)
     {
+        using namespace std::filesystem;
         std::error_code failure;
-        return a == b || std::filesystem::equivalent(a, b, failure);
+        return weakly_canonical(absolute(a), failure) == weakly_canonical(absolute(b), failure);
     };
     std::vector<std::string> paths;
     for (const auto& [path, text] : outputs.files())

@@ -1,8 +1,9 @@
 #include "FailureTexts.h"
 
+#include "Words.h"
+
 #include <algorithm>
 #include <array>
-#include <cctype>
 
 namespace
 {
@@ -21,8 +22,6 @@ constexpr std::array kFailureTexts{
     FailureText{"!!!INVALID!!!", "the material holds an empty statement"},
 };
 
-bool isWordByte(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
-
 /// Finds a vector type with a width other than 1 to 4, as inputs of other types than float to float4 leave it: "vec9",
 /// and "float9" in the other target.
 void findWidths(std::string_view text, std::string_view type, krTools::Findings& findings)
@@ -32,7 +31,7 @@ void findWidths(std::string_view text, std::string_view type, krTools::Findings&
         const std::size_t digits = at + type.size();
         const std::size_t end = std::min(text.find_first_not_of("0123456789", digits), text.size());
         const std::string_view width = text.substr(digits, end - digits);
-        if (width.empty() || (at > 0 && isWordByte(text[at - 1])) || (end < text.size() && isWordByte(text[end])))
+        if (width.empty() || !isWholeWord(text, at, end))
             continue;
         if (width.size() > 1 || width[0] < '1' || width[0] > '4')
             findings.error(

@@ -1,8 +1,11 @@
 #include "GlslValidator.h"
 
+#include "Words.h"
+
 #include <glslang/Public/ResourceLimits.h>
 #include <glslang/Public/ShaderLang.h>
 
+#include <algorithm>
 #include <charconv>
 
 namespace
@@ -34,8 +37,27 @@ std::size_t lineBegin(std::string_view text, unsigned line)
     return begin;
 }
 
+/// Where a word stands in a line, on its own and not within another; otherwise where the line's text begins.
+std::size_t findWord(std::string_view line, std::string_view word)
+{
+    for (std::size_t at = line.find(word); !word.empty() && at != std::string_view::npos; at = line.find(word, at + 1))
+        if (isWholeWord(line, at, at + word.size()))
+            return at;
+    return std::min(line.find_first_not_of(" \t"), line.size());
+}
+
+/// The text with single blanks within and none around it.
+std::string withoutExtraBlanks(std::string_view text)
+{
+    std::string result;
+    for (const char c : text)
+        if (c != ' ' || (!result.empty() && result.back() != ' '))
+            result += c;
+    return result.substr(0, result.find_last_not_of(' ') + 1);
+}
+
 /// Turns "1:12: 'name' : text" into a finding on the word quoted, in line 12 of the program; string 0 is what stands
-/// ahead of it. A message without a place is a summary of the others.
+/// ahead of it. A message without a place is a summary of the others, and so is that compilation has ended.
 void addMessage(const krTools::Source& program, krTools::Severity severity, std::string_view message,
                 krTools::Findings& findings)
 {
@@ -46,18 +68,16 @@ void addMessage(const krTools::Source& program, krTools::Severity severity, std:
     const auto [rest, error] = std::from_chars(message.data() + 2, end, line);
     if (error != std::errc() || rest == end)
         return;
-    std::string_view text(rest + 1, static_cast<std::size_t>(end - rest - 1));
-    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    const std::string text = withoutExtraBlanks({rest + 1, end});
+    if (text.ends_with("compilation terminated"))
+        return;
 
     std::size_t position = message[0] == '1' ? lineBegin(program.text(), line) : 0;
-    if (text.starts_with('\''))
-    {
-        const std::string_view word = text.substr(1, text.find('\'', 1) - 1);
-        const std::string_view source = program.place(position).text;
-        if (const std::size_t column = source.find(word); !word.empty() && column != std::string_view::npos)
-            position += column;
-    }
-    findings.add({position, severity, {}, std::string(text)});
+    const std::string_view word =
+        text.starts_with('\'') ? std::string_view(text).substr(1, text.find('\'', 1) - 1) : std::string_view();
+    position += findWord(program.place(position).text, word);
+    constexpr std::string_view kNoWord = "'' : ";
+    findings.add({position, severity, {}, text.starts_with(kNoWord) ? text.substr(kNoWord.size()) : text});
 }
 
 bool compile(glslang::TShader& shader, const krTools::Source& program, krTools::Findings& findings)

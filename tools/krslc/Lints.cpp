@@ -133,6 +133,9 @@ void lintRanges(const Inspection& in)
 
 void lintDuplicates(const Inspection& in)
 {
+    // The parser reports the first input of a taken name itself; outputs it lets pass.
+    if (in.function.failure)
+        return;
     std::vector<std::pair<std::string_view, unsigned>> names;
     for (const ScannedArgument& argument : in.function.arguments)
         names.emplace_back(in.text(argument.name), argument.name);
@@ -237,18 +240,15 @@ void lintVertexInputs(const Inspection& in)
             isStandardValue(in.text(argument.name)))
             continue;
         const DataType type = in.token(argument.type).dataType;
-        if (!isFloatVector(type))
-        {
-            in.warn(Warning::VertexType, in.token(argument.type),
-                    std::string("a per-vertex input cannot be of type ") + dataTypeName(type) +
-                        ": only float to float4 travel between the stages");
-            continue;
-        }
         bool vertexOk = false;
         bool fragmentOk = false;
         (void)toFragment.allocateInterpolant(dataTypeNumFloats(type), fragmentOk, nullptr, nullptr);
         (void)toVertex.allocateInterpolant(dataTypeNumFloats(type), vertexOk, nullptr, nullptr);
-        if (!vertexOk || !fragmentOk)
+        if (!isFloatVector(type))
+            in.warn(Warning::VertexType, in.token(argument.type),
+                    std::string("a per-vertex input cannot be of type ") + dataTypeName(type) +
+                        ": only float to float4 travel between the stages");
+        else if (!vertexOk || !fragmentOk)
             in.warn(Warning::VertexRegisters, in.token(argument.name),
                     "no register is left for " + inQuotes(in.text(argument.name)) + " in Cg programs" +
                         (vertexOk ? " between the stages" : ": seven per-vertex inputs fit"));

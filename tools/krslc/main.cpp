@@ -10,6 +10,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <csignal>
 #include <functional>
 #include <memory>
 
@@ -163,6 +164,8 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    // A file past the limit for its size is then an error like any other, and leaves nothing behind.
+    std::signal(SIGXFSZ, SIG_IGN);
     try
     {
         return run(argc, argv);

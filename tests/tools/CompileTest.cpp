@@ -1,0 +1,430 @@
+#include "Program.h"
+
+#include <krender/shadergen/CgMaterialCompiler.h>
+#include <krender/shadergen/GlslMaterialCompiler.h>
+#include <krender/shading/ShadingParser.h>
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <memory>
+
+using krShadingDag::ShadingNodeSpec;
+
+namespace
+{
+
+constexpr const char* kMaterial = "// A material and what stands beside it.\n"
+                                  "float helper(float a) { output = a; }\n"
+                                  "material plain(uniform float3 color, vertex float2 uv, out float4 outRGBA)\n"
+                                  "{\n"
+                                  "    outRGBA = float4(color, uv.x);\n"
+                                  "    illuminance { outRGBA.xyz += gLightDiffuseColor; }\n"
+                                  "}\n"
+                                  "material other(out float4 outRGBA) { outRGBA = float4(1.0, 0.0, 0.0, 1.0); }\n"
+                                  "material declared(out float4 outRGBA);\n";
+
+constexpr const char* kLights = "light declaredLight(out float3 outLightDiffuseColor);\n"
+                                "light redLight(uniform float strength, out float3 outLightDiffuseColor)\n"
+                                "{ outLightDiffuseColor = strength * float3(1.0, 0.0, 0.0); }\n"
+                                "light nestedLight(out float3 outLightDiffuseColor) { illuminance { "
+                                "outLightDiffuseColor = float3(0.0, 0.0, 0.0); } }\n";
+
+/// A workplace with the sources above.
+class CompileTest : public testing::Test
+{
+protected:
+    CompileTest()
+    {
+        fPlace.write("m.krs", kMaterial);
+        fPlace.write("l.krs", kLights);
+    }
+
+    /// Runs "krslc compile --material m.krs --stdlib none --lib l.krs" and the arguments.
+    [[nodiscard]] Outcome compile(const std::vector<std::string>& arguments,
+                                  const Circumstances& circumstances = {}) const
+    {
+        std::vector<std::string> all{"compile", "--stdlib", "none", "--lib", "l.krs"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        if (std::find(arguments.begin(), arguments.end(), "--material") == arguments.end())
+            all.insert(all.end(), {"--material", "m.krs"});
+        return fPlace.krslc(all, circumstances);
+    }
+
+    const Workplace fPlace;
+};
+
+using Names = std::vector<std::string>;
+const Names kSources{"l.krs", "m.krs"};
+
+/// The library's own answer for the material "plain" and lights of function redLight.
+struct Programs
+{
+    std::string vertex;
+    std::string fragment;
+};
+
+Programs libraryPrograms(bool isGlsl, const Names* lightNames)
+{
+    const std::string source(kMaterial);
+    const auto parse = [](const std::string& text)
+    {
+        ShadingNodeSpec* spec = nullptr;
+        EXPECT_TRUE(krShadingDag::ShadingParser().parseString(text.c_str(), &spec));
+        return std::unique_ptr<ShadingNodeSpec>(spec);
+    };
+    const auto material = parse(source.substr(source.find("material plain")));
+    const auto light = parse(std::string(kLights).substr(std::string(kLights).find("light redLight")));
+    std::vector<LightSpec> lights;
+    if (lightNames)
+        for (const std::string& name : *lightNames)
+            lights.push_back({light.get(), name.c_str()});
+    krString::CString vertex;
+    krString::CString fragment;
+    (isGlsl ? compileMaterialToGlsl : compileMaterialToCg)(*material, lightNames ? &lights : nullptr, vertex, fragment);
+    return {vertex.asChar(), fragment.asChar()};
+}
+
+} // namespace
+
+TEST_F(CompileTest, WritesExactlyTheLibrarysPrograms)
+{
+    const Names names{"b", "a"};
+    const Outcome outcome = compile({"--target", "all", "--light", "b=redLight", "--light", "a=redLight", "-o", "out"});
+    ASSERT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(outcome.err + outcome.out, "");
+    const Programs glsl = libraryPrograms(true, &names);
+    const Programs cg = libraryPrograms(false, &names);
+    EXPECT_EQ(fPlace.read("out.vert"), glsl.vertex);
+    EXPECT_EQ(fPlace.read("out.frag"), glsl.fragment);
+    EXPECT_EQ(fPlace.read("out.vert.cg"), cg.vertex);
+    EXPECT_EQ(fPlace.read("out.frag.cg"), cg.fragment);
+    EXPECT_EQ(fPlace.names(), (Names{"l.krs", "m.krs", "out.frag", "out.frag.cg", "out.vert", "out.vert.cg"}));
+}
+
+TEST_F(CompileTest, TreatsIlluminanceBlocksAsAsked)
+{
+    const Names none;
+    const Programs removed = libraryPrograms(true, &none);
+    const Programs kept = libraryPrograms(true, nullptr);
+    ASSERT_NE(removed.fragment, kept.fragment);
+    EXPECT_EQ(compile({"-o", "-"}).out, removed.vertex + removed.fragment);
+    EXPECT_EQ(compile({"-o", "-", "--keep-illuminance"}).out, kept.vertex + kept.fragment);
+}
+
+TEST_F(CompileTest, PutsThePreambleAheadOfGlslAlone)
+{
+    const Names none;
+    const std::string preamble = "#version 120\n#define vec1 float\n";
+    ASSERT_EQ(compile({"--preamble", "glsl120", "--vertex", "a b.vert", "--fragment", "c"}).status, 0);
+    EXPECT_EQ(fPlace.read("a b.vert"), preamble + libraryPrograms(true, &none).vertex);
+    EXPECT_EQ(fPlace.read("c"), preamble + libraryPrograms(true, &none).fragment);
+    EXPECT_EQ(compile({"--preamble", "glsl120", "--target", "cg", "-o", "-"}).out,
+              libraryPrograms(false, &none).vertex + libraryPrograms(false, &none).fragment);
+}
+
+TEST_F(CompileTest, PicksTheMaterial)
+{
+    const std::string all = compile({"--material", "m.krs", "-o", "-"}).out;
+    EXPECT_NE(all.find("uv.x"), std::string::npos); // the first that says "material", not the helper before it
+    EXPECT_EQ(compile({"--material", "m.krs:plain", "-o", "-"}).out, all);
+    EXPECT_EQ(compile({"--material", "-:plain", "-o", "-"}, {.input = kMaterial}).out, all);
+    EXPECT_NE(compile({"--material", "m.krs:other", "-o", "-"}).out.find("1.0, 0.0, 0.0, 1.0"), std::string::npos);
+    EXPECT_NE(compile({"--material", "m.krs:helper", "-o", "-"}).out.find("output = a;"), std::string::npos);
+    fPlace.write("m.krs:other", kMaterial); // a file's whole name wins
+    EXPECT_EQ(compile({"--material", "m.krs:other", "-o", "-"}).out, all);
+}
+
+TEST_F(CompileTest, FindsItsStandardLibraryWhereverItIsCalled)
+{
+    const Outcome outcome = fPlace.krslc(
+        {"compile", "--material", "m.krs", "--light", "k=pointLight", "--target", "all", "--validate", "-o", "x"});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+}
+
+TEST_F(CompileTest, TakesTheDefinitionAmongOverloads)
+{
+    fPlace.write("l.krs",
+                 std::string("light redLight(uniform float3 a, out float3 outLightDiffuseColor);\n") + kLights);
+    EXPECT_NE(compile({"--light", "k=redLight", "-o", "-"}).out.find("kstrength"), std::string::npos);
+}
+
+TEST_F(CompileTest, WarnsOfALightWithAnIlluminanceBlock)
+{
+    const Outcome outcome = compile({"--light", "k=nestedLight", "-o", "x"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err.substr(0, outcome.err.find('\n')),
+              "l.krs:4:7: warning: the illuminance block of light \"nestedLight\" stays in the program as it is "
+              "[-Willuminance-in-light]");
+}
+
+TEST_F(CompileTest, WritesDependenciesForMake)
+{
+    fPlace.write("a $b#.krs", kMaterial);
+    ASSERT_EQ(compile({"--material", "a $b#.krs", "-o", "o p", "--depfile", "d"}).status, 0);
+    EXPECT_EQ(fPlace.read("d"), "o\\ p.vert o\\ p.frag: \\\n  a\\ $$b\\#.krs \\\n  l.krs\n");
+}
+
+// What cannot be compiled leaves one clear message, and everything as it was.
+
+struct Refused
+{
+    const char* about;
+    std::vector<std::string> arguments;
+    int status;
+    const char* message;
+};
+
+void PrintTo(const Refused& row, std::ostream* out) { *out << row.about; }
+
+class CompileRefuses : public CompileTest, public testing::WithParamInterface<Refused>
+{
+};
+
+TEST_P(CompileRefuses, AndWritesNothing)
+{
+    fPlace.write("wrong.krs", "material m(out float4 a)\n{\n    a = x\n");
+    fPlace.write("hang.krs", "material m(out float4 a) { a = x;; }\n");
+    fPlace.write("empty.krs", "");
+    fPlace.write("declared.krs", "float f(float a);\n");
+    const Names before = fPlace.names();
+    const Outcome outcome = compile(GetParam().arguments);
+    EXPECT_EQ(outcome.status, GetParam().status);
+    EXPECT_EQ(outcome.err.substr(0, outcome.err.find('\n')), GetParam().message);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(fPlace.names(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Inputs, CompileRefuses,
+    testing::Values(
+        Refused{"unfinished material",
+                {"--material", "wrong.krs", "-o", "x"},
+                1,
+                "wrong.krs:3:5: error: the source ends within this statement: a \";\" is missing"},
+        Refused{"unending material",
+                {"--material", "hang.krs", "-o", "x"},
+                1,
+                "hang.krs:1:34: error: empty statement: parsing would never end [-Wempty-statement]"},
+        Refused{"unending library",
+                {"--lib", "hang.krs", "-o", "x"},
+                1,
+                "hang.krs:1:34: error: empty statement: parsing would never end [-Wempty-statement]"},
+        Refused{"no function",
+                {"--material", "empty.krs", "-o", "x"},
+                1,
+                "empty.krs:1:1: error: found no function declaration or definition"},
+        Refused{"only a declaration",
+                {"--material", "declared.krs", "-o", "x"},
+                1,
+                "declared.krs:1:7: error: \"f\" is only declared: a material needs a body"},
+        Refused{"declaration by name",
+                {"--material", "m.krs:declared", "-o", "x"},
+                1,
+                "m.krs:9:10: error: \"declared\" is only declared: a material needs a body"},
+        Refused{"unknown name",
+                {"--material", "m.krs:plane", "-o", "x"},
+                1,
+                "m.krs:1:1: error: this source has no function \"plane\"; did you mean plain?"},
+        Refused{
+            "unknown light",
+            {"--light", "k=readlight", "-o", "x"},
+            1,
+            "krslc: error: --light k=readlight: the libraries have no function \"readlight\"; did you mean redLight?"},
+        Refused{"light that sorts before another",
+                {"--light", "k=redLigh", "-o", "x"},
+                1,
+                "krslc: error: --light k=redLigh: the libraries have no function \"redLigh\"; did you mean redLight?"},
+        Refused{"declared light",
+                {"--light", "k=declaredLight", "-o", "x"},
+                1,
+                "l.krs:1:7: error: \"declaredLight\" is only declared: a light needs a body"},
+        Refused{"missing material",
+                {"--material", "none.krs", "-o", "x"},
+                2,
+                "krslc: error: cannot read 'none.krs': No such file or directory"},
+        Refused{"missing library",
+                {"--lib", "none.krs", "-o", "x"},
+                2,
+                "krslc: error: cannot read 'none.krs': No such file or directory"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Use, CompileRefuses,
+    testing::Values(
+        Refused{"no place",
+                {},
+                2,
+                "krslc: error: where should the programs go? Give -o BASE, -o -, or --vertex and --fragment"},
+        Refused{"half a pair", {"--vertex", "x"}, 2, "krslc: error: --vertex and --fragment go together"},
+        Refused{"two places",
+                {"-o", "y", "--vertex", "x", "--fragment", "z"},
+                2,
+                "krslc: error: -o and --vertex with --fragment exclude each other"},
+        Refused{"two programs in one file",
+                {"--vertex", "x", "--fragment", "./x"},
+                2,
+                "krslc: error: './x' is named twice for an output"},
+        Refused{"own source",
+                {"--vertex", "x", "--fragment", "./m.krs"},
+                2,
+                "krslc: error: './m.krs' is a source of this compilation and would be overwritten"},
+        Refused{"two targets in two files",
+                {"--target", "all", "--vertex", "x", "--fragment", "y"},
+                2,
+                "krslc: error: --vertex and --fragment name the programs of one target: use -o for all"},
+        Refused{"light without a key",
+                {"--light", "=redLight", "-o", "x"},
+                2,
+                "krslc: error: --light =redLight: KEY=FUNCTION is wanted, the key being a name"},
+        Refused{"light without a function",
+                {"--light", "k", "-o", "x"},
+                2,
+                "krslc: error: --light k: KEY=FUNCTION is wanted, the key being a name"},
+        Refused{"one key for two lights",
+                {"--light", "k=redLight", "--light", "k=redLight", "-o", "x"},
+                2,
+                "krslc: error: --light k=redLight: another light has this key, and their uniforms would clash"},
+        Refused{
+            "unknown target", {"--target", "hlsl", "-o", "x"}, 2, "krslc: error: --target: hlsl not in {glsl,cg,all}"},
+        Refused{"lights that are kept out",
+                {"--keep-illuminance", "--light", "k=redLight", "-o", "x"},
+                2,
+                "krslc: error: --keep-illuminance and --light exclude each other"}));
+
+struct Invalid
+{
+    const char* about;
+    const char* source;
+    const char* target;
+    const char* message; ///< the first line
+};
+
+void PrintTo(const Invalid& row, std::ostream* out) { *out << row.about; }
+
+class CompileValidates : public CompileTest, public testing::WithParamInterface<Invalid>
+{
+};
+
+TEST_P(CompileValidates, AndWritesNoFaultyProgram)
+{
+    fPlace.write("i.krs", GetParam().source);
+    const Names before = fPlace.names();
+    const Outcome outcome = compile({"--material", "i.krs", "--target", GetParam().target, "--validate", "-o", "x"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err.substr(0, outcome.err.find('\n')), GetParam().message) << outcome.err;
+    EXPECT_EQ(fPlace.names(), before);
+    EXPECT_EQ(compile({"--material", "i.krs", "--target", GetParam().target, "-o", "x"}).status, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, CompileValidates,
+    testing::Values(
+        Invalid{"undeclared variable", "material m(out float4 outRGBA) { outRGBA = float4(nothing, 0.0, 0.0, 0.0); }\n",
+                "glsl", "x.frag:35:19: error: 'nothing' : undeclared identifier"},
+        Invalid{"cut condition", "material m(out float4 outRGBA) { if (sin(1.0) > 0.0) outRGBA.x = 1.0; }\n", "glsl",
+                "x.frag:36:2: error: syntax error, unexpected LEFT_BRACE, expecting RIGHT_PAREN or COMMA"},
+        Invalid{
+            "matrix per vertex", "material m(vertex matrix3 a, out float4 outRGBA) { }\n", "glsl",
+            "x.vert:5:12: error: no target has a vector type of this width: the per-vertex input's type cannot travel "
+            "between the stages"},
+        Invalid{"too many per vertex",
+                "material m(vertex float4 a, vertex float4 b, vertex float4 c, vertex float4 d, vertex float4 e, "
+                "vertex float4 "
+                "f, out float4 r) { }\n",
+                "cg", "x.vert.cg:69:15: error: no register is left for this per-vertex input"}));
+
+// Output.
+
+TEST_F(CompileTest, ReplacesFilesWholeAndKeepsLinksAndModes)
+{
+    fPlace.write("real.frag", "old");
+    ::chmod((fPlace.path() / "real.frag").c_str(), 0640);
+    std::filesystem::create_symlink("real.frag", fPlace.path() / "x.frag");
+    ASSERT_EQ(compile({"-o", "x"}).status, 0);
+    struct stat status = {};
+    ASSERT_EQ(::stat((fPlace.path() / "real.frag").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0640u);
+    EXPECT_TRUE(std::filesystem::is_symlink(fPlace.path() / "x.frag"));
+    EXPECT_EQ(fPlace.read("real.frag"), fPlace.read("x.frag"));
+    EXPECT_NE(fPlace.read("real.frag"), "old");
+}
+
+/// Old programs stand where new ones should go; after a failure they stand there still, and nothing else does.
+class FailingOutput : public CompileTest
+{
+protected:
+    FailingOutput()
+    {
+        fPlace.write("x.vert", "old vertex");
+        fPlace.write("x.frag", "old fragment");
+    }
+    ~FailingOutput() override
+    {
+        EXPECT_EQ(fPlace.read("x.vert"), "old vertex");
+        EXPECT_EQ(fPlace.read("x.frag"), "old fragment");
+        EXPECT_EQ(fPlace.names(), (Names{"l.krs", "m.krs", "x.frag", "x.vert"}));
+    }
+};
+
+TEST_F(FailingOutput, OnAFullDiskTouchesNothing)
+{
+    // The limit strikes within the second program, when the first has been written.
+    const std::size_t first = libraryPrograms(true, nullptr).vertex.size();
+    ASSERT_LT(first + 10, libraryPrograms(true, nullptr).fragment.size() + 10000);
+    const Outcome outcome = compile({"-o", "x"}, {.fileSizeLimit = 600});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.err, "krslc: error: cannot write 'x.vert': File too large\n");
+
+    const Outcome device = compile({"--vertex", "x.vert", "--fragment", "/dev/full"});
+    EXPECT_EQ(device.status, 2);
+    EXPECT_EQ(device.err, "krslc: error: cannot write '/dev/full': No space left on device\n");
+
+    const Outcome output = compile({"-o", "-"}, {.standardOutput = "/dev/full"});
+    EXPECT_EQ(output.status, 2);
+    EXPECT_EQ(output.err, "krslc: error: cannot write standard output: No space left on device\n");
+}
+
+TEST_F(FailingOutput, InAMissingDirectoryTouchesNothing)
+{
+    const Outcome outcome = compile({"--vertex", "x.vert", "--fragment", "none/x.frag"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.err, "krslc: error: cannot write 'none/x.frag': No such file or directory\n");
+}
+
+TEST_F(FailingOutput, InPlaceOfADirectoryTouchesNothing)
+{
+    const Outcome outcome = compile({"-o", "x", "--depfile", "."});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.err, "krslc: error: cannot write '.': Is a directory\n");
+}
+
+TEST_F(FailingOutput, WithoutTheRightToWriteTouchesNothing)
+{
+    ::chmod(fPlace.path().c_str(), 0555);
+    const Outcome outcome = compile({"-o", "x"}, {.asNobody = ::geteuid() == 0});
+    ::chmod(fPlace.path().c_str(), 0777);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.err, "krslc: error: cannot write 'x.vert': Permission denied\n");
+}
+
+// The command line as a whole.
+
+TEST(CommandLine, AnswersWhatIsAskedAndRefusesTheRest)
+{
+    const Workplace place;
+    EXPECT_EQ(place.krslc({"--version"}).out, "krslc 1.0.0\n");
+    EXPECT_EQ(place.krslc({"--help"}).status, 0);
+    EXPECT_NE(place.krslc({"compile", "--help"}).out.find("--keep-illuminance"), std::string::npos);
+    for (const std::vector<std::string>& wrong :
+         {std::vector<std::string>{}, {"cook"}, {"check"}, {"tokens"}, {"specs", "a", "b"}, {"check", "--cook", "a"}})
+    {
+        const Outcome outcome = place.krslc(wrong);
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_TRUE(outcome.err.starts_with("krslc: error: ")) << outcome.err;
+        EXPECT_TRUE(outcome.err.ends_with("Try \"krslc --help\".\n")) << outcome.err;
+    }
+}

@@ -1,0 +1,117 @@
+#include "Program.h"
+
+#include <nlohmann/json.hpp>
+
+#include <gtest/gtest.h>
+
+// Tokens
+
+TEST(Tokens, ShowEveryField)
+{
+    const Workplace place;
+    place.write("x.krs", "float3 a\t= 2.5e1 /\"q\\\n\"; // c\n\xc3 1e+3\r\n");
+    const Outcome outcome = place.krslc({"tokens", "x.krs"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "3\t1\t1\t0\t1\t0\t5\t0\tfloat3\n"
+                           "4\t1\t8\t7\t1\t0\t0\t0\ta\n"
+                           "79\t1\t10\t9\t1\t0\t0\t0\t=\n"
+                           "5\t1\t12\t11\t25\t25\t0\t0\t2.5e1\n"
+                           "75\t1\t18\t17\t1\t0\t0\t0\t/\n"
+                           "6\t1\t19\t18\t1\t0\t0\t0\tq\\\\\\n\n"
+                           "59\t2\t1\t23\t1\t0\t0\t0\t;\n"
+                           "2\t2\t3\t25\t1\t0\t0\t0\t// c\\n\n"
+                           "0\t3\t1\t30\t1\t0\t0\t0\t\\xc3\n"
+                           "5\t3\t2\t32\t1\t1\t0\t0\t1e\n"
+                           "72\t3\t4\t34\t1\t0\t0\t0\t+\n"
+                           "5\t3\t5\t35\t3\t3\t0\t0\t3\n"
+                           "0\t4\t1\t38\t1\t0\t0\t0\t\\xff\n"
+                           "1\t1\t1\t0\t1\t0\t0\t0\t\n");
+}
+
+TEST(Tokens, EndInAnExceptionWhereTheTokenizerFails)
+{
+    const Outcome outcome = Workplace().krslc({"tokens", "-"}, {.input = "a \"b"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "4\t1\t1\t0\t1\t0\t0\t0\ta\nEXCEPTION\n");
+}
+
+// Specs
+
+TEST(Specs, AsJsonTellWhatTheLibraryKnows)
+{
+    const Workplace place;
+    place.write("x.krs",
+                "float g(out float b, int a);\nvertex:fragment float3 f(uniform float a) { if (a) { x = \"\xff\"; } "
+                "illuminance { } }\n");
+    const Outcome outcome = place.krslc({"specs", "x.krs", "--json"});
+    EXPECT_EQ(outcome.status, 0);
+    const auto expected = nlohmann::json::parse(R"({
+        "parsed": true,
+        "messages": "error: found no function declaration or definition.\n",
+        "functions": [
+          {"name": "f", "nodeType": 5, "hasIlluminanceLoop": true,
+           "header": "f(\n\t\tuniform float a)\n",
+           "body": "{\n\tif (a)\n\t{\n\t\tx = \"\ufffd\";\n\t}\n\tilluminance\n\t{\n\t}\n}\n",
+           "inputs": [{"name": "a", "type": 3, "minFreq": 2, "maxFreq": 2}],
+           "outputs": [{"name": "output", "type": 5, "minFreq": 3, "maxFreq": 4}]},
+          {"name": "g", "nodeType": 4, "hasIlluminanceLoop": false,
+           "header": "g(\n\t\tout constant float b,\n\t\tconstant int a)\n",
+           "body": "",
+           "inputs": [{"name": "a", "type": 7, "minFreq": 1, "maxFreq": 4}],
+           "outputs": [{"name": "output", "type": 3, "minFreq": 1, "maxFreq": 4},
+                       {"name": "b", "type": 3, "minFreq": 1, "maxFreq": 4}]}]})");
+    EXPECT_EQ(nlohmann::json::parse(outcome.out), expected) << outcome.out;
+}
+
+struct Unreadable
+{
+    const char* source;
+    const char* messages;
+    std::size_t functions;
+    const char* error;
+};
+
+class SpecsReport : public testing::TestWithParam<Unreadable>
+{
+};
+
+TEST_P(SpecsReport, WhereReadingStopped)
+{
+    const Outcome outcome = Workplace().krslc({"specs", "-", "--json"}, {.input = GetParam().source});
+    EXPECT_EQ(outcome.status, 1);
+    const auto document = nlohmann::json::parse(outcome.out);
+    EXPECT_EQ(document["messages"], GetParam().messages);
+    EXPECT_EQ(document["functions"].size(), GetParam().functions);
+    EXPECT_EQ(outcome.err.substr(0, outcome.err.find('\n')), GetParam().error);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, SpecsReport,
+    testing::Values(Unreadable{"float f(float a);\nfloat g(float a;\n",
+                               "stdlib.krs(line 2, column 1) : error Not a valid data type: ;\n", 1,
+                               "<stdin>:2:16: error: Not a valid data type: ;"},
+                    // The parser must never see this source: it would not return.
+                    Unreadable{"float f(float a) { ; }\n", "empty statement: parsing would never end\n", 0,
+                               "<stdin>:1:20: error: empty statement: parsing would never end [-Wempty-statement]"}));
+
+TEST(Specs, ForPeopleShowHeaders)
+{
+    const Outcome outcome =
+        Workplace().krslc({"specs", "/dev/stdin"}, {.input = "light l(out float r) { r = 1; }\nfloat f(float a);\n"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out,
+              "declaration float f(\n\t\tconstant float a)\ndefinition void l(\n\t\tout constant float r)\n");
+}
+
+// Both
+
+TEST(Listings, FailWhereTheyCannotBeWritten)
+{
+    for (const char* command : {"tokens", "specs"})
+    {
+        const Outcome outcome =
+            Workplace().krslc({command, "-"}, {.input = "float f(float a);\n", .standardOutput = "/dev/full"});
+        EXPECT_EQ(outcome.status, 2) << command;
+        EXPECT_EQ(outcome.err, "krslc: error: cannot write standard output: No space left on device\n") << command;
+    }
+}

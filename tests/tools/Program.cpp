@@ -1,0 +1,135 @@
+#include "Program.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+namespace
+{
+
+constexpr rlim_t kMaxSeconds = 120;
+constexpr uid_t kNobody = 65534;
+
+/// A file without a name, for what goes in and comes out.
+class PassingFile
+{
+public:
+    PassingFile() : fFile(std::tmpfile(), &std::fclose) {}
+
+    [[nodiscard]] int descriptor() const { return ::fileno(fFile.get()); }
+    void fill(const std::string& text)
+    {
+        std::fwrite(text.data(), 1, text.size(), fFile.get());
+        std::rewind(fFile.get());
+    }
+    [[nodiscard]] std::string text()
+    {
+        std::rewind(fFile.get());
+        std::string all;
+        std::array<char, 1 << 16> piece;
+        for (std::size_t got; (got = std::fread(piece.data(), 1, piece.size(), fFile.get())) > 0;)
+            all.append(piece.data(), got);
+        return all;
+    }
+
+private:
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> fFile;
+};
+
+void limit(__rlimit_resource resource, rlim_t value)
+{
+    const rlimit both{value, value};
+    if (::setrlimit(resource, &both) != 0)
+        ::_exit(126);
+}
+
+} // namespace
+
+Workplace::Workplace()
+{
+    std::string name = (std::filesystem::temp_directory_path() / "krslc-test-XXXXXX").string();
+    if (!::mkdtemp(name.data()))
+        std::abort();
+    fPath = name;
+    std::filesystem::permissions(fPath, std::filesystem::perms::all);
+}
+
+Workplace::~Workplace() { std::filesystem::remove_all(fPath); }
+
+void Workplace::write(const std::string& name, const std::string& text) const
+{
+    std::ofstream(fPath / name, std::ios::binary) << text;
+}
+
+std::string Workplace::read(const std::string& name) const
+{
+    std::ifstream file(fPath / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<std::string> Workplace::names() const
+{
+    std::vector<std::string> all;
+    for (const auto& entry : std::filesystem::directory_iterator(fPath))
+        all.push_back(entry.path().filename().string());
+    std::sort(all.begin(), all.end());
+    return all;
+}
+
+Outcome Workplace::krslc(const std::vector<std::string>& arguments, const Circumstances& circumstances) const
+{
+    PassingFile in;
+    PassingFile out;
+    PassingFile err;
+    in.fill(circumstances.input);
+
+    std::vector<std::string> words{KRSLC_PROGRAM};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argv;
+    for (std::string& word : words)
+        argv.push_back(word.data());
+    argv.push_back(nullptr);
+
+    const pid_t child = ::fork();
+    if (child == 0)
+    {
+        const int standardOutput = circumstances.standardOutput.empty()
+                                       ? out.descriptor()
+                                       : ::open(circumstances.standardOutput.c_str(), O_WRONLY | O_CLOEXEC);
+        ::dup2(in.descriptor(), STDIN_FILENO);
+        ::dup2(standardOutput, STDOUT_FILENO);
+        ::dup2(err.descriptor(), STDERR_FILENO);
+        for (const auto& [name, value] : circumstances.environment)
+            ::setenv(name.c_str(), value.c_str(), 1);
+        limit(RLIMIT_CPU, kMaxSeconds);
+        if (circumstances.fileSizeLimit)
+            limit(RLIMIT_FSIZE, *circumstances.fileSizeLimit);
+        if (::chdir(fPath.c_str()) != 0 || (circumstances.asNobody && ::setuid(kNobody) != 0))
+            ::_exit(126);
+        ::execv(argv[0], argv.data());
+        ::_exit(127);
+    }
+
+    Outcome outcome;
+    int status = 0;
+    rusage usage = {};
+    if (child < 0 || ::wait4(child, &status, 0, &usage) != child)
+        return outcome;
+    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    outcome.out = out.text();
+    outcome.err = err.text();
+    outcome.peakKilobytes = static_cast<std::size_t>(usage.ru_maxrss);
+    return outcome;
+}
