@@ -229,6 +229,25 @@ TEST(Check, PrintsPlaceTextLineAndCaret)
     EXPECT_EQ(outcome.out, "");
 }
 
+TEST(Check, ColoursOnlyATerminalWhoseUserWantsIt)
+{
+    const auto errors = [](const char* terminal, const char* noColour)
+    {
+        return Workplace()
+            .krslc({"check", "-"}, {.input = "else f(float a);\n",
+                                    .environment = {{"TERM", terminal}, {"NO_COLOR", noColour}},
+                                    .onTerminal = true})
+            .err;
+    };
+    const std::string plain = "<stdin>:1:1: error: Unrecognized return data type or shader type: else\r\n"
+                              "else f(float a);\r\n^\r\n";
+    EXPECT_EQ(errors("xterm", "1"), plain);
+    EXPECT_EQ(errors("dumb", ""), plain);
+    EXPECT_EQ(errors("xterm", ""),
+              "\x1b[1m<stdin>:1:1: \x1b[1;31merror: \x1b[0m\x1b[1mUnrecognized return data type or shader type: "
+              "else\x1b[0m\r\nelse f(float a);\r\n\x1b[1;31m^\x1b[0m\r\n");
+}
+
 TEST(Check, PassesAllThatIsShipped)
 {
     std::vector<std::string> arguments{"check", "-Werror"};
