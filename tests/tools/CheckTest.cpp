@@ -4,8 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <map>
 #include <regex>
 #include <sstream>
+#include <utility>
 
 namespace
 {
@@ -226,6 +229,25 @@ TEST(Check, PrintsPlaceTextLineAndCaret)
     EXPECT_EQ(outcome.out, "");
 }
 
+TEST(Check, ColoursOnlyATerminalWhoseUserWantsIt)
+{
+    const auto errors = [](const char* terminal, const char* noColour)
+    {
+        return Workplace()
+            .krslc({"check", "-"}, {.input = "else f(float a);\n",
+                                    .environment = {{"TERM", terminal}, {"NO_COLOR", noColour}},
+                                    .onTerminal = true})
+            .err;
+    };
+    const std::string plain = "<stdin>:1:1: error: Unrecognized return data type or shader type: else\r\n"
+                              "else f(float a);\r\n^\r\n";
+    EXPECT_EQ(errors("xterm", "1"), plain);
+    EXPECT_EQ(errors("dumb", ""), plain);
+    EXPECT_EQ(errors("xterm", ""),
+              "\x1b[1m<stdin>:1:1: \x1b[1;31merror: \x1b[0m\x1b[1mUnrecognized return data type or shader type: "
+              "else\x1b[0m\r\nelse f(float a);\r\n\x1b[1;31m^\x1b[0m\r\n");
+}
+
 TEST(Check, PassesAllThatIsShipped)
 {
     std::vector<std::string> arguments{"check", "-Werror"};
@@ -272,6 +294,40 @@ TEST(Check, ListsEveryWarningAndEachCanBeSilenced)
         EXPECT_EQ(place.krslc({"check", "-Wno-" + name, "x.krs"}).status, isError ? 2 : 0) << name;
     }
     EXPECT_EQ(count, 21u);
+}
+
+// The guide shows each warning with a source that has it and one that has not; both are tried.
+TEST(Check, DoesWhatTheGuideSays)
+{
+    std::ifstream file(KRENDER_DOCS "/krsl.md");
+    std::map<std::string, std::vector<std::string>> examples; // by the heading above
+    std::string heading;
+    std::string* example = nullptr;
+    for (std::string line; std::getline(file, line);)
+        if (line.starts_with("### "))
+            heading = line.substr(4);
+        else if (line == "```krsl")
+            example = &examples[heading].emplace_back();
+        else if (line == "```")
+            example = nullptr;
+        else if (example)
+            *example += line + '\n';
+
+    for (const std::string& source : std::exchange(examples[""], {}))
+        EXPECT_EQ(Workplace().krslc({"check", "-"}, {.input = source}).err, "");
+    examples.erase("");
+    std::istringstream lines(Workplace().krslc({"check", "--list-warnings"}).out);
+    std::size_t count = 0;
+    for (std::string line; std::getline(lines, line); ++count)
+    {
+        const std::string name = line.substr(0, line.find(' '));
+        ASSERT_EQ(examples[name].size(), 2u) << name;
+        EXPECT_NE(Workplace().krslc({"check", "-"}, {.input = examples[name][0]}).err.find("[-W" + name + "]"),
+                  std::string::npos)
+            << name;
+        EXPECT_EQ(Workplace().krslc({"check", "-"}, {.input = examples[name][1]}).err, "") << name;
+    }
+    EXPECT_EQ(count, examples.size());
 }
 
 TEST(Check, PrintsTheSameAsJson)

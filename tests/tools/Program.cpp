@@ -48,6 +48,38 @@ private:
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> fFile;
 };
 
+/// A terminal that nobody sits at.
+class Terminal
+{
+public:
+    Terminal() : fMaster(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC))
+    {
+        if (::grantpt(fMaster) == 0 && ::unlockpt(fMaster) == 0)
+            fSlave = ::open(::ptsname(fMaster), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+    ~Terminal()
+    {
+        ::close(fSlave);
+        ::close(fMaster);
+    }
+
+    [[nodiscard]] int descriptor() const noexcept { return fSlave; }
+    /// What was written, as far as it fits into the terminal's memory.
+    [[nodiscard]] std::string text() const
+    {
+        std::array<char, 4096> bytes;
+        ::fcntl(fMaster, F_SETFL, O_NONBLOCK);
+        const ssize_t got = ::read(fMaster, bytes.data(), bytes.size());
+        return {bytes.data(), got > 0 ? static_cast<std::size_t>(got) : 0};
+    }
+
+private:
+    int fMaster;
+    int fSlave = -1;
+};
+
 void limit(__rlimit_resource resource, rlim_t value)
 {
     const rlimit both{value, value};
@@ -93,6 +125,7 @@ Outcome Workplace::krslc(const std::vector<std::string>& arguments, const Circum
     PassingFile in;
     PassingFile out;
     PassingFile err;
+    const Terminal terminal;
     in.fill(circumstances.input);
 
     std::vector<std::string> words{KRSLC_PROGRAM};
@@ -110,7 +143,7 @@ Outcome Workplace::krslc(const std::vector<std::string>& arguments, const Circum
                                        : ::open(circumstances.standardOutput.c_str(), O_WRONLY | O_CLOEXEC);
         ::dup2(in.descriptor(), STDIN_FILENO);
         ::dup2(standardOutput, STDOUT_FILENO);
-        ::dup2(err.descriptor(), STDERR_FILENO);
+        ::dup2(circumstances.onTerminal ? terminal.descriptor() : err.descriptor(), STDERR_FILENO);
         for (const auto& [name, value] : circumstances.environment)
             ::setenv(name.c_str(), value.c_str(), 1);
         limit(RLIMIT_CPU, kMaxSeconds);
@@ -129,7 +162,7 @@ Outcome Workplace::krslc(const std::vector<std::string>& arguments, const Circum
         return outcome;
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     outcome.out = out.text();
-    outcome.err = err.text();
+    outcome.err = circumstances.onTerminal ? terminal.text() : err.text();
     outcome.peakKilobytes = static_cast<std::size_t>(usage.ru_maxrss);
     return outcome;
 }

@@ -147,16 +147,12 @@ std::optional<std::vector<LightSpec>> findLights(const std::vector<std::string>&
 
 void checkLightOptions(const std::vector<std::string>& options)
 {
-    std::vector<std::string_view> keys;
     for (const std::string& option : options)
     {
         const std::size_t equals = std::min(option.find('='), option.size());
         const std::string_view key = std::string_view(option).substr(0, equals);
         if (equals + 1 >= option.size() || !isName(key))
             throw UsageError("--light " + option + ": KEY=FUNCTION is wanted, the key being a name");
-        if (std::find(keys.begin(), keys.end(), key) != keys.end())
-            throw UsageError("--light " + option + ": another light has this key, and their uniforms would clash");
-        keys.push_back(key);
     }
 }
 

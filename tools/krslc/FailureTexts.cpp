@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_set>
 
 namespace
 {
@@ -40,6 +41,22 @@ void findWidths(std::string_view text, std::string_view type, krTools::Findings&
     }
 }
 
+/// Looks at the lines that the generators declare uniforms in: a tab, "uniform", the type, the name and a mark.
+void findRepeatedUniforms(std::string_view text, krTools::Findings& findings)
+{
+    constexpr std::string_view kDeclaration = "\n\tuniform ";
+    std::unordered_set<std::string_view> names;
+    for (std::size_t at = text.find(kDeclaration); at != std::string_view::npos; at = text.find(kDeclaration, at + 1))
+    {
+        const std::size_t type = at + kDeclaration.size();
+        const std::size_t end = std::min(text.find('\n', type), text.size()) - 1;
+        const std::size_t name = text.rfind(' ', end) + 1;
+        if (name > type && !names.insert(text.substr(name, end - name)).second)
+            findings.error(name,
+                           "another uniform is called " + krTools::inQuotes(text.substr(name, end - name)) + " too");
+    }
+}
+
 } // namespace
 
 void findFailureTexts(const krTools::Source& program, krTools::Findings& findings)
@@ -51,4 +68,5 @@ void findFailureTexts(const krTools::Source& program, krTools::Findings& finding
             findings.error(at, std::string(failure.meaning));
     findWidths(text, "vec", findings);
     findWidths(text, "float", findings);
+    findRepeatedUniforms(text, findings);
 }
