@@ -14,9 +14,6 @@ std::optional<std::uint32_t> product32(std::initializer_list<std::uint32_t> fact
     return product;
 }
 
-void* allocatePixels(std::size_t bytes) noexcept
-{
-    return krCore::allocateLarge(bytes, std::size_t{4} << 20);
-}
+void* allocatePixels(std::size_t bytes) noexcept { return krCore::allocateLarge(bytes, std::size_t{4} << 20); }
 
 } // namespace krPixels
