@@ -61,6 +61,8 @@
 #include <krender/spatial/IBoundingPlanes.h>
 #include <krender/spatial/IBoundingVolume.h>
 #include <krender/spatial/IBounds.h>
+#include <krender/spatial/IHWCamera.h>
+#include <krender/spatial/IHWLight.h>
 #include <krender/window/ISimpleWindow.h>
 #include <krender/window/MessageHandler.h>
 #include <krender/window/SimpleWindow.h>

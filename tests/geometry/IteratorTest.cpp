@@ -44,11 +44,10 @@ TEST(GeometryLogicalIterator, VisitsTheListsInOrder)
     GeometryLogicalGroup group(nullptr);
     group.appendData({}, {newList(GeometryDataIndex::points, 0), newList(GeometryDataIndex::lines, 0)});
     GeometryLogicalIterator iterator(&group);
-    for (const GeometryDataIndex* list : group.indices())
-    {
-        EXPECT_EQ(iterator.dataIndexPointer(), list);
-        iterator.next();
-    }
+    EXPECT_EQ(iterator.dataIndexPointer(), group.indices()[0]);
+    iterator.next();
+    EXPECT_EQ(iterator.dataIndexPointer(), group.indices()[1]);
+    iterator.next();
     iterator.next();
     EXPECT_TRUE(iterator.isDone()) << "there is nothing past the end";
     EXPECT_TRUE(GeometryLogicalIterator(nullptr).isDone());
@@ -91,10 +90,9 @@ TEST(GeometryDataIterator, EndsWithItsRange)
     EXPECT_EQ(steps(), 4) << "a range does not move the position";
     EXPECT_FALSE(iterator.setRange(2, 6)) << "past the list's end";
     EXPECT_EQ(steps(), 1) << "the walk goes on to the list's end";
-    EXPECT_TRUE(iterator.setRange(0, 5));
+    EXPECT_TRUE(iterator.setRange(0, 3));
     iterator.reset(list.get(), nullptr);
-    EXPECT_FALSE(iterator.useRange());
-    EXPECT_EQ(steps(), 5);
+    EXPECT_EQ(steps(), 5) << "a reset forgets the range";
     iterator.reset(nullptr, nullptr);
     EXPECT_TRUE(iterator.isDone());
 }

@@ -147,8 +147,10 @@ std::vector<float> stream(const std::string& name)
     std::vector<float> values;
     for (int i = 0; i < (kStacks + 1) * (kSlices + 1); ++i)
     {
-        const float around = 6.2831853f * static_cast<float>(i % (kSlices + 1)) / kSlices;
-        const float down = 3.1415927f * static_cast<float>(i / (kSlices + 1)) / kStacks;
+        const int slice = i % (kSlices + 1);
+        const int stack = i / (kSlices + 1);
+        const float around = 6.2831853f * static_cast<float>(slice) / kSlices;
+        const float down = 3.1415927f * static_cast<float>(stack) / kStacks;
         std::array<float, 4> value = numbersFor(name);
         if (name == "gObjPos" || name == "gObjNormal")
             value = {std::sin(down) * std::cos(around), std::cos(down), std::sin(down) * std::sin(around), 1};

@@ -124,6 +124,7 @@ TEST_P(EachTarget, PrintsWhatCloningAndSplicingGives)
     for (const char* source :
          {"light far(uniform float a, out float3 o);", "light plainLight(out float3 o) { o = 1; }",
           "light many(uniform float3 a, float b, uniform sampler2D s, vertex float v, uniform sampler1DShadow t, "
+          "sampler3D w, "
           "uniform matrix4 m, out float3 o) { o = a; { o = m; } }",
           "light nested(uniform float a, out float3 o) { illuminance { o = a; } if (a > 1) illuminance { } }"})
         lights.push_back(parse(source));

@@ -1,14 +1,13 @@
 #pragma once
+#include <krender/core/HugePages.h>
+
 #include <cstddef>
 #include <cstdlib>
 #include <memory>
 #include <new>
 #include <type_traits>
 
-#include <sys/mman.h>
-
-/// Uninitialised storage for one computation. A big array asks for huge pages: otherwise the page faults of its first use
-/// cost more than the work on it.
+/// Uninitialised storage for one computation.
 template <class T>
 class ScratchArray
 {
@@ -28,14 +27,9 @@ private:
 
     static void* allocate(std::size_t bytes)
     {
-        constexpr std::size_t kHugePage = std::size_t{2} << 20;
-        const bool big = bytes >= kHugePage;
-        const std::size_t rounded = (bytes + kHugePage - 1) / kHugePage * kHugePage;
-        void* storage = big ? std::aligned_alloc(kHugePage, rounded) : std::malloc(bytes);
+        void* storage = krCore::allocateLarge(bytes, std::size_t{2} << 20);
         if (!storage && bytes != 0)
             throw std::bad_alloc();
-        if (big)
-            madvise(storage, rounded, MADV_HUGEPAGE); // where it is refused, small pages do as well
         return storage;
     }
 

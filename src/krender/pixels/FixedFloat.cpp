@@ -1,5 +1,7 @@
 #include "FixedFloat.h"
 
+#include "Lanes.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -35,13 +37,17 @@ bool fitIntegers(const float* components) noexcept
 /// The same as threshold in single precision, for a block of components that fit integers.
 void thresholdBlock(const float* src, unsigned char* __restrict dst) noexcept
 {
-    for (std::size_t i = 0; i < kBlock; ++i)
+    std::int32_t bytes[kBlock];
+    for (std::size_t i = 0; i < kBlock; i += 4)
     {
-        const auto whole = static_cast<std::int32_t>(src[i]);
-        const float fraction = src[i] - static_cast<float>(whole); // exact; it has the sign of the component
-        const int up = (fraction >= 0.5f ? 1 : 0) + (fraction > -0.5f && whole < 0 ? 1 : 0);
-        dst[i] = static_cast<unsigned char>(-(whole + up));
+        const auto component = loadLanes<Float4>(src + i);
+        const auto whole = __builtin_convertvector(component, Int4);
+        const Float4 fraction = component - __builtin_convertvector(whole, Float4); // exact, signed as the component
+        // Comparisons that hold are -1: this is minus the next whole number where one half more reaches it.
+        storeLanes((fraction >= 0.5f) + ((fraction > -0.5f) & (whole < 0)) - whole, bytes + i);
     }
+    for (std::size_t i = 0; i < kBlock; ++i)
+        dst[i] = static_cast<unsigned char>(bytes[i]);
 }
 
 } // namespace

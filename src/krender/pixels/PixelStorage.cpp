@@ -1,8 +1,6 @@
 #include "PixelStorage.h"
 
-#include <cstdlib>
-
-#include <sys/mman.h>
+#include <krender/core/HugePages.h>
 
 namespace krPixels
 {
@@ -16,16 +14,6 @@ std::optional<std::uint32_t> product32(std::initializer_list<std::uint32_t> fact
     return product;
 }
 
-void* allocatePixels(std::size_t bytes) noexcept
-{
-    constexpr std::size_t kHugePage = std::size_t{2} << 20;
-    if (bytes < 2 * kHugePage)
-        return std::malloc(bytes);
-    const std::size_t rounded = (bytes + kHugePage - 1) / kHugePage * kHugePage;
-    void* pixels = std::aligned_alloc(kHugePage, rounded);
-    if (pixels != nullptr)
-        madvise(pixels, rounded, MADV_HUGEPAGE); // advice only: without huge pages everything works as well
-    return pixels;
-}
+void* allocatePixels(std::size_t bytes) noexcept { return krCore::allocateLarge(bytes, std::size_t{4} << 20); }
 
 } // namespace krPixels

@@ -10,8 +10,7 @@ namespace krPixels
 /// The product of some counts, or nothing when it does not fit 32 bits.
 [[nodiscard]] std::optional<std::uint32_t> product32(std::initializer_list<std::uint32_t> factors) noexcept;
 
-/// Storage for the pixels of an image, not initialised; ends with std::free. Large blocks are set up to be backed by huge
-/// pages, as touching fresh small pages costs more than most of what is done with them.
+/// Storage for the pixels of an image, not initialised; ends with std::free.
 /// @return  null when there is none
 [[nodiscard]] void* allocatePixels(std::size_t bytes) noexcept;
 

@@ -44,10 +44,21 @@ void sumEdges(const unsigned char* first, float firstWeight, const unsigned char
         sums[i] = firstWeight * static_cast<float>(first[i]) + lastWeight * static_cast<float>(last[i]);
 }
 
-void narrow(const std::int32_t* levels, std::size_t count, unsigned char* __restrict dst) noexcept
+/// The whole parts of quotients of whole numbers: dst = sums / (columnTotals * rowTotal).
+/// @param inverses  1 / columnTotals
+void divide(const float* sums, const float* columnTotals, const float* inverses, float rowTotal, std::size_t count,
+            unsigned char* __restrict dst) noexcept
 {
+    // Rounding may leave the estimate one too low but, with the inverse taken a little too small, never too high; the
+    // remainder, which is exact, tells.
+    const float inverse = (1.0f - 0x1p-21f) / rowTotal;
     for (std::size_t i = 0; i < count; ++i)
-        dst[i] = static_cast<unsigned char>(levels[i]);
+    {
+        const auto estimate = static_cast<std::int32_t>(sums[i] * (inverses[i] * inverse));
+        const float total = columnTotals[i] * rowTotal;
+        const float remainder = sums[i] - static_cast<float>(estimate) * total;
+        dst[i] = static_cast<unsigned char>(estimate + (remainder >= total ? 1 : 0));
+    }
 }
 
 class Fixed8Resizer
@@ -57,12 +68,18 @@ public:
         : fSrc(src),
           fColumns(resizeShares(srcW, dstW)),
           fSums(std::size_t{4} * srcW),
-          fLevels(4 * fColumns.size()),
+          fRunSums(4 * fColumns.size()),
           fPixels(4 * fColumns.size()),
           fEnlarges(fColumns.size() < dstW)
     {
         for (const ResizeShare& column : fColumns)
-            fColumnTotal = std::max(fColumnTotal, column.total);
+        {
+            fTotals.insert(fTotals.end(), 4, column.total);
+            fInverses.insert(fInverses.end(), 4, 1.0f / column.total);
+        }
+        const auto [least, greatest] = std::minmax_element(fTotals.begin(), fTotals.end());
+        fLeastTotal = *least;
+        fGreatestTotal = *greatest;
     }
 
     [[nodiscard]] const std::vector<ResizeShare>& columns() const noexcept { return fColumns; }
@@ -72,17 +89,16 @@ public:
     void averageRow(const ResizeShare& row, unsigned char* dst, std::vector<std::size_t>& untold)
     {
         sumColumns(row);
-        if (row.total * fColumnTotal <= kLargestFloatTotal)
-            averageInFloat(row);
-        else
-            averageInDouble(row, untold);
-        if (fEnlarges)
+        unsigned char* pixels = fEnlarges ? fPixels.data() : dst;
+        if (row.total * fLeastTotal <= kLargestFloatTotal)
         {
-            narrow(fLevels.data(), fLevels.size(), fPixels.data());
-            spreadRuns(dst);
+            sumRuns();
+            divide(fRunSums.data(), fTotals.data(), fInverses.data(), row.total, fRunSums.size(), pixels);
         }
-        else
-            narrow(fLevels.data(), fLevels.size(), dst);
+        if (row.total * fGreatestTotal > kLargestFloatTotal)
+            averageInDouble(row, pixels, untold);
+        if (fEnlarges)
+            spreadRuns(dst);
     }
 
 private:
@@ -96,13 +112,10 @@ private:
         std::size_t r = share.first;
         std::size_t end = std::size_t{share.last} + 1;
         if (end - r == 1)
+            sumRows<1, false>({row(r++)}, 1.0f, count, sums);
+        else if (share.uniform && end - r >= 4)
         {
-            sumRows<1, false>({row(r)}, share.firstWeight, count, sums);
-            return;
-        }
-        if (end - r >= 4 && share.firstWeight == share.innerWeight && share.lastWeight == share.innerWeight)
-        {
-            sumRows<4, false>({row(r), row(r + 1), row(r + 2), row(r + 3)}, share.innerWeight, count, sums);
+            sumRows<4, false>({row(r), row(r + 1), row(r + 2), row(r + 3)}, 1.0f, count, sums);
             r += 4;
         }
         else
@@ -113,54 +126,55 @@ private:
             sumRows<1, true>({row(r)}, share.innerWeight, count, sums);
     }
 
-    void averageInFloat(const ResizeShare& row) noexcept
+    /// The weighted sums of each run of columns, exact where the total weight is small enough.
+    void sumRuns() noexcept
     {
         const float* sums = fSums.data();
-        std::int32_t* levels = fLevels.data();
+        float* runSums = fRunSums.data();
         for (const ResizeShare& column : fColumns)
         {
             const float* pixel = sums + 4 * std::size_t{column.first};
             const float* last = sums + 4 * std::size_t{column.last};
-            Float4 sum = loadLanes<Float4>(pixel) * column.firstWeight;
-            if (last != pixel)
+            Float4 sum = loadLanes<Float4>(pixel);
+            if (column.uniform)
+                while (pixel != last)
+                    sum += loadLanes<Float4>(pixel += 4);
+            else
             {
                 Float4 inner = {};
-                for (pixel += 4; pixel < last; pixel += 4)
+                while ((pixel += 4) != last)
                     inner += loadLanes<Float4>(pixel);
-                sum += inner * column.innerWeight + loadLanes<Float4>(last) * column.lastWeight;
+                sum =
+                    sum * column.firstWeight + inner * column.innerWeight + loadLanes<Float4>(last) * column.lastWeight;
             }
-            // The quotient's integer part: rounding may leave the estimate one too low, but, with the inverse taken a
-            // little too small, never too high. The remainder is exact.
-            constexpr float kBelow = 1.0f - 0x1p-21f;
-            const float total = row.total * column.total;
-            const Int4 estimate = __builtin_convertvector(sum * (row.inverse * column.inverse * kBelow), Int4);
-            const Float4 remainder = sum - __builtin_convertvector(estimate, Float4) * total;
-            storeLanes(estimate - (remainder >= total), levels); // a true comparison is -1
-            levels += 4;
+            storeLanes(sum, runSums);
+            runSums += 4;
         }
     }
 
-    void averageInDouble(const ResizeShare& row, std::vector<std::size_t>& untold)
+    /// The averages of those runs of columns whose total weight is too large for float.
+    void averageInDouble(const ResizeShare& row, unsigned char* dst, std::vector<std::size_t>& untold)
     {
         const float* sums = fSums.data();
-        std::int32_t* levels = fLevels.data();
-        for (std::size_t i = 0; i < fColumns.size(); ++i, levels += 4)
+        for (std::size_t i = 0; i < fColumns.size(); ++i)
         {
             const ResizeShare& column = fColumns[i];
+            if (column.total * row.total <= kLargestFloatTotal)
+                continue;
             const float* pixel = sums + 4 * std::size_t{column.first};
             const float* last = sums + 4 * std::size_t{column.last};
             Double4 sum = loadWide(pixel) * column.firstWeight;
             if (last != pixel)
             {
                 Double4 inner = {};
-                for (pixel += 4; pixel < last; pixel += 4)
+                while ((pixel += 4) != last)
                     inner += loadWide(pixel);
                 sum += inner * column.innerWeight;
                 sum += loadWide(last) * column.lastWeight;
             }
             const double inverse = 1.0 / (static_cast<double>(column.total) * row.total);
-            const bool rgNear = storeLevels(sum.rg * inverse + kResizeNudge, levels);
-            const bool baNear = storeLevels(sum.ba * inverse + kResizeNudge, levels + 2);
+            const bool rgNear = storeLevels(sum.rg * inverse + kResizeNudge, dst + 4 * i);
+            const bool baNear = storeLevels(sum.ba * inverse + kResizeNudge, dst + 4 * i + 2);
             if (rgNear || baNear)
                 untold.push_back(i);
         }
@@ -168,16 +182,17 @@ private:
 
     /// Truncates two averages.
     /// @return  whether one of them is too near to a level
-    static bool storeLevels(Double2 averages, std::int32_t* levels) noexcept
+    static bool storeLevels(Double2 averages, unsigned char* levels) noexcept
     {
         const Int2 truncated = __builtin_convertvector(averages, Int2);
-        storeLanes(truncated, levels);
+        levels[0] = static_cast<unsigned char>(truncated[0]);
+        levels[1] = static_cast<unsigned char>(truncated[1]);
         const Double2 fractions = averages - __builtin_convertvector(truncated, Double2);
         const auto near = (fractions < kMargin) | (fractions > 1.0 - kMargin);
         return (near[0] | near[1]) != 0;
     }
 
-    /// Writes each column's pixel as often as its run is long.
+    /// Writes each run's pixel as often as the run is long.
     void spreadRuns(unsigned char* dst) const noexcept
     {
         const unsigned char* pixel = fPixels.data();
@@ -191,10 +206,13 @@ private:
 
     const unsigned char* fSrc;
     std::vector<ResizeShare> fColumns;
-    std::vector<float> fSums;           ///< over the rows of a footprint, for each source column
-    std::vector<std::int32_t> fLevels;  ///< the results, for each run of columns
-    std::vector<unsigned char> fPixels; ///< the results as bytes, before they are spread over their runs
-    float fColumnTotal = 0.0f;          ///< the largest of the columns' totals
+    std::vector<float> fSums;     ///< over the rows of a footprint, for each component of a source row
+    std::vector<float> fRunSums;  ///< over the rows and columns of a footprint, for each component of a run of columns
+    std::vector<float> fTotals;   ///< the columns' total weights, once for each component
+    std::vector<float> fInverses; ///< 1 / fTotals
+    std::vector<unsigned char> fPixels; ///< a row's results before they are spread over their runs
+    float fLeastTotal;
+    float fGreatestTotal;
     bool fEnlarges;
 };
 

@@ -15,21 +15,16 @@ void setWeights(ResizeShare& share, std::int64_t low, std::int64_t high, std::in
     std::int64_t innerWeight = unit;
     std::int64_t lastWeight = high - share.last * unit;
     std::int64_t total = high - low;
-    if (share.first == share.last)
-    {
-        firstWeight = total = 1;
-        lastWeight = 0;
-    }
-    else if (firstWeight == unit && lastWeight == unit)
+    share.uniform = share.first == share.last || (firstWeight == unit && lastWeight == unit);
+    if (share.uniform)
     {
         firstWeight = innerWeight = lastWeight = 1;
-        total /= unit;
+        total = share.last - share.first + 1;
     }
     share.firstWeight = static_cast<float>(firstWeight);
     share.innerWeight = static_cast<float>(innerWeight);
     share.lastWeight = static_cast<float>(lastWeight);
     share.total = static_cast<float>(total);
-    share.inverse = 1.0f / share.total;
 }
 
 } // namespace
@@ -50,7 +45,7 @@ std::vector<ResizeShare> resizeShares(std::uint32_t srcSize, std::uint32_t dstSi
         const auto last = static_cast<std::uint32_t>((high - 1) / unit);
         if (!shares.empty() && extendRun(shares.back(), first, last))
             continue;
-        shares.push_back({{first, last, i, 1}, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f});
+        shares.push_back({{first, last, i, 1}, 0.0f, 0.0f, 0.0f, 0.0f, false});
         setWeights(shares.back(), low, high, unit);
     }
     return shares;

@@ -10,9 +10,9 @@ struct ResizeShare : ResizeRun
 {
     float firstWeight;
     float innerWeight; ///< of each cell between the first and the last
-    float lastWeight;  ///< 0 when the first cell is the only one
-    float total;       ///< the sum of the weights, at most twice the source's size
-    float inverse;     ///< 1 / total
+    float lastWeight;
+    float total;  ///< the sum of the weights, at most twice the source's size
+    bool uniform; ///< all weights are 1
 };
 
 /// The shares of all destination cells.

@@ -3,7 +3,6 @@
 #include <krender/spatial/BoundingSphere.h>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 using krLinear::PointFlt;
@@ -52,23 +51,22 @@ void AABoundingBox::transform(krLinear::AffineMatrix& matrix)
 {
     if (!isValid())
         return;
-    const std::array<double, 3> oldMin{fMin.x, fMin.y, fMin.z};
-    const std::array<double, 3> oldMax{fMax.x, fMax.y, fMax.z};
-    std::array<double, 3> newMin{};
-    std::array<double, 3> newMax{};
+    const PointFlt oldMin = fMin;
+    const PointFlt oldMax = fMax;
     for (unsigned j = 0; j < 3; ++j)
     {
-        newMin[j] = newMax[j] = matrix(3, j);
+        double low = matrix(3, j);
+        double high = low;
         for (unsigned i = 0; i < 3; ++i)
         {
-            const double a = matrix(i, j) * oldMin[i];
-            const double b = matrix(i, j) * oldMax[i];
-            newMin[j] += a < b ? a : b;
-            newMax[j] += a < b ? b : a;
+            const double a = matrix(i, j) * oldMin.*kAxes[i];
+            const double b = matrix(i, j) * oldMax.*kAxes[i];
+            low += std::min(a, b);
+            high += std::max(a, b);
         }
+        fMin.*kAxes[j] = static_cast<float>(low);
+        fMax.*kAxes[j] = static_cast<float>(high);
     }
-    fMin = PointFlt(newMin[0], newMin[1], newMin[2]);
-    fMax = PointFlt(newMax[0], newMax[1], newMax[2]);
 }
 
 void AABoundingBox::addPoint(const PointFlt& point)

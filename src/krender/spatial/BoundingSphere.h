@@ -30,7 +30,7 @@ public:
     /// Maps the center and scales the radius by the longest of the matrix's three axes.
     void transform(krLinear::AffineMatrix& matrix) override;
     /// Grows towards a point outside: the center moves by the point's distance from the surface, the radius grows by
-    /// half of it. The sphere passes through the point; it is not the smallest around the old sphere and the point.
+    /// half of it. The grown sphere holds the point, but need not hold all of the old sphere.
     void addPoint(const krLinear::PointFlt& point) override;
     void addPoints(const std::vector<krLinear::PointFlt>& points) override;
 

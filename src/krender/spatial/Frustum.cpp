@@ -51,7 +51,7 @@ std::array<Frustum::Plane, 6> Frustum::planes() const noexcept
 void Frustum::recomputePlaneEquations(const krLinear::ProjMatrix& matrix) noexcept
 {
     fValid = true;
-    for (unsigned i = 0; i < fPlanes.size(); ++i)
+    for (std::size_t i = 0; i < fPlanes.size(); ++i)
     {
         const Plane first = planeOf(matrix, kSides[2 * i]);
         const Plane second = planeOf(matrix, kSides[2 * i + 1]);

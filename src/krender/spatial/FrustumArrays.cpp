@@ -94,9 +94,9 @@ KRENDER_AVX2 bool fourBoxes(const std::array<FarPlane, 6>& planes, const AABound
         sum += value;
     }
     answer(visible, behind);
-    const __m256i regular =
-        (numbers[0] <= numbers[3]) & (numbers[1] <= numbers[4]) & (numbers[2] <= numbers[5]) & (sum == sum);
-    return _mm256_movemask_pd(_mm256_castsi256_pd(regular)) == 0xf;
+    const __m256i ordered = (numbers[0] <= numbers[3]) & (numbers[1] <= numbers[4]) & (numbers[2] <= numbers[5]);
+    const __m256d regular = _mm256_and_pd(_mm256_castsi256_pd(ordered), _mm256_cmp_pd(sum, sum, _CMP_ORD_Q));
+    return _mm256_movemask_pd(regular) == 0xf;
 }
 
 FarPlane farPlane(const Frustum::Plane& p)
