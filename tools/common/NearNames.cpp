@@ -51,6 +51,7 @@ std::vector<std::string> nearNames(std::string_view name, const std::vector<std:
     found.resize(std::min(found.size(), kMaxSuggestions));
 
     std::vector<std::string> names;
+    names.reserve(found.size());
     for (auto& [distance, candidate] : found)
         names.push_back(std::move(candidate));
     return names;

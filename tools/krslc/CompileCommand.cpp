@@ -5,6 +5,7 @@
 #include "FailureTexts.h"
 #include "GlslValidator.h"
 #include "Libraries.h"
+#include "MaterialReader.h"
 #include "OutputFiles.h"
 #include "UsageError.h"
 #include "Warnings.h"
@@ -29,87 +30,6 @@ namespace
 {
 
 void printError(const std::string& text) { krTools::print(stderr, "krslc", Severity::Error, text); }
-
-// The material
-
-/// Which function of which file is the material.
-struct MaterialName
-{
-    std::string file;
-    std::string function; ///< empty: the first that can be one
-};
-
-MaterialName materialName(const std::string& option)
-{
-    const std::size_t colon = option.rfind(':');
-    std::error_code failure;
-    if (colon == std::string::npos || !isName(std::string_view(option).substr(colon + 1)) ||
-        std::filesystem::exists(option, failure))
-        return {option, ""};
-    return {option.substr(0, colon), option.substr(colon + 1)};
-}
-
-/// The material of a source, the first function of the name asked for that has a body. Without a name it is the first
-/// function with a body that says "material" in its header, or the first with a body when none says so.
-class MaterialReader
-{
-public:
-    MaterialReader(const krTools::Source& source, std::string name) : fSource(source), fName(std::move(name)) {}
-
-    /// @return  the material; null when there is none, which is then reported
-    [[nodiscard]] std::unique_ptr<ShadingNodeSpec> read()
-    {
-        krTools::SourceReader reader(fSource, fFindings);
-        if (reader.scan())
-            reader.parse([this](std::unique_ptr<ShadingNodeSpec> spec, const krTools::FunctionOutline& outline)
-                         { consider(std::move(spec), outline); });
-        if (!fFindings.hasErrors() && !fMaterial)
-            addMissing();
-        fFindings.sort();
-        krTools::print(stderr, fSource, fFindings);
-        return fFindings.hasErrors() ? nullptr : std::move(fMaterial);
-    }
-
-private:
-    void consider(std::unique_ptr<ShadingNodeSpec> spec, const krTools::FunctionOutline& outline)
-    {
-        std::string name = spec->name().asChar();
-        const bool isWanted = fName.empty() || name == fName;
-        if (!outline.isDefinition)
-        {
-            if (isWanted && !fDeclaration)
-                fDeclaration = {outline.position, std::move(name)};
-            return;
-        }
-        const bool isMaterial = outline.resultWord == "material";
-        if (isWanted && (!fMaterial || (fName.empty() && isMaterial && !fSaysMaterial)))
-        {
-            fMaterial = std::move(spec);
-            fSaysMaterial = isMaterial;
-        }
-        fDefinitions.push_back(std::move(name));
-    }
-
-    void addMissing()
-    {
-        if (fDeclaration)
-            fFindings.error(fDeclaration->first,
-                            inQuotes(fDeclaration->second) + " is only declared: a material needs a body");
-        else if (fName.empty())
-            fFindings.error(0, "found no function declaration or definition");
-        else
-            fFindings.error(0, "this source has no function " + inQuotes(fName) +
-                                   krTools::didYouMean(fName, fDefinitions));
-    }
-
-    const krTools::Source& fSource;
-    std::string fName;
-    krTools::Findings fFindings;
-    std::unique_ptr<ShadingNodeSpec> fMaterial;
-    bool fSaysMaterial = false;
-    std::optional<std::pair<std::size_t, std::string>> fDeclaration; ///< the first, its place and name
-    std::vector<std::string> fDefinitions;
-};
 
 // The lights
 

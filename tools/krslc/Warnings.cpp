@@ -76,6 +76,7 @@ void WarningOptions::apply(std::string_view option)
     if (info == kWarnings.end())
     {
         std::vector<std::string> names;
+        names.reserve(kWarnings.size());
         for (const WarningInfo& row : kWarnings)
             names.emplace_back(row.name);
         throw UsageError("no warning is called " + krTools::inQuotes(name) + krTools::didYouMean(name, names));
