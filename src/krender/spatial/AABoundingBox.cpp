@@ -2,7 +2,9 @@
 
 #include <krender/spatial/BoundingSphere.h>
 
+#include <algorithm>
 #include <array>
+#include <cstring>
 
 using krLinear::PointFlt;
 
@@ -19,8 +21,24 @@ constexpr float squaredDistance(float value, float min, float max)
     return value > max ? squared(value - max) : 0.0f;
 }
 
+using Lanes = float __attribute__((vector_size(4 * sizeof(float))));
+
+constexpr float PointFlt::*kAxes[] = {&PointFlt::x, &PointFlt::y, &PointFlt::z};
+static_assert(sizeof(PointFlt) == 3 * sizeof(float));
+
+/// Gives a bound of 0 the sign that growing point by point leaves: of 0 and -0 the first one met stays.
+void settleZero(float& bound, float oldBound, const std::vector<PointFlt>& points, float PointFlt::*axis)
+{
+    if (bound != 0.0f)
+        return;
+    bound = oldBound == 0.0f
+                ? oldBound
+                : (*std::ranges::find_if(points, [axis](const PointFlt& p) { return p.*axis == 0.0f; })).*axis;
+}
+
 constexpr bool between(float min, float value, float max) { return min <= value && value <= max; }
 
+/// Both bounds may move: a box without points takes its first as min and max at once. A NaN moves neither.
 constexpr void grow(float& min, float& max, float value)
 {
     min = min > value ? value : min;
@@ -65,8 +83,45 @@ void AABoundingBox::addPoint(const PointFlt& point)
 
 void AABoundingBox::addPoints(const std::vector<PointFlt>& points)
 {
-    for (const PointFlt& point : points)
-        AABoundingBox::addPoint(point);
+    // Each lane grows the bounds of its own axis: the numbers of four points fill the vectors xyzx yzxy zxyz.
+    constexpr unsigned kVectors = 6;
+    constexpr unsigned kNumbers = 4 * kVectors;
+    Lanes low[kVectors];
+    Lanes high[kVectors];
+    const PointFlt oldMin = fMin;
+    const PointFlt oldMax = fMax;
+    for (unsigned i = 0; i < kNumbers; ++i)
+    {
+        low[i / 4][i % 4] = oldMin.*kAxes[i % 3];
+        high[i / 4][i % 4] = oldMax.*kAxes[i % 3];
+    }
+
+    std::size_t next = 0;
+    for (; points.size() - next >= kNumbers / 3; next += kNumbers / 3)
+    {
+        Lanes numbers[kVectors];
+        std::memcpy(numbers, &points[next], sizeof numbers);
+        for (unsigned v = 0; v < kVectors; ++v)
+        {
+            low[v] = low[v] > numbers[v] ? numbers[v] : low[v];
+            high[v] = numbers[v] > high[v] ? numbers[v] : high[v];
+        }
+    }
+
+    for (unsigned i = 0; i < kNumbers; ++i)
+    {
+        float PointFlt::*const axis = kAxes[i % 3];
+        grow(fMin.*axis, fMax.*axis, low[i / 4][i % 4]);
+        grow(fMin.*axis, fMax.*axis, high[i / 4][i % 4]);
+    }
+    for (; next < points.size(); ++next)
+        AABoundingBox::addPoint(points[next]);
+
+    for (float PointFlt::*const axis : kAxes)
+    {
+        settleZero(fMin.*axis, oldMin.*axis, points, axis);
+        settleZero(fMax.*axis, oldMax.*axis, points, axis);
+    }
 }
 
 PointFlt AABoundingBox::center() const
