@@ -1,22 +1,21 @@
 #include "CompileCommand.h"
 
 #include "Depfile.h"
-#include "ExitStatus.h"
 #include "FailureTexts.h"
 #include "GlslValidator.h"
-#include "Libraries.h"
-#include "OutputFiles.h"
-#include "UsageError.h"
 #include "Warnings.h"
 
 #include <common/DataFiles.h>
-#include <common/NearNames.h>
+#include <common/ExitStatus.h>
+#include <common/Libraries.h>
+#include <common/MaterialReader.h>
+#include <common/OutputFiles.h>
+#include <common/UsageError.h>
 
 #include <krender/shadergen/CgMaterialCompiler.h>
 #include <krender/shadergen/GlslMaterialCompiler.h>
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -30,98 +29,10 @@ namespace
 
 void printError(const std::string& text) { krTools::print(stderr, "krslc", Severity::Error, text); }
 
-bool isName(std::string_view text)
-{
-    const auto isWord = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; };
-    return !text.empty() && std::isdigit(static_cast<unsigned char>(text[0])) == 0 &&
-           std::all_of(text.begin(), text.end(), isWord);
-}
-
-// The material
-
-/// Which function of which file is the material.
-struct MaterialName
-{
-    std::string file;
-    std::string function; ///< empty: the first that can be one
-};
-
-MaterialName materialName(const std::string& option)
-{
-    const std::size_t colon = option.rfind(':');
-    std::error_code failure;
-    if (colon == std::string::npos || !isName(std::string_view(option).substr(colon + 1)) ||
-        std::filesystem::exists(option, failure))
-        return {option, ""};
-    return {option.substr(0, colon), option.substr(colon + 1)};
-}
-
-/// The material of a source, the first function of the name asked for that has a body. Without a name it is the first
-/// function with a body that says "material" in its header, or the first with a body when none says so.
-class MaterialReader
-{
-public:
-    MaterialReader(const krTools::Source& source, std::string name) : fSource(source), fName(std::move(name)) {}
-
-    /// @return  the material; null when there is none, which is then reported
-    [[nodiscard]] std::unique_ptr<ShadingNodeSpec> read()
-    {
-        krTools::SourceReader reader(fSource, fFindings);
-        if (reader.scan())
-            reader.parse([this](std::unique_ptr<ShadingNodeSpec> spec, const krTools::FunctionOutline& outline)
-                         { consider(std::move(spec), outline); });
-        if (!fFindings.hasErrors() && !fMaterial)
-            addMissing();
-        fFindings.sort();
-        krTools::print(stderr, fSource, fFindings);
-        return fFindings.hasErrors() ? nullptr : std::move(fMaterial);
-    }
-
-private:
-    void consider(std::unique_ptr<ShadingNodeSpec> spec, const krTools::FunctionOutline& outline)
-    {
-        std::string name = spec->name().asChar();
-        const bool isWanted = fName.empty() || name == fName;
-        if (!outline.isDefinition)
-        {
-            if (isWanted && !fDeclaration)
-                fDeclaration = {outline.position, std::move(name)};
-            return;
-        }
-        const bool isMaterial = outline.resultWord == "material";
-        if (isWanted && (!fMaterial || (fName.empty() && isMaterial && !fSaysMaterial)))
-        {
-            fMaterial = std::move(spec);
-            fSaysMaterial = isMaterial;
-        }
-        fDefinitions.push_back(std::move(name));
-    }
-
-    void addMissing()
-    {
-        if (fDeclaration)
-            fFindings.error(fDeclaration->first,
-                            inQuotes(fDeclaration->second) + " is only declared: a material needs a body");
-        else if (fName.empty())
-            fFindings.error(0, "found no function declaration or definition");
-        else
-            fFindings.error(0, "this source has no function " + inQuotes(fName) +
-                                   krTools::didYouMean(fName, fDefinitions));
-    }
-
-    const krTools::Source& fSource;
-    std::string fName;
-    krTools::Findings fFindings;
-    std::unique_ptr<ShadingNodeSpec> fMaterial;
-    bool fSaysMaterial = false;
-    std::optional<std::pair<std::size_t, std::string>> fDeclaration; ///< the first, its place and name
-    std::vector<std::string> fDefinitions;
-};
-
 // The lights
 
 /// The lights that the options ask for; nothing when one is missing, which is then reported.
-std::optional<std::vector<LightSpec>> findLights(const std::vector<std::string>& options, Libraries& libraries)
+std::optional<std::vector<LightSpec>> findLights(const std::vector<std::string>& options, krTools::Libraries& libraries)
 {
     std::vector<LightSpec> lights;
     bool ok = true;
@@ -130,22 +41,15 @@ std::optional<std::vector<LightSpec>> findLights(const std::vector<std::string>&
         const std::size_t equals = option.find('=');
         const std::string key = option.substr(0, equals);
         const std::string function = option.substr(equals + 1);
-        if (const ShadingNodeSpec* light = Libraries::definition(function))
-        {
-            if (light->body().findStatement(krShadingDag::StatementType::Illuminance))
-                libraries.add(
-                    *light, Severity::Warning, kWarnings[static_cast<std::size_t>(Warning::IlluminanceInLight)].name,
-                    "the illuminance block of light " + inQuotes(function) + " stays in the program as it is");
-            lights.push_back({light, key.c_str()});
+        const ShadingNodeSpec* light = libraries.findLight(function, "--light " + option);
+        ok &= light != nullptr;
+        if (!light)
             continue;
-        }
-        ok = false;
-        if (const ShadingNodeSpec* declaration = Libraries::function(function))
-            libraries.add(*declaration, Severity::Error, {},
-                          inQuotes(function) + " is only declared: a light needs a body");
-        else
-            printError("--light " + option + ": the libraries have no function " + inQuotes(function) +
-                       krTools::didYouMean(function, Libraries::lightNames()));
+        if (light->body().findStatement(krShadingDag::StatementType::Illuminance))
+            libraries.add(*light, Severity::Warning,
+                          kWarnings[static_cast<std::size_t>(Warning::IlluminanceInLight)].name,
+                          "the illuminance block of light " + inQuotes(function) + " stays in the program as it is");
+        lights.push_back({light, key.c_str()});
     }
     if (!libraries.report() || !ok)
         return std::nullopt;
@@ -159,10 +63,11 @@ void checkLightOptions(const std::vector<std::string>& options)
     {
         const std::size_t equals = std::min(option.find('='), option.size());
         const std::string_view key = std::string_view(option).substr(0, equals);
-        if (equals + 1 >= option.size() || !isName(key))
-            throw UsageError("--light " + option + ": KEY=FUNCTION is wanted, the key being a name");
+        if (equals + 1 >= option.size() || !krTools::isName(key))
+            throw krTools::UsageError("--light " + option + ": KEY=FUNCTION is wanted, the key being a name");
         if (std::find(keys.begin(), keys.end(), key) != keys.end())
-            throw UsageError("--light " + option + ": another light has this key, and their uniforms would clash");
+            throw krTools::UsageError("--light " + option +
+                                      ": another light has this key, and their uniforms would clash");
         keys.push_back(key);
     }
 }
@@ -228,21 +133,21 @@ void checkOutputOptions(const CompileOptions& options)
 {
     const bool hasFiles = !options.vertexFile.empty() || !options.fragmentFile.empty();
     if (hasFiles && !options.base.empty())
-        throw UsageError("-o and --vertex with --fragment exclude each other");
+        throw krTools::UsageError("-o and --vertex with --fragment exclude each other");
     if (hasFiles && (options.vertexFile.empty() || options.fragmentFile.empty()))
-        throw UsageError("--vertex and --fragment go together");
+        throw krTools::UsageError("--vertex and --fragment go together");
     if (hasFiles && options.target == Target::All)
-        throw UsageError("--vertex and --fragment name the programs of one target: use -o for all");
+        throw krTools::UsageError("--vertex and --fragment name the programs of one target: use -o for all");
     if (!hasFiles && options.base.empty())
-        throw UsageError("where should the programs go? Give -o BASE, -o -, or --vertex and --fragment");
+        throw krTools::UsageError("where should the programs go? Give -o BASE, -o -, or --vertex and --fragment");
     if (!options.depfile.empty() && (options.base == "-" || options.vertexFile == "-" || options.fragmentFile == "-"))
-        throw UsageError("--depfile names the files that depend on the sources, and standard output is none");
+        throw krTools::UsageError("--depfile names the files that depend on the sources, and standard output is none");
     if (options.keepIlluminance && !options.lights.empty())
-        throw UsageError("--keep-illuminance and --light exclude each other");
+        throw krTools::UsageError("--keep-illuminance and --light exclude each other");
 }
 
 /// No output may overwrite a source, or another output.
-void checkOverwriting(const OutputFiles& outputs, const std::vector<std::string>& sources)
+void checkOverwriting(const krTools::OutputFiles& outputs, const std::vector<std::string>& sources)
 {
     const auto isSame = [](const std::string& a, const std::string& b)
     {
@@ -257,10 +162,10 @@ void checkOverwriting(const OutputFiles& outputs, const std::vector<std::string>
             continue;
         for (const std::string& source : sources)
             if (isSame(path, source))
-                throw UsageError("'" + path + "' is a source of this compilation and would be overwritten");
+                throw krTools::UsageError("'" + path + "' is a source of this compilation and would be overwritten");
         for (const std::string& other : paths)
             if (isSame(path, other))
-                throw UsageError("'" + path + "' is named twice for an output");
+                throw krTools::UsageError("'" + path + "' is named twice for an output");
         paths.push_back(path);
     }
 }
@@ -271,27 +176,27 @@ int compile(const CompileOptions& options)
 {
     checkOutputOptions(options);
     checkLightOptions(options.lights);
-    const MaterialName name = materialName(options.material);
+    const krTools::MaterialName name = krTools::materialName(options.material);
 
     std::vector<std::string> sources;
     if (options.stdlib != "none")
         sources.push_back(options.stdlib.empty() ? krTools::dataFile("stdlib.krs") : options.stdlib);
     sources.insert(sources.end(), options.libraries.begin(), options.libraries.end());
-    Libraries libraries;
+    krTools::Libraries libraries("krslc");
     for (const std::string& path : sources)
         libraries.read(path);
     const krTools::Source materialSource(name.file);
     sources.insert(sources.begin(), name.file);
 
     const bool librariesOk = libraries.report();
-    const std::unique_ptr<ShadingNodeSpec> material = MaterialReader(materialSource, name.function).read();
+    const std::unique_ptr<ShadingNodeSpec> material = krTools::readMaterial(materialSource, name.function);
     if (!librariesOk || !material)
-        return kInputHasErrors;
+        return krTools::kInputHasErrors;
     const std::optional<std::vector<LightSpec>> lights = findLights(options.lights, libraries);
     if (!lights)
-        return kInputHasErrors;
+        return krTools::kInputHasErrors;
 
-    OutputFiles outputs;
+    krTools::OutputFiles outputs;
     bool ok = true;
     std::vector<std::string> targets;
     for (const bool isGlsl : {true, false})
@@ -307,7 +212,7 @@ int compile(const CompileOptions& options)
         }
     }
     if (!ok)
-        return kInputHasErrors;
+        return krTools::kInputHasErrors;
     if (!options.depfile.empty())
     {
         std::vector<std::string> files;
@@ -317,5 +222,5 @@ int compile(const CompileOptions& options)
     }
     checkOverwriting(outputs, sources);
     outputs.publish();
-    return kDone;
+    return krTools::kDone;
 }
