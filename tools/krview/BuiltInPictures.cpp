@@ -91,9 +91,10 @@ double noise(double x, double y, double z, unsigned cells, unsigned octaves)
 
 Colour checker(unsigned x, unsigned y, unsigned)
 {
-    constexpr unsigned kSquare = kSide / 8;
-    // Alpha is the strength of highlights to the shipped materials.
-    return (x / kSquare + y / kSquare) % 2 == 0 ? Colour{0.93, 0.88, 0.78, 0.3} : Colour{0.13, 0.33, 0.55, 1};
+    // As many squares as the built-in shapes have sides. Alpha is the strength of highlights to the shipped materials.
+    constexpr unsigned kSquares = 10;
+    return (x * kSquares / kSide + y * kSquares / kSide) % 2 == 0 ? Colour{0.93, 0.88, 0.78, 0.3}
+                                                                  : Colour{0.13, 0.33, 0.55, 1};
 }
 
 Colour noisePixel(unsigned x, unsigned y, unsigned)

@@ -39,8 +39,6 @@ void drawWire(DrawProcedure&, const DrawProcedureData& data)
     DeviceBuffer::of(*edges).bind();
     frame.camera.bind();
     glColor3d(0.95, 0.85, 0.4);
-    // Lines lie in the surface; a hair nearer to the eye they are not cut into pieces by it.
-    glDepthRange(0, 0.9995);
     frame.grid.forEachVisible(
         [edges](const krLinear::AffineMatrix& placement)
         {
@@ -49,7 +47,6 @@ void drawWire(DrawProcedure&, const DrawProcedureData& data)
             glDrawElements(GL_LINES, static_cast<GLsizei>(edges->count()), GL_UNSIGNED_INT, nullptr);
             glPopMatrix();
         });
-    glDepthRange(0, 1);
     glDisableClientState(GL_VERTEX_ARRAY);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
     glBindBuffer(GL_ARRAY_BUFFER, 0);

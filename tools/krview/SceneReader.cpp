@@ -274,6 +274,8 @@ void applyOptions(const Options& options, Scene& scene)
     }
     if (options.grid != 0)
         scene.grid = options.grid;
+    if (scene.shape == Shape::Particles && scene.grid > 1)
+        throw InputError("krview", "particles are sorted by their depth, and stand alone: a grid of them cannot be shown");
     if (!options.size.empty())
         applySize(options.size, scene);
 }

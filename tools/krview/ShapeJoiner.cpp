@@ -21,7 +21,6 @@ namespace
 struct Corner
 {
     std::array<std::vector<float>, kStreamSlots> values;
-    Vector3 smoothNormal;
 
     [[nodiscard]] Vector3 at(StreamSlot slot) const
     {
@@ -105,7 +104,7 @@ void forEachPlace(std::vector<Face>& faces, Visitor visit)
         visit(corners);
 }
 
-/// Gives each corner the mean normal of the faces around it that do not stand off at an edge.
+/// Replaces each normal by the mean of the faces around it that do not stand off at an edge.
 void smoothNormals(std::vector<Face>& faces)
 {
     constexpr float kEdgeCosine = 0.64f; // 50 degrees
@@ -119,7 +118,8 @@ void smoothNormals(std::vector<Face>& faces)
                          for (const auto& [otherFace, other] : corners)
                              if (const Vector3 normal = faceNormal(*otherFace); dot(own, normal) > kEdgeCosine)
                                  sum = sum + normal;
-                         corner->smoothNormal = normalized(sum);
+                         const Vector3 mean = normalized(sum);
+                         corner->values[kNormals] = {mean.x, mean.y, mean.z};
                      }
                  });
 }
@@ -146,12 +146,12 @@ void deriveTangents(std::vector<Face>& faces, bool smooth)
                  {
                      for (auto& [face, corner] : corners)
                      {
-                         const Vector3 normal = smooth ? corner->smoothNormal : corner->at(kNormals);
+                         const Vector3 normal = corner->at(kNormals);
                          const Vector3 own = faceTangent(*face);
                          Vector3 sum;
                          float count = 0;
                          for (const auto& [otherFace, other] : corners)
-                             if (smooth && dot(other->smoothNormal, normal) > 0.99f)
+                             if (smooth && dot(other->at(kNormals), normal) > 0.99f)
                              {
                                  sum = sum + faceTangent(*otherFace);
                                  ++count;
@@ -172,29 +172,21 @@ public:
     /// The number of the vertex that is this corner.
     unsigned add(const Corner& corner)
     {
-        std::vector<float> key{corner.smoothNormal.x, corner.smoothNormal.y, corner.smoothNormal.z};
+        std::vector<float> key;
         for (const std::vector<float>& values : corner.values)
             key.insert(key.end(), values.begin(), values.end());
         const auto [found, isNew] = fNumbers.emplace(std::move(key), static_cast<unsigned>(fNumbers.size()));
-        if (isNew)
-        {
-            for (std::size_t slot = 0; slot < kStreamSlots; ++slot)
-                fValues[slot].insert(fValues[slot].end(), corner.values[slot].begin(), corner.values[slot].end());
-            fSmoothNormals.insert(fSmoothNormals.end(),
-                                  {corner.smoothNormal.x, corner.smoothNormal.y, corner.smoothNormal.z});
-        }
+        for (std::size_t slot = 0; isNew && slot < kStreamSlots; ++slot)
+            fValues[slot].insert(fValues[slot].end(), corner.values[slot].begin(), corner.values[slot].end());
         return found->second;
     }
 
-    [[nodiscard]] std::vector<const GeometryData*> streams(bool smooth) const
+    [[nodiscard]] std::vector<const GeometryData*> streams() const
     {
         std::vector<const GeometryData*> streams;
         for (std::size_t slot = 0; slot < kStreamSlots; ++slot)
             if (!fValues[slot].empty())
                 streams.push_back(newStream(kStreamKinds[slot], fValues[slot]));
-        if (smooth)
-            streams.push_back(
-                newStream({"smoothNormal", GeometryData::alternateNormal, 0, 3, nullptr}, fSmoothNormals));
         return streams;
     }
     [[nodiscard]] std::vector<krLinear::PointFlt> positions() const
@@ -209,10 +201,9 @@ public:
 private:
     std::map<std::vector<float>, unsigned> fNumbers;
     std::array<std::vector<float>, kStreamSlots> fValues;
-    std::vector<float> fSmoothNormals;
 };
 
-void appendJoined(const char* name, const std::vector<Face>& faces, bool smooth, Geometry& joined)
+void appendJoined(const char* name, const std::vector<Face>& faces, Geometry& joined)
 {
     VertexTable vertices;
     std::vector<unsigned> triangles;
@@ -234,7 +225,7 @@ void appendJoined(const char* name, const std::vector<Face>& faces, bool smooth,
         }
     }
 
-    const std::vector<const GeometryData*> streams = vertices.streams(smooth);
+    const std::vector<const GeometryData*> streams = vertices.streams();
     const GeometryDataIndex* surface = newList(GeometryDataIndex::triangles, streams, triangles);
     AABoundingBox box;
     box.addPoints(vertices.positions());
@@ -260,5 +251,5 @@ void joinShape(const Geometry& shape, bool smooth, Geometry& joined)
         smoothNormals(faces);
     if (!hasTangents || smooth)
         deriveTangents(faces, smooth);
-    appendJoined(shape.groups().front()->name(), faces, smooth, joined);
+    appendJoined(shape.groups().front()->name(), faces, joined);
 }

@@ -27,6 +27,9 @@ Stage::Stage()
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    // Surfaces make way for the lines that lie in them.
+    glEnable(GL_POLYGON_OFFSET_FILL);
+    glPolygonOffset(1, 1);
 }
 
 bool Stage::load(const Scene& scene)
@@ -107,9 +110,11 @@ void Stage::draw(View& view, double seconds)
 
 void Stage::aim(View& view)
 {
+    // The planes stand as close around the objects as the eye lets them, which spares the depths' accuracy.
     const double distance = view.distance();
-    fCamera.setPerspective(view.opening(), static_cast<double>(view.width()) / view.height(), kNearest * distance,
-                           distance + 2 * fGrid->radius());
+    const double reach = fGrid->radius() + view.translation().length();
+    fCamera.setPerspective(view.opening(), static_cast<double>(view.width()) / view.height(),
+                           std::max(kNearest * distance, distance - reach), distance + reach);
     fCamera.setViewMatrix(view.viewMatrix());
     fCamera.bind();
 }

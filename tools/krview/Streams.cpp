@@ -17,17 +17,10 @@ const GeometryData* findStream(const Geometry& geometry, const std::string& name
         std::find_if(kStreamKinds.begin(), kStreamKinds.end(), [&name](const StreamKind& k) { return k.name == name; });
     if (kind == kStreamKinds.end())
         return nullptr;
-    const auto find = [&geometry](GeometryData::DataType type, int setIndex) -> const GeometryData*
-    {
-        for (const auto& group : geometry.groups())
-            if (const GeometryData* stream = group->geometryDataPtr(type, setIndex, false))
-                return stream;
-        return nullptr;
-    };
-    if (kind->type == GeometryData::normal)
-        if (const GeometryData* smooth = find(GeometryData::alternateNormal, 0))
-            return smooth;
-    return find(kind->type, kind->setIndex);
+    for (const auto& group : geometry.groups())
+        if (const GeometryData* stream = group->geometryDataPtr(kind->type, kind->setIndex, false))
+            return stream;
+    return nullptr;
 }
 
 const GeometryDataIndex* findList(const Geometry& geometry, GeometryDataIndex::DrawPrimitiveType type)

@@ -40,8 +40,7 @@ inline constexpr std::array<StreamKind, kStreamSlots> kStreamKinds{{
 /// The names of all kinds.
 [[nodiscard]] std::vector<std::string> streamNames();
 
-/// The stream of that name in any of the groups; null when there is none. Of normals those of a smooth surface come
-/// first.
+/// The stream of that name in any of the groups; null when there is none.
 [[nodiscard]] const GeometryData* findStream(const Geometry& geometry, const std::string& name);
 
 /// The first list of that type in any of the groups; null when there is none.
