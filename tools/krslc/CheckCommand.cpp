@@ -1,10 +1,10 @@
 #include "CheckCommand.h"
 
-#include "ExitStatus.h"
 #include "Lints.h"
-#include "StandardOutput.h"
 
+#include <common/ExitStatus.h>
 #include <common/SourceReader.h>
+#include <common/StandardOutput.h>
 
 #include <nlohmann/json.hpp>
 
@@ -47,7 +47,7 @@ void appendJson(ordered_json& list, const krTools::Source& source, const krTools
 
 int check(const CheckOptions& options)
 {
-    int status = kDone;
+    int status = krTools::kDone;
     ordered_json list = ordered_json::array();
     for (const std::string& path : options.files)
         try
@@ -59,16 +59,16 @@ int check(const CheckOptions& options)
             else
                 krTools::print(stderr, source, findings);
             if (findings.hasErrors())
-                status = std::max<int>(status, kInputHasErrors);
+                status = std::max<int>(status, krTools::kInputHasErrors);
         }
         catch (const krTools::FileError& error)
         {
             krTools::print(stderr, "krslc", krTools::Severity::Error, error.what());
-            status = kCannotRun;
+            status = krTools::kCannotRun;
         }
     if (options.asJson)
     {
-        StandardOutput output;
+        krTools::StandardOutput output;
         output.write(list.dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n');
         output.finish();
     }

@@ -1,18 +1,18 @@
 #include "CompileCommand.h"
 
 #include "Depfile.h"
-#include "ExitStatus.h"
 #include "FailureTexts.h"
 #include "GlslValidator.h"
-#include "Libraries.h"
-#include "MaterialReader.h"
-#include "OutputFiles.h"
-#include "UsageError.h"
 #include "Warnings.h"
-#include "Words.h"
 
 #include <common/DataFiles.h>
-#include <common/NearNames.h>
+#include <common/ExitStatus.h>
+#include <common/Expansion.h>
+#include <common/Libraries.h>
+#include <common/MaterialReader.h>
+#include <common/OutputFiles.h>
+#include <common/UsageError.h>
+#include <common/Words.h>
 
 #include <krender/shadergen/CgMaterialCompiler.h>
 #include <krender/shadergen/GlslMaterialCompiler.h>
@@ -34,7 +34,7 @@ void printError(const std::string& text) { krTools::print(stderr, "krslc", Sever
 // The lights
 
 /// The lights that the options ask for; nothing when one is missing, which is then reported.
-std::optional<std::vector<LightSpec>> findLights(const std::vector<std::string>& options, Libraries& libraries)
+std::optional<std::vector<LightSpec>> findLights(const std::vector<std::string>& options, krTools::Libraries& libraries)
 {
     std::vector<LightSpec> lights;
     bool ok = true;
@@ -43,22 +43,15 @@ std::optional<std::vector<LightSpec>> findLights(const std::vector<std::string>&
         const std::size_t equals = option.find('=');
         const std::string key = option.substr(0, equals);
         const std::string function = option.substr(equals + 1);
-        if (const ShadingNodeSpec* light = Libraries::definition(function))
-        {
-            if (light->body().findStatement(krShadingDag::StatementType::Illuminance))
-                libraries.add(
-                    *light, Severity::Warning, kWarnings[static_cast<std::size_t>(Warning::IlluminanceInLight)].name,
-                    "the illuminance block of light " + inQuotes(function) + " stays in the program as it is");
-            lights.push_back({light, key.c_str()});
+        const ShadingNodeSpec* light = libraries.findLight(function, "--light " + option);
+        ok &= light != nullptr;
+        if (!light)
             continue;
-        }
-        ok = false;
-        if (const ShadingNodeSpec* declaration = Libraries::function(function))
-            libraries.add(*declaration, Severity::Error, {},
-                          inQuotes(function) + " is only declared: a light needs a body");
-        else
-            printError("--light " + option + ": the libraries have no function " + inQuotes(function) +
-                       krTools::didYouMean(function, Libraries::lightNames()));
+        if (light->body().findStatement(krShadingDag::StatementType::Illuminance))
+            libraries.add(*light, Severity::Warning,
+                          kWarnings[static_cast<std::size_t>(Warning::IlluminanceInLight)].name,
+                          "the illuminance block of light " + inQuotes(function) + " stays in the program as it is");
+        lights.push_back({light, key.c_str()});
     }
     if (!libraries.report() || !ok)
         return std::nullopt;
@@ -71,8 +64,8 @@ void checkLightOptions(const std::vector<std::string>& options)
     {
         const std::size_t equals = std::min(option.find('='), option.size());
         const std::string_view key = std::string_view(option).substr(0, equals);
-        if (equals + 1 >= option.size() || !isName(key))
-            throw UsageError("--light " + option + ": KEY=FUNCTION is wanted, the key being a name");
+        if (equals + 1 >= option.size() || !krTools::isName(key))
+            throw krTools::UsageError("--light " + option + ": KEY=FUNCTION is wanted, the key being a name");
     }
 }
 
@@ -137,21 +130,21 @@ void checkOutputOptions(const CompileOptions& options)
 {
     const bool hasFiles = !options.vertexFile.empty() || !options.fragmentFile.empty();
     if (hasFiles && !options.base.empty())
-        throw UsageError("-o and --vertex with --fragment exclude each other");
+        throw krTools::UsageError("-o and --vertex with --fragment exclude each other");
     if (hasFiles && (options.vertexFile.empty() || options.fragmentFile.empty()))
-        throw UsageError("--vertex and --fragment go together");
+        throw krTools::UsageError("--vertex and --fragment go together");
     if (hasFiles && options.target == Target::All)
-        throw UsageError("--vertex and --fragment name the programs of one target: use -o for all");
+        throw krTools::UsageError("--vertex and --fragment name the programs of one target: use -o for all");
     if (!hasFiles && options.base.empty())
-        throw UsageError("where should the programs go? Give -o BASE, -o -, or --vertex and --fragment");
+        throw krTools::UsageError("where should the programs go? Give -o BASE, -o -, or --vertex and --fragment");
     if (!options.depfile.empty() && (options.base == "-" || options.vertexFile == "-" || options.fragmentFile == "-"))
-        throw UsageError("--depfile names the files that depend on the sources, and standard output is none");
+        throw krTools::UsageError("--depfile names the files that depend on the sources, and standard output is none");
     if (options.keepIlluminance && !options.lights.empty())
-        throw UsageError("--keep-illuminance and --light exclude each other");
+        throw krTools::UsageError("--keep-illuminance and --light exclude each other");
 }
 
 /// No output may overwrite a source, or another output.
-void checkOverwriting(const OutputFiles& outputs, const std::vector<std::string>& sources)
+void checkOverwriting(const krTools::OutputFiles& outputs, const std::vector<std::string>& sources)
 {
     const auto isSame = [](const std::string& a, const std::string& b)
     {
@@ -167,10 +160,10 @@ void checkOverwriting(const OutputFiles& outputs, const std::vector<std::string>
             continue;
         for (const std::string& source : sources)
             if (isSame(path, source))
-                throw UsageError("'" + path + "' is a source of this compilation and would be overwritten");
+                throw krTools::UsageError("'" + path + "' is a source of this compilation and would be overwritten");
         for (const std::string& other : paths)
             if (isSame(path, other))
-                throw UsageError("'" + path + "' is named twice for an output");
+                throw krTools::UsageError("'" + path + "' is named twice for an output");
         paths.push_back(path);
     }
 }
@@ -181,27 +174,27 @@ int compile(const CompileOptions& options)
 {
     checkOutputOptions(options);
     checkLightOptions(options.lights);
-    const MaterialName name = materialName(options.material);
+    const krTools::MaterialName name = krTools::materialName(options.material);
 
     std::vector<std::string> sources;
     if (options.stdlib != "none")
         sources.push_back(options.stdlib.empty() ? krTools::dataFile("stdlib.krs") : options.stdlib);
     sources.insert(sources.end(), options.libraries.begin(), options.libraries.end());
-    Libraries libraries;
+    krTools::Libraries libraries("krslc");
     for (const std::string& path : sources)
         libraries.read(path);
     const krTools::Source materialSource(name.file);
     sources.insert(sources.begin(), name.file);
 
     const bool librariesOk = libraries.report();
-    const std::unique_ptr<ShadingNodeSpec> material = MaterialReader(materialSource, name.function).read();
+    const std::unique_ptr<ShadingNodeSpec> material = krTools::readMaterial(materialSource, name.function);
     if (!librariesOk || !material)
-        return kInputHasErrors;
+        return krTools::kInputHasErrors;
     const std::optional<std::vector<LightSpec>> lights = findLights(options.lights, libraries);
-    if (!lights)
-        return kInputHasErrors;
+    if (!lights || !krTools::checkExpansion("krslc", *material, lights->size()))
+        return krTools::kInputHasErrors;
 
-    OutputFiles outputs;
+    krTools::OutputFiles outputs;
     bool ok = true;
     std::vector<std::string> targets;
     for (const bool isGlsl : {true, false})
@@ -217,7 +210,7 @@ int compile(const CompileOptions& options)
         }
     }
     if (!ok)
-        return kInputHasErrors;
+        return krTools::kInputHasErrors;
     if (!options.depfile.empty())
     {
         std::vector<std::string> files;
@@ -227,5 +220,5 @@ int compile(const CompileOptions& options)
     }
     checkOverwriting(outputs, sources);
     outputs.publish();
-    return kDone;
+    return krTools::kDone;
 }

@@ -1,6 +1,6 @@
 #include "FailureTexts.h"
 
-#include "Words.h"
+#include <common/Words.h>
 
 #include <algorithm>
 #include <array>
@@ -32,7 +32,7 @@ void findWidths(std::string_view text, std::string_view type, krTools::Findings&
         const std::size_t digits = at + type.size();
         const std::size_t end = std::min(text.find_first_not_of("0123456789", digits), text.size());
         const std::string_view width = text.substr(digits, end - digits);
-        if (width.empty() || !isWholeWord(text, at, end))
+        if (width.empty() || !krTools::isWholeWord(text, at, end))
             continue;
         if (width.size() > 1 || width[0] < '1' || width[0] > '4')
             findings.error(

@@ -1,6 +1,6 @@
 #include "GlslValidator.h"
 
-#include "Words.h"
+#include <common/Words.h>
 
 #include <glslang/Public/ResourceLimits.h>
 #include <glslang/Public/ShaderLang.h>
@@ -41,7 +41,7 @@ std::size_t lineBegin(std::string_view text, unsigned line)
 std::size_t findWord(std::string_view line, std::string_view word)
 {
     for (std::size_t at = line.find(word); !word.empty() && at != std::string_view::npos; at = line.find(word, at + 1))
-        if (isWholeWord(line, at, at + word.size()))
+        if (krTools::isWholeWord(line, at, at + word.size()))
             return at;
     return std::min(line.find_first_not_of(" \t"), line.size());
 }

@@ -1,9 +1,8 @@
 #include "SpecsCommand.h"
 
-#include "ExitStatus.h"
-#include "StandardOutput.h"
-
+#include <common/ExitStatus.h>
 #include <common/SourceReader.h>
+#include <common/StandardOutput.h>
 
 #include <krender/shading/ShadingParser.h>
 
@@ -28,7 +27,7 @@ class Snapshot
 public:
     explicit Snapshot(const krTools::Source& source) : fDescriptor(::memfd_create("krslc", MFD_CLOEXEC))
     {
-        const int error = fDescriptor < 0 ? errno : writeAll(fDescriptor, source.text());
+        const int error = fDescriptor < 0 ? errno : krTools::writeAll(fDescriptor, source.text());
         if (error != 0)
             throw krTools::FileError("cannot copy '" + source.name() + "': " + std::strerror(error));
     }
@@ -98,7 +97,7 @@ int printSpecs(const std::string& path, bool asJson)
     findings.sort();
     krTools::print(stderr, source, findings);
 
-    StandardOutput output;
+    krTools::StandardOutput output;
     if (asJson)
     {
         ordered_json functions = ordered_json::array();
@@ -112,5 +111,5 @@ int printSpecs(const std::string& path, bool asJson)
         for (const auto& [name, spec] : ShadingNodeSpec::fLibrary)
             output.write(textOf(*spec));
     output.finish();
-    return parsed && !findings.hasErrors() ? kDone : kInputHasErrors;
+    return parsed && !findings.hasErrors() ? krTools::kDone : krTools::kInputHasErrors;
 }

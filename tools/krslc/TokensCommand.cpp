@@ -1,9 +1,8 @@
 #include "TokensCommand.h"
 
-#include "ExitStatus.h"
-#include "StandardOutput.h"
-
+#include <common/ExitStatus.h>
 #include <common/Source.h>
+#include <common/StandardOutput.h>
 
 #include <krender/core/Exception.h>
 #include <krender/shading/Tokenizer.h>
@@ -66,9 +65,9 @@ int printTokens(const std::string& path)
     krShadingDag::Tokenizer tokenizer;
     tokenizer.openString(krTools::Source(path).contents());
 
-    StandardOutput output;
+    krTools::StandardOutput output;
     std::string line;
-    int status = kDone;
+    int status = krTools::kDone;
     for (bool more = true; more;)
     {
         line.clear();
@@ -82,7 +81,7 @@ int printTokens(const std::string& path)
         catch (const Exception&)
         {
             line = "EXCEPTION\n";
-            status = kInputHasErrors;
+            status = krTools::kInputHasErrors;
             more = false;
         }
         output.write(line);

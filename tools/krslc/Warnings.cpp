@@ -1,9 +1,8 @@
 #include "Warnings.h"
 
-#include "UsageError.h"
-
 #include <common/NearNames.h>
 #include <common/SourceReader.h>
+#include <common/UsageError.h>
 
 #include <algorithm>
 
@@ -79,10 +78,10 @@ void WarningOptions::apply(std::string_view option)
         names.reserve(kWarnings.size());
         for (const WarningInfo& row : kWarnings)
             names.emplace_back(row.name);
-        throw UsageError("no warning is called " + krTools::inQuotes(name) + krTools::didYouMean(name, names));
+        throw krTools::UsageError("no warning is called " + krTools::inQuotes(name) + krTools::didYouMean(name, names));
     }
     if (info->isError && !enable)
-        throw UsageError(krTools::inQuotes(name) + " is an error and cannot be silenced");
+        throw krTools::UsageError(krTools::inQuotes(name) + " is an error and cannot be silenced");
     fEnabled[static_cast<std::size_t>(info->warning)] = enable;
 }
 

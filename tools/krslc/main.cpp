@@ -1,12 +1,12 @@
 #include "CheckCommand.h"
 #include "CompileCommand.h"
-#include "ExitStatus.h"
 #include "SpecsCommand.h"
-#include "StandardOutput.h"
 #include "TokensCommand.h"
-#include "UsageError.h"
 
+#include <common/ExitStatus.h>
 #include <common/SourceReader.h>
+#include <common/StandardOutput.h>
+#include <common/UsageError.h>
 
 #include <CLI/CLI.hpp>
 
@@ -31,10 +31,10 @@ struct SpecLibraryEnd
 
 int printText(const std::string& text)
 {
-    StandardOutput output;
+    krTools::StandardOutput output;
     output.write(text);
     output.finish();
-    return kDone;
+    return krTools::kDone;
 }
 
 void addCompile(CLI::App& app, Command& command)
@@ -106,7 +106,7 @@ void addCheck(CLI::App& app, Command& command)
         [&command, arguments]
         {
             if (!arguments->list && arguments->options.files.empty())
-                throw UsageError("check: no file is given");
+                throw krTools::UsageError("check: no file is given");
             for (const std::string& option : arguments->warnings)
                 arguments->options.warnings.apply(option);
             command = [arguments] { return arguments->list ? printText(listWarnings()) : check(arguments->options); };
@@ -162,9 +162,9 @@ int run(int argc, char** argv)
     }
     catch (const CLI::ParseError& error)
     {
-        throw UsageError(error.what());
+        throw krTools::UsageError(error.what());
     }
-    int status = kCannotRun;
+    int status = krTools::kCannotRun;
     krTools::runOnLargeStack(
         [&]
         {
@@ -184,7 +184,7 @@ int main(int argc, char** argv)
     {
         return run(argc, argv);
     }
-    catch (const UsageError& error)
+    catch (const krTools::UsageError& error)
     {
         krTools::print(stderr, "krslc", krTools::Severity::Error, error.what());
         std::fputs("Try \"krslc --help\".\n", stderr);
@@ -197,5 +197,5 @@ int main(int argc, char** argv)
     {
         krTools::print(stderr, "krslc", krTools::Severity::Error, error.what());
     }
-    return kCannotRun;
+    return krTools::kCannotRun;
 }

@@ -1,4 +1,4 @@
-#include "StandardOutput.h"
+#include <common/StandardOutput.h>
 
 #include <common/Source.h>
 
@@ -6,6 +6,9 @@
 
 #include <cerrno>
 #include <cstring>
+
+namespace krTools
+{
 
 int writeAll(int descriptor, std::string_view bytes) noexcept
 {
@@ -33,5 +36,7 @@ void StandardOutput::finish()
     const int error = writeAll(STDOUT_FILENO, fHeld);
     fHeld.clear();
     if (error != 0)
-        throw krTools::FileError(std::string("cannot write standard output: ") + std::strerror(error));
+        throw FileError(std::string("cannot write standard output: ") + std::strerror(error));
 }
+
+} // namespace krTools

@@ -4,6 +4,9 @@
 #include <utility>
 #include <vector>
 
+namespace krTools
+{
+
 /// Files that come into being together, whole, or not at all. "-" is standard output.
 class OutputFiles
 {
@@ -19,3 +22,5 @@ public:
 private:
     std::vector<std::pair<std::string, std::string>> fFiles; ///< path and text
 };
+
+} // namespace krTools

@@ -2,6 +2,9 @@
 #include <string>
 #include <string_view>
 
+namespace krTools
+{
+
 /// Standard output, written in large pieces. Throws a FileError when it cannot be written.
 class StandardOutput
 {
@@ -17,3 +20,5 @@ private:
 /// Writes all bytes to a descriptor.
 /// @return  0, or the error number
 [[nodiscard]] int writeAll(int descriptor, std::string_view bytes) noexcept;
+
+} // namespace krTools

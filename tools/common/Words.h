@@ -2,6 +2,9 @@
 #include <algorithm>
 #include <string_view>
 
+namespace krTools
+{
+
 /// Whether a byte can stand in a name; no locale plays a part.
 [[nodiscard]] inline bool isWordByte(char c) noexcept
 {
@@ -19,3 +22,5 @@
 {
     return (begin == 0 || !isWordByte(text[begin - 1])) && (end >= text.size() || !isWordByte(text[end]));
 }
+
+} // namespace krTools

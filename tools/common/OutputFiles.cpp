@@ -1,8 +1,7 @@
-#include "OutputFiles.h"
-
-#include "StandardOutput.h"
+#include <common/OutputFiles.h>
 
 #include <common/Source.h>
+#include <common/StandardOutput.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,12 +13,15 @@
 #include <cstring>
 #include <memory>
 
+namespace krTools
+{
+
 namespace
 {
 
 [[noreturn]] void fail(const std::string& path, int error)
 {
-    throw krTools::FileError("cannot write '" + path + "': " + std::strerror(error));
+    throw FileError("cannot write '" + path + "': " + std::strerror(error));
 }
 
 /// Writes, forces to the disk and closes.
@@ -46,7 +48,7 @@ public:
         if (resolved)
             fTarget = resolved.get();
         const std::size_t slash = fTarget.rfind('/');
-        fStaged = (slash == std::string::npos ? "" : fTarget.substr(0, slash + 1)) + ".krslc-XXXXXX";
+        fStaged = (slash == std::string::npos ? "" : fTarget.substr(0, slash + 1)) + ".krender-XXXXXX";
 
         struct stat status = {};
         const bool exists = ::stat(fTarget.c_str(), &status) == 0;
@@ -123,3 +125,5 @@ void OutputFiles::publish() const
     for (const auto& file : staged)
         file->publish();
 }
+
+} // namespace krTools

@@ -1,0 +1,31 @@
+#include "DeviceBuffer.h"
+
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+
+DeviceBuffer::DeviceBuffer(GLenum target, const void* bytes, std::uint32_t size) : fTarget(target), fSize(size)
+{
+    glGenBuffers(1, &fId);
+    bind();
+    glBufferData(fTarget, size, bytes, GL_STATIC_DRAW);
+    glBindBuffer(fTarget, 0);
+    fsMemoryUsage += fSize;
+}
+
+DeviceBuffer::~DeviceBuffer()
+{
+    glDeleteBuffers(1, &fId);
+    fsMemoryUsage -= fSize;
+}
+
+// Nothing else is ever hung on streams and lists here.
+
+const DeviceBuffer& DeviceBuffer::of(const GeometryData& stream)
+{
+    return static_cast<const DeviceBuffer&>(*stream.hanger());
+}
+
+const DeviceBuffer& DeviceBuffer::of(const GeometryDataIndex& list)
+{
+    return static_cast<const DeviceBuffer&>(*list.hanger());
+}

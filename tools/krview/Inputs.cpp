@@ -1,0 +1,327 @@
+#include "Inputs.h"
+
+#include "BuiltInPictures.h"
+#include "DeviceBuffer.h"
+#include "InputError.h"
+#include "Picture.h"
+#include "Streams.h"
+
+#include <common/Findings.h>
+#include <common/NearNames.h>
+#include <common/Source.h>
+
+#include <krender/geometry/ParticleData.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstring>
+#include <filesystem>
+
+using krTools::inQuotes;
+
+namespace
+{
+
+[[noreturn]] void fail(const InputValue& value, const std::string& text)
+{
+    throw InputError(value.origin, value.asker + ": " + text);
+}
+
+/// How many numbers a value has; 0 for what takes no numbers.
+std::size_t numberCount(DataType type)
+{
+    if (dataTypeNumFloats(type) > 0)
+        return dataTypeNumFloats(type);
+    return dataTypeInfo[type].isVector ? maxDim(type) : 0;
+}
+
+bool isMatrix(DataType type) { return type == kMatrix2 || type == kMatrix3 || type == kMatrix4; }
+
+bool endsWith(const std::string& name, std::string_view end)
+{
+    const auto isSame = [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; };
+    return name.size() >= end.size() &&
+           std::equal(end.begin(), end.end(), name.end() - static_cast<std::ptrdiff_t>(end.size()),
+                      [&](char b, char a) { return isSame(a, b); });
+}
+
+/// A value for inputs whose name ends so.
+struct NamedDefault
+{
+    const char* nameEnd;
+    std::array<double, 4> numbers;
+};
+
+/// What the inputs of lights mean is told by their names alone.
+constexpr std::array kLightDefaults{
+    NamedDefault{"position", {3, 4, 5, 1}}, NamedDefault{"direction", {1, 1.5, 2, 0}},
+    NamedDefault{"axis", {3, 4, 5, 0}},     NamedDefault{"decay", {0, 0, 0, 0}},
+    NamedDefault{"color", {1, 1, 1, 1}},    NamedDefault{"width", {0.3, 0.3, 0.3, 0.3}},
+};
+
+/// Materials are written to look well with numbers in the middle of 0 to 1 and bright colours.
+std::vector<double> defaultNumbers(const ProgramInput& input)
+{
+    const std::size_t count = numberCount(input.type);
+    if (isMatrix(input.type))
+    {
+        std::vector<double> identity(count, 0.0);
+        for (std::size_t i = 0; i < count; i += maxDim(input.type) + 1)
+            identity[i] = 1;
+        return identity;
+    }
+    if (!isFloatVector(input.type))
+        return std::vector<double>(count, 1.0);
+    if (input.perVertex)
+        return std::vector<double>(count, 0.25);
+    for (const NamedDefault& known : kLightDefaults)
+        if (!input.lightName.empty() && endsWith(input.lightName, known.nameEnd))
+            return {known.numbers.begin(), known.numbers.begin() + static_cast<std::ptrdiff_t>(count)};
+    return std::vector<double>(count, count < 3 ? 0.5 : 0.8);
+}
+
+/// The stream that a per-vertex input most likely stands for, told by its name and type; empty when none is.
+std::string likelyStream(const ProgramInput& input)
+{
+    const auto contains = [&](std::string_view part)
+    {
+        return std::search(input.name.begin(), input.name.end(), part.begin(), part.end(),
+                           [](char a, char b)
+                           { return std::tolower(static_cast<unsigned char>(a)) == b; }) != input.name.end();
+    };
+    if (contains("tangent"))
+        return "tangent";
+    if (contains("normal"))
+        return "normal";
+    if (contains("col") || contains("paint"))
+        return "color";
+    if (contains("pos"))
+        return "position";
+    return input.type == kFloat2 ? "textureCoord" : "";
+}
+
+/// The numbers of a value, as many as the type takes.
+std::vector<double> numbersOf(const InputValue& value, const ProgramInput& input)
+{
+    const auto* numbers = std::get_if<std::vector<double>>(&value.value);
+    const std::size_t count = numberCount(input.type);
+    if (!numbers || numbers->size() != count)
+        fail(value, inQuotes(input.name) + " is of type " + dataTypeName(input.type) + " and wants " +
+                        (count == 1 ? "a number" : std::to_string(count) + " numbers"));
+    return *numbers;
+}
+
+void setNumbers(GLint location, DataType type, const std::vector<double>& numbers)
+{
+    std::array<GLfloat, 16> floats{};
+    std::array<GLint, 16> ints{};
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+    {
+        floats[i] = static_cast<GLfloat>(numbers[i]);
+        ints[i] = static_cast<GLint>(numbers[i]);
+    }
+    switch (type)
+    {
+    case kFloat:
+        return glUniform1fv(location, 1, floats.data());
+    case kFloat2:
+        return glUniform2fv(location, 1, floats.data());
+    case kFloat3:
+        return glUniform3fv(location, 1, floats.data());
+    case kFloat4:
+        return glUniform4fv(location, 1, floats.data());
+    case kBool:
+    case kInt:
+        return glUniform1iv(location, 1, ints.data());
+    case kInt2:
+        return glUniform2iv(location, 1, ints.data());
+    case kInt3:
+        return glUniform3iv(location, 1, ints.data());
+    case kInt4:
+        return glUniform4iv(location, 1, ints.data());
+    // Matrices are written row by row, and multiply vectors from the left.
+    case kMatrix2:
+        return glUniformMatrix2fv(location, 1, GL_TRUE, floats.data());
+    case kMatrix3:
+        return glUniformMatrix3fv(location, 1, GL_TRUE, floats.data());
+    case kMatrix4:
+        return glUniformMatrix4fv(location, 1, GL_TRUE, floats.data());
+    default:
+        return;
+    }
+}
+
+/// Heights as normals. The last column and row of a normal map have no neighbours to take slopes from, so the map is made
+/// from heights that go on with the first ones, and cut back: it then repeats without a seam.
+Shared<PixelArray2D> normalMap(const PixelArray2D& heights, float scale)
+{
+    const auto copyRows = [](const PixelArray2D& from, PixelArray2D& to)
+    {
+        const auto* source = static_cast<const std::uint32_t*>(from.data());
+        auto* target = static_cast<std::uint32_t*>(to.data());
+        for (unsigned y = 0; y < to.height(); ++y)
+            for (unsigned x = 0; x < to.width(); ++x)
+                *target++ = source[std::size_t{from.width()} * (y % from.height()) + x % from.width()];
+    };
+    Shared<PixelArray2D> larger = newPicture(heights.width() + 1, heights.height() + 1);
+    copyRows(heights, *larger);
+    (void)larger->convertToNormalMap(scale); // it never says true
+    Shared<PixelArray2D> normals = newPicture(heights.width(), heights.height());
+    copyRows(*larger, *normals);
+    return normals;
+}
+
+/// Brings a picture to sides that every driver of this kind takes: powers of two, and not too large.
+void fitToDriver(PixelArray2D& picture)
+{
+    GLint greatest = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &greatest);
+    const auto fitted = [&](unsigned side) { return std::min(ceilPow2(side), static_cast<unsigned>(greatest)); };
+    picture.resize(fitted(picture.width()), fitted(picture.height()));
+}
+
+} // namespace
+
+Inputs::Inputs(const Scene& scene, const Material& material)
+{
+    std::vector<std::string> names;
+    for (const ProgramInput& input : material.inputs())
+        names.push_back(input.name);
+    for (const auto& [name, value] : scene.inputs)
+        if (std::find(names.begin(), names.end(), name) == names.end())
+            fail(value, "neither the material " + inQuotes(material.name()) + " nor its lights have an input " +
+                            inQuotes(name) + krTools::didYouMean(name, names));
+
+    for (const ProgramInput& input : material.inputs())
+    {
+        const auto found = scene.inputs.find(input.name);
+        const InputValue* value = found == scene.inputs.end() ? nullptr : &found->second;
+        if (input.perVertex)
+            addAttribute(input, value);
+        else
+            addUniform(input, value);
+    }
+    fAttributes.push_back({"gObjTangent", "tangent", {1, 0, 0}});
+}
+
+void Inputs::addUniform(const ProgramInput& input, const InputValue* value)
+{
+    Uniform uniform{input.name, input.type, {}, nullptr};
+    if (isSampler(input.type))
+        uniform.texture = texture(input, value);
+    else
+        uniform.numbers = value ? numbersOf(*value, input) : defaultNumbers(input);
+    fUniforms.push_back(std::move(uniform));
+}
+
+void Inputs::addAttribute(const ProgramInput& input, const InputValue* value)
+{
+    Attribute attribute{input.name, likelyStream(input), defaultNumbers(input)};
+    if (const auto* named = value ? std::get_if<NamedValue>(&value->value) : nullptr)
+    {
+        const std::vector<std::string> names = streamNames();
+        if (std::find(names.begin(), names.end(), named->name) == names.end())
+            fail(*value, "shapes have no stream " + inQuotes(named->name) + krTools::didYouMean(named->name, names));
+        attribute.stream = named->name;
+    }
+    else if (value)
+    {
+        attribute.stream.clear();
+        attribute.numbers = numbersOf(*value, input);
+    }
+    fAttributes.push_back(std::move(attribute));
+}
+
+Shared<Texture> Inputs::texture(const ProgramInput& input, const InputValue* value)
+{
+    const auto* named = value ? std::get_if<NamedValue>(&value->value) : nullptr;
+    if (value && (!named || input.type != kSampler2D))
+        fail(*value,
+             inQuotes(input.name) + " is of type " + dataTypeName(input.type) +
+                 (input.type == kSampler2D ? " and wants a picture" : ", and there is one picture for all of them"));
+    switch (input.type)
+    {
+    case kSampler1D:
+        return Texture::upload(IHWTexture::kTexture1D, *builtInRamp());
+    case kSampler3D:
+        return Texture::upload(IHWTexture::kTexture3D, *builtInNoise());
+    case kSamplerCube:
+        return Texture::upload(IHWTexture::kTextureCubeMap, *builtInSurroundings());
+    case kSampler1DShadow:
+        return Texture::emptyShadowMap(IHWTexture::kTexture1D);
+    case kSampler2DShadow:
+        return Texture::emptyShadowMap(IHWTexture::kTexture2D);
+    default:
+        break;
+    }
+
+    // A map of normals is told by its name; any picture of heights does for one.
+    constexpr float kBuiltInScale = 12;
+    const bool isNormalMap = input.name.find("ormal") != std::string::npos;
+    const NamedValue picture =
+        named ? *named : NamedValue{isNormalMap ? "noise" : "checker", "", isNormalMap ? kBuiltInScale : 0};
+    const std::vector<std::string>& builtIn = builtInPictureNames();
+    Shared<PixelArray2D> pixels;
+    if (std::find(builtIn.begin(), builtIn.end(), picture.name) != builtIn.end())
+        pixels = builtInPicture(picture.name);
+    else
+    {
+        const std::string path = (std::filesystem::path(picture.directory) / picture.name).lexically_normal().string();
+        std::error_code failure;
+        if (!std::filesystem::is_regular_file(path, failure))
+            fail(*value, "there is no picture '" + path + "'" + krTools::didYouMean(picture.name, builtIn));
+        fFiles.push_back(path);
+        pixels = readPng(path);
+        fitToDriver(*pixels);
+    }
+    if (picture.normalScale != 0)
+        pixels = normalMap(*pixels, picture.normalScale);
+    return Texture::upload(IHWTexture::kTexture2D, *pixels);
+}
+
+void Inputs::setUniforms(const GlProgram& program) const
+{
+    GLint unit = 0;
+    for (const Uniform& uniform : fUniforms)
+    {
+        const GLint location = program.uniform(uniform.name);
+        if (!uniform.texture)
+        {
+            setNumbers(location, uniform.type, uniform.numbers);
+            continue;
+        }
+        glActiveTexture(static_cast<GLenum>(GL_TEXTURE0 + unit));
+        uniform.texture->bind();
+        glUniform1i(location, unit++);
+    }
+    glActiveTexture(GL_TEXTURE0);
+}
+
+void Inputs::bindAttributes(const GlProgram& program, const Geometry& geometry) const
+{
+    for (const Attribute& attribute : fAttributes)
+    {
+        const GLint found = program.attribute(attribute.name);
+        if (found < 0)
+            continue;
+        const auto location = static_cast<GLuint>(found);
+        if (const GeometryData* stream = findStream(geometry, attribute.stream))
+        {
+            DeviceBuffer::of(*stream).bind();
+            glVertexAttribPointer(location, static_cast<GLint>(stream->elementSize()), GL_FLOAT, GL_FALSE, 0, nullptr);
+            glEnableVertexAttribArray(location);
+            continue;
+        }
+        std::array<GLdouble, 4> numbers{0, 0, 0, 1};
+        std::copy_n(attribute.numbers.begin(), std::min<std::size_t>(attribute.numbers.size(), 4), numbers.begin());
+        glVertexAttrib4dv(location, numbers.data());
+    }
+}
+
+void Inputs::unbindAttributes(const GlProgram& program) const
+{
+    for (const Attribute& attribute : fAttributes)
+        if (const GLint location = program.attribute(attribute.name); location >= 0)
+            glDisableVertexAttribArray(static_cast<GLuint>(location));
+}

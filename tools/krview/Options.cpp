@@ -1,0 +1,76 @@
+#include "Options.h"
+
+#include <common/StandardOutput.h>
+#include <common/UsageError.h>
+
+#include <CLI/CLI.hpp>
+
+namespace
+{
+
+constexpr const char* kKeys = R"(
+Drag to tumble, drag with the right button or turn the wheel to change the distance.
+R resets the view, A shows the axes, W the wire frame, S saves a picture, Q quits.
+)";
+
+void printText(const std::string& text)
+{
+    krTools::StandardOutput output;
+    output.write(text);
+    output.finish();
+}
+
+} // namespace
+
+std::optional<Options> readOptions(int argc, char** argv)
+{
+    Options options;
+    CLI::App app("krview, a viewer of KRSL materials", "krview");
+    app.footer(kKeys);
+    app.set_version_flag("--version", "krview " KRENDER_VERSION);
+    app.add_option("scene", options.scene, "what to show; a textured sphere if neither it nor a material is given")
+        ->type_name("SCENE.json");
+    app.add_option("--material", options.material, "the material: a file, and a function in it")
+        ->type_name("FILE[:NAME]");
+    app.add_option("--shape", options.shape, "what wears it")
+        ->type_name("SHAPE")
+        ->check(CLI::IsMember({"cube", "sphere", "cylinder", "particles"}));
+    app.add_option("--light", options.lights, "a light, instead of the scene's: its name and its function in a library")
+        ->type_name("KEY=FUNCTION")
+        ->allow_extra_args(false);
+    app.add_option("--set", options.settings,
+                   "the value of an input of the material or, with the light's name ahead, of a light: numbers with "
+                   "commas between them, checker, noise, sky, or a PNG file")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    app.add_option("--grid", options.grid, "show N times N objects")->type_name("N")->check(CLI::Range(1, 200));
+    app.add_option("--size", options.size, "the window's size in pixels")->type_name("WxH");
+    app.add_option("--stdlib", options.stdlib, "the standard library")->type_name("FILE");
+    app.add_option("--lib", options.libraries, "a further library")->type_name("FILE")->allow_extra_args(false);
+    app.add_option("--screenshot", options.screenshot, "save the last frame and quit, after one frame if not told")
+        ->type_name("FILE.png");
+    app.add_option("--frames", options.frames, "quit after N frames")->type_name("N")->check(CLI::PositiveNumber);
+    app.add_flag("--watch", options.watch, "read the sources again when they change");
+    app.add_flag("--stats", options.stats, "print at the end what was drawn, culled and uploaded");
+    try
+    {
+        app.parse(argc, argv);
+    }
+    catch (const CLI::CallForHelp&)
+    {
+        printText(app.help());
+        return std::nullopt;
+    }
+    catch (const CLI::CallForVersion&)
+    {
+        printText("krview " KRENDER_VERSION "\n");
+        return std::nullopt;
+    }
+    catch (const CLI::ParseError& error)
+    {
+        throw krTools::UsageError(error.what());
+    }
+    if (!options.screenshot.empty() && options.frames == 0)
+        options.frames = 1;
+    return options;
+}

@@ -1,0 +1,304 @@
+#include "SceneReader.h"
+
+#include "InputError.h"
+#include "SceneValue.h"
+
+#include <common/DataFiles.h>
+#include <common/Findings.h>
+#include <common/MaterialReader.h>
+#include <common/Source.h>
+#include <common/UsageError.h>
+#include <common/Words.h>
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <filesystem>
+
+using krTools::inQuotes;
+using krTools::UsageError;
+
+namespace
+{
+
+constexpr unsigned kGreatestSide = 8192;
+constexpr unsigned kGreatestGrid = 200;
+
+constexpr std::array<const char*, 4> kShapeNames{"cube", "sphere", "cylinder", "particles"};
+
+Shape shapeNamed(const std::string& name)
+{
+    const auto found = std::find(kShapeNames.begin(), kShapeNames.end(), name);
+    return static_cast<Shape>(found - kShapeNames.begin());
+}
+
+/// A file that the scene names, whose place counts from the scene's own.
+std::string fileOf(const SceneValue& value, const std::string& name)
+{
+    const std::string path = (std::filesystem::path(value.file()).parent_path() / name).lexically_normal().string();
+    std::error_code failure;
+    if (!std::filesystem::is_regular_file(path, failure))
+        value.fail("there is no file '" + path + "'");
+    return path;
+}
+
+std::array<float, 3> colour(const SceneValue& value)
+{
+    const std::vector<double> numbers = value.numbers(3);
+    return {static_cast<float>(numbers[0]), static_cast<float>(numbers[1]), static_cast<float>(numbers[2])};
+}
+
+InputValue inputValue(const SceneValue& value)
+{
+    const std::string directory = std::filesystem::path(value.file()).parent_path().string();
+    InputValue input{{}, value.file(), value.path()};
+    if (value.isText())
+        input.value = NamedValue{value.text(), directory, 0};
+    else if (value.isObject())
+    {
+        NamedValue picture{"", directory, 0};
+        value.readMembers({{"picture", [&](const SceneValue& name) { picture.name = name.text(); }},
+                           {"normalMap", [&](const SceneValue& scale)
+                            { picture.normalScale = static_cast<float>(scale.number(-1000, 1000)); }}});
+        if (picture.name.empty())
+            value.fail("a \"picture\" is missing");
+        input.value = picture;
+    }
+    else
+        input.value = value.numbers();
+    return input;
+}
+
+void readLight(const SceneValue& value, Scene& scene)
+{
+    SceneLight light;
+    light.asker = value.path();
+    std::map<std::string, InputValue> inputs;
+    value.readMembers({
+        {"key", [&](const SceneValue& key) { light.key = key.text(); }},
+        {"function", [&](const SceneValue& function) { light.function = function.text(); }},
+        {"inputs", [&](const SceneValue& all)
+         { all.forEachMember([&](const auto& name, const auto& input) { inputs[name] = inputValue(input); }); }},
+    });
+    if (light.function.empty())
+        value.fail("a \"function\" is missing");
+    if (!krTools::isName(light.key))
+        value.fail("a \"key\" is missing, a name that tells the light from others");
+    for (const SceneLight& other : scene.lights)
+        if (other.key == light.key)
+            value.fail("another light has the key " + inQuotes(light.key));
+    for (auto& [name, input] : inputs)
+        scene.inputs[light.key + name] = std::move(input);
+    scene.lights.push_back(light);
+}
+
+void readView(const SceneValue& value, Scene& scene)
+{
+    const auto into = [](float& field, double least, double greatest) {
+        return [&field, least, greatest](const SceneValue& v)
+        { field = static_cast<float>(v.number(least, greatest)); };
+    };
+    value.readMembers({
+        {"pitch", into(scene.pitch, -90, 90)},
+        {"yaw", into(scene.yaw, -360, 360)},
+        {"distance", into(scene.distance, 0.1, 1000)},
+        {"opening", into(scene.opening, 1, 150)},
+        {"target",
+         [&](const SceneValue& v)
+         {
+             const std::vector<double> point = v.numbers(3);
+             std::copy(point.begin(), point.end(), scene.target.begin());
+         }},
+    });
+}
+
+void readMembers(const SceneValue& file, Scene& scene)
+{
+    const auto source = [&](std::string& field)
+    { return [&field](const SceneValue& v) { field = fileOf(v, v.text()); }; };
+    file.readMembers({
+        {"material",
+         [&](const SceneValue& v)
+         {
+             const krTools::MaterialName name = krTools::materialName(v.text());
+             scene.material = fileOf(v, name.file) + (name.function.empty() ? "" : ":" + name.function);
+         }},
+        {"stdlib", source(scene.stdlib)},
+        {"libraries", [&](const SceneValue& v)
+         { v.forEachItem([&](const SceneValue& item) { scene.libraries.push_back(fileOf(item, item.text())); }); }},
+        {"inputs", [&](const SceneValue& v)
+         { v.forEachMember([&](const auto& name, const auto& input) { scene.inputs[name] = inputValue(input); }); }},
+        {"lights",
+         [&](const SceneValue& v)
+         {
+             scene.lights.clear();
+             v.forEachItem([&](const SceneValue& item) { readLight(item, scene); });
+         }},
+        {"shape",
+         [&](const SceneValue& v)
+         {
+             scene.shape = shapeNamed(v.text());
+             if (static_cast<std::size_t>(scene.shape) == kShapeNames.size())
+                 v.fail("a shape is wanted here: cube, sphere, cylinder or particles");
+         }},
+        {"smooth", [&](const SceneValue& v) { scene.smooth = v.truth(); }},
+        {"particles", [&](const SceneValue& v) { scene.particles = v.wholeNumber(1, 100000); }},
+        {"grid", [&](const SceneValue& v) { scene.grid = v.wholeNumber(1, kGreatestGrid); }},
+        {"spacing", [&](const SceneValue& v) { scene.spacing = v.number(0, 1000); }},
+        {"view", [&](const SceneValue& v) { readView(v, scene); }},
+        {"background",
+         [&](const SceneValue& v)
+         {
+             v.readMembers({{"top", [&](const SceneValue& top) { scene.top = colour(top); }},
+                            {"bottom", [&](const SceneValue& bottom) { scene.bottom = colour(bottom); }}});
+         }},
+        {"axes", [&](const SceneValue& v) { scene.axes = v.truth(); }},
+        {"wire", [&](const SceneValue& v) { scene.wire = v.truth(); }},
+        {"size",
+         [&](const SceneValue& v)
+         {
+             unsigned* side = &scene.width;
+             (void)v.numbers(2);
+             v.forEachItem(
+                 [&](const SceneValue& item)
+                 {
+                     *side = item.wholeNumber(8, kGreatestSide);
+                     side = &scene.height;
+                 });
+         }},
+    });
+    if (scene.material.empty())
+        file.fail("a \"material\" is missing");
+}
+
+/// Reads a scene file. What is not JSON is printed.
+bool readFile(const std::string& path, Scene& scene)
+{
+    const krTools::Source source(path);
+    try
+    {
+        readMembers(SceneValue(source.name(), nlohmann::json::parse(source.text()), ""), scene);
+    }
+    catch (const nlohmann::json::parse_error& error)
+    {
+        // The text names the place ahead of what is wrong, as "... at line 3, column 7: ...".
+        const std::string_view text = error.what();
+        const std::size_t place = text.find(": ");
+        krTools::Findings findings;
+        findings.error(error.byte > 0 ? error.byte - 1 : 0,
+                       std::string(place == std::string_view::npos ? text : text.substr(place + 2)));
+        krTools::print(stderr, source, findings);
+        return false;
+    }
+    scene.files.push_back(path);
+    return true;
+}
+
+/// Takes NAME=VALUE or KEY=FUNCTION apart.
+std::pair<std::string, std::string> assignment(const std::string& option, const std::string& text, const char* wanted)
+{
+    const std::size_t equals = std::min(text.find('='), text.size());
+    if (equals + 1 >= text.size() || !krTools::isName(std::string_view(text).substr(0, equals)))
+        throw UsageError(option + " " + text + ": " + wanted + " is wanted");
+    return {text.substr(0, equals), text.substr(equals + 1)};
+}
+
+/// Numbers with commas between them; nothing when it is another text.
+std::optional<std::vector<double>> numbersOf(const std::string& text)
+{
+    std::vector<double> numbers;
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (;;)
+    {
+        double number = 0;
+        const auto [rest, error] = std::from_chars(at, end, number);
+        if (error != std::errc())
+            return std::nullopt;
+        numbers.push_back(number);
+        if (rest == end)
+            return numbers;
+        if (*rest != ',')
+            return std::nullopt;
+        at = rest + 1;
+    }
+}
+
+InputValue inputValue(const std::string& asker, const std::string& text)
+{
+    InputValue input{{}, "krview", asker};
+    if (const auto numbers = numbersOf(text))
+        input.value = *numbers;
+    else if (text == "true" || text == "false")
+        input.value = std::vector<double>{text == "true" ? 1.0 : 0.0};
+    else
+        input.value = NamedValue{text, "", 0};
+    return input;
+}
+
+void applySize(const std::string& text, Scene& scene)
+{
+    const char* const end = text.data() + text.size();
+    const auto width = std::from_chars(text.data(), end, scene.width);
+    const bool hasHeight = width.ec == std::errc() && width.ptr != end && *width.ptr == 'x';
+    const auto height = std::from_chars(hasHeight ? width.ptr + 1 : end, end, scene.height);
+    if (!hasHeight || height.ec != std::errc() || height.ptr != end || std::min(scene.width, scene.height) < 8 ||
+        std::max(scene.width, scene.height) > kGreatestSide)
+        throw UsageError("--size " + text + ": WxH is wanted, from 8x8 to 8192x8192");
+}
+
+void applyOptions(const Options& options, Scene& scene)
+{
+    if (!options.material.empty())
+        scene.material = options.material;
+    if (!options.shape.empty())
+        scene.shape = shapeNamed(options.shape);
+    if (!options.stdlib.empty())
+        scene.stdlib = options.stdlib;
+    scene.libraries.insert(scene.libraries.end(), options.libraries.begin(), options.libraries.end());
+    if (!options.lights.empty())
+        scene.lights.clear();
+    for (const std::string& option : options.lights)
+    {
+        const auto [key, function] = assignment("--light", option, "KEY=FUNCTION");
+        for (const SceneLight& other : scene.lights)
+            if (other.key == key)
+                throw UsageError("--light " + option + ": another light has this key, and their inputs would clash");
+        scene.lights.push_back({key, function, "--light " + option});
+    }
+    for (const std::string& option : options.settings)
+    {
+        const auto [name, value] = assignment("--set", option, "NAME=VALUE");
+        scene.inputs[name] = inputValue("--set " + option, value);
+    }
+    if (options.grid != 0)
+        scene.grid = options.grid;
+    if (scene.shape == Shape::Particles && scene.grid > 1)
+        throw InputError("krview",
+                         "particles are sorted by their depth, and stand alone: a grid of them cannot be shown");
+    if (!options.size.empty())
+        applySize(options.size, scene);
+}
+
+} // namespace
+
+const char* shapeName(Shape shape) { return kShapeNames[static_cast<std::size_t>(shape)]; }
+
+std::optional<Scene> readScene(const Options& options)
+{
+    Scene scene;
+    std::string file = options.scene;
+    if (file.empty() && options.material.empty())
+        file = krTools::dataFile("scenes/textured-sphere.json");
+    if (!file.empty() && !readFile(file, scene))
+        return std::nullopt;
+    applyOptions(options, scene);
+    if (scene.stdlib.empty())
+        scene.stdlib = krTools::dataFile("stdlib.krs");
+    scene.files.push_back(krTools::materialName(scene.material).file);
+    scene.files.push_back(scene.stdlib);
+    scene.files.insert(scene.files.end(), scene.libraries.begin(), scene.libraries.end());
+    return scene;
+}

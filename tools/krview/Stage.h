@@ -1,0 +1,54 @@
+#pragma once
+#include "Fountain.h"
+#include "Inputs.h"
+#include "MeshUpload.h"
+#include "ObjectGrid.h"
+#include "Overlays.h"
+#include "View.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+/// All that is drawn, and its drawing. A context is current as long as it lives.
+class Stage
+{
+public:
+    Stage();
+
+    /// Takes another scene, or the same one whose sources have changed. What is wrong with it is printed or thrown as an
+    /// InputError or a krTools::FileError; the stage then goes on with what it had.
+    /// @return  whether the stage has the scene now
+    bool load(const Scene& scene);
+
+    /// Draws a frame.
+    /// @param seconds  the moment that it shows
+    void draw(View& view, double seconds);
+
+    /// Whether each moment looks another way.
+    [[nodiscard]] bool isMoving() const noexcept { return fFountain.has_value(); }
+    /// What is on the stage, such as "phong on sphere".
+    [[nodiscard]] std::string description() const;
+    [[nodiscard]] const DrawProcedureList& overlays() const noexcept { return *fOverlays; }
+    /// The files that the scene came from, its pictures included.
+    [[nodiscard]] std::vector<std::string> files() const;
+    [[nodiscard]] const ObjectGrid& grid() const noexcept { return *fGrid; }
+    [[nodiscard]] const MeshUpload& upload() const noexcept { return fUpload; }
+
+private:
+    void buildGeometry(const Scene& scene);
+    void aim(View& view);
+    void drawBackground() const;
+    void drawObjects();
+
+    Scene fScene;
+    std::string fMaterialName;
+    std::unique_ptr<GlProgram> fProgram;
+    std::optional<Inputs> fInputs;
+    Geometry fGeometry;
+    std::optional<Fountain> fFountain;
+    std::optional<ObjectGrid> fGrid;
+    MeshUpload fUpload;
+    Camera fCamera;
+    Shared<DrawProcedureList> fOverlays = newOverlays();
+};

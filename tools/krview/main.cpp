@@ -1,0 +1,58 @@
+#include "GlWindow.h"
+#include "InputError.h"
+#include "Options.h"
+#include "Session.h"
+
+#include <common/ExitStatus.h>
+#include <common/Findings.h>
+#include <common/SourceReader.h>
+#include <common/UsageError.h>
+
+#include <new>
+
+namespace
+{
+
+void printError(const std::string& origin, const char* text)
+{
+    krTools::print(stderr, origin, krTools::Severity::Error, text);
+}
+
+int run(int argc, char** argv)
+{
+    const std::optional<Options> options = readOptions(argc, argv);
+    if (!options)
+        return krTools::kDone;
+    int status = krTools::kCannotRun;
+    krTools::runOnLargeStack([&] { status = showScene(*options); });
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try
+    {
+        return run(argc, argv);
+    }
+    catch (const krTools::UsageError& error)
+    {
+        printError("krview", error.what());
+        std::fputs("Try \"krview --help\".\n", stderr);
+    }
+    catch (const InputError& error)
+    {
+        printError(error.origin(), error.what());
+        return krTools::kInputHasErrors;
+    }
+    catch (const std::bad_alloc&)
+    {
+        printError("krview", "out of memory");
+    }
+    catch (const std::exception& error)
+    {
+        printError("krview", error.what());
+    }
+    return krTools::kCannotRun;
+}
