@@ -136,13 +136,14 @@ TEST(ConvertFromFloat, IsAThresholdAndNotAScale)
                         {2147483520.0f, 128},
                         {4294967296.f, 0},
                         {-1e30f, 0},
+                        {-4294967296.f, 255},
                         {infinity, 0},
                         {std::nanf(""), 0}};
     const krColorFormatRGBAFixed8 format;
     for (unsigned width = 1; width < 12; ++width) // whatever way each position is computed
         for (std::size_t shift = 0; shift < std::size(rows); ++shift)
         {
-            std::vector<float> src(4 * width);
+            std::vector<float> src(std::size_t{4} * width);
             for (std::size_t i = 0; i < src.size(); ++i)
                 src[i] = rows[(i + shift) % std::size(rows)].component;
             unsigned char* bytes = format.convertFromFloat(src.data(), 1, width, 1);
@@ -154,7 +155,7 @@ TEST(ConvertFromFloat, IsAThresholdAndNotAScale)
 
 TEST(ConvertFromFixed8, TakesTheMiddleOfEachStep)
 {
-    std::vector<unsigned char> src(4 * 3 * 5 * 7);
+    std::vector<unsigned char> src(std::size_t{4} * 3 * 5 * 7);
     for (std::size_t i = 0; i < src.size(); ++i)
         src[i] = static_cast<unsigned char>(i);
     const krColorFormatRGBAFloat format;

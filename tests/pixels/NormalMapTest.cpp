@@ -20,7 +20,7 @@ template <typename Format, typename Component>
 void expectSameAsPlain(const Format& format, const std::vector<Component>& image, unsigned w, unsigned h, float scale)
 {
     SCOPED_TRACE(testing::Message() << w << " x " << h << ", scale " << scale);
-    const std::size_t ahead = 4 * w; // room for what single rows and columns read
+    const std::size_t ahead = std::size_t{4} * w; // room for what single rows and columns read
     std::vector<Component> fast = image;
     std::vector<Component> exact = image;
     EXPECT_FALSE(format.convertToNormalMap(fast.data() + ahead, w, h, scale));
@@ -32,7 +32,7 @@ void expectSameAsPlain(const Format& format, const std::vector<Component>& image
 
 TEST(NormalMap, FlatBytesPointUpAndKeepTheLastColumn)
 {
-    Bytes image(4 * 3 * 3, 77);
+    Bytes image(36, 77);
     krColorFormatRGBAFixed8().convertToNormalMap(image.data(), 3, 3, 5.0f);
     const Bytes row = {127, 127, 255, 255, 127, 127, 255, 255, 77, 127, 255, 255};
     for (std::size_t y = 0; y < 3; ++y)
@@ -54,7 +54,7 @@ TEST(NormalMap, FloatFormMarksTheNextRowsFirstHeight)
 {
     // The first height of the second row is 0, but reads as 1 by the time that the row is converted: with its right and
     // lower neighbours at 1 it comes out flat.
-    Floats image(4 * 2 * 3, 1.0f);
+    Floats image(24, 1.0f);
     image[8] = 0.0f;
     krColorFormatRGBAFloat().convertToNormalMap(image.data(), 2, 3, 1.0f);
     const float slanted = (1.0f / std::sqrt(2.0f) + 1.0f) * 0.5f;

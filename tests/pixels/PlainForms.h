@@ -34,7 +34,7 @@ struct Range
 
 /// Every weight of every pixel anew, one sum after the other.
 template <typename Component>
-std::vector<Component> resize(const std::vector<Component>& src, Sizes s)
+std::vector<Component> resize(const Component* src, Sizes s)
 {
     std::vector<Component> dst(std::size_t{4} * s.dstW * s.dstH);
     Component* out = dst.data();

@@ -3,6 +3,10 @@
 #include <cstdint>
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace krPixels
 {
 
@@ -11,8 +15,6 @@ using Float4 = float __attribute__((vector_size(16)));
 using Int4 = std::int32_t __attribute__((vector_size(16)));
 using UInt4 = std::uint32_t __attribute__((vector_size(16)));
 using Double2 = double __attribute__((vector_size(16)));
-using Float2 = float __attribute__((vector_size(8)));
-using Int2 = std::int32_t __attribute__((vector_size(8)));
 
 /// Four doubles, in the two halves that registers hold everywhere.
 struct Double4
@@ -21,6 +23,12 @@ struct Double4
     {
         rg += other.rg;
         ba += other.ba;
+        return *this;
+    }
+    Double4& operator+=(double summand) noexcept
+    {
+        rg += summand;
+        ba += summand;
         return *this;
     }
     friend Double4 operator*(const Double4& x, double factor) noexcept { return {x.rg * factor, x.ba * factor}; }
@@ -43,20 +51,35 @@ inline void storeLanes(const Lanes& lanes, Component* components) noexcept
     std::memcpy(components, &lanes, sizeof lanes);
 }
 
-[[nodiscard]] inline Float4 squareRoots(const Float4& x) noexcept
-{
-#if defined(__SSE__)
-    return __builtin_ia32_sqrtps(x);
-#else
-    return Float4{std::sqrt(x[0]), std::sqrt(x[1]), std::sqrt(x[2]), std::sqrt(x[3])};
-#endif
-}
+// The compilers take conversions between lanes of different width apart unless they are told the instruction.
+#if defined(__SSE2__)
+
+[[nodiscard]] inline Float4 squareRoots(Float4 x) noexcept { return _mm_sqrt_ps(x); }
 
 /// Four floats as doubles.
-[[nodiscard]] inline Double4 loadWide(const float* components) noexcept
+[[nodiscard]] inline Double4 widened(Float4 x) noexcept { return {_mm_cvtps_pd(x), _mm_cvtps_pd(_mm_movehl_ps(x, x))}; }
+
+/// Four doubles rounded to floats.
+[[nodiscard]] inline Float4 rounded(const Double4& x) noexcept
 {
-    return {__builtin_convertvector(loadLanes<Float2>(components), Double2),
-            __builtin_convertvector(loadLanes<Float2>(components + 2), Double2)};
+    return _mm_movelh_ps(_mm_cvtpd_ps(x.rg), _mm_cvtpd_ps(x.ba));
 }
+
+#else
+
+[[nodiscard]] inline Float4 squareRoots(Float4 x) noexcept
+{
+    return Float4{std::sqrt(x[0]), std::sqrt(x[1]), std::sqrt(x[2]), std::sqrt(x[3])};
+}
+
+[[nodiscard]] inline Double4 widened(Float4 x) noexcept { return {Double2{x[0], x[1]}, Double2{x[2], x[3]}}; }
+
+[[nodiscard]] inline Float4 rounded(const Double4& x) noexcept
+{
+    const auto narrow = [](double y) { return static_cast<float>(y); };
+    return Float4{narrow(x.rg[0]), narrow(x.rg[1]), narrow(x.ba[0]), narrow(x.ba[1])};
+}
+
+#endif
 
 } // namespace krPixels

@@ -61,8 +61,8 @@ struct Coding<float>
         const Float4 x = (nx + 1.0f) * 0.5f;
         const Float4 y = (ny + 1.0f) * 0.5f;
         const Float4 z = (nz + 1.0f) * 0.5f;
-        for (int i = 0; i < 4; ++i)
-            storeLanes(Float4{x[i], y[i], z[i], kOpaque}, pixels + 4 * i);
+        for (int i = 0; i < 4; ++i, pixels += 4)
+            storeLanes(Float4{x[i], y[i], z[i], kOpaque}, pixels);
     }
 };
 

@@ -35,7 +35,12 @@ auto dispatch(const krSysPixelFormat& format, void* data, Routine routine)
 
 PixelArray2D::PixelArray2D(const krSysPixelFormat& f, unsigned w, unsigned h) : IPixelArray(f, w, h, 1) {}
 
-PixelArray2D::PixelArray2D(const PixelArray2D& o) : IPixelArray() { copy(o); }
+// The base starts empty: there is nothing of the other array that it could share.
+PixelArray2D::PixelArray2D(const PixelArray2D& o)
+    : IPixelArray() // NOLINT(readability-redundant-member-init): without it g++ warns
+{
+    copy(o);
+}
 
 PixelArray2D::~PixelArray2D() = default;
 

@@ -20,6 +20,7 @@ constexpr double kMargin = 1e-6;
 /// Up to this total weight, sums of bytes are exact in float; and averages that are not whole stay farther below the next
 /// level than the nudge can lift them.
 constexpr float kLargestFloatTotal = 65793.0f;
+constexpr float kLargestDirectTotal = 4000.0f;
 
 /// sums = (Add: sums +) weight * the sum of N rows.
 template <std::size_t N, bool Add>
@@ -61,6 +62,16 @@ void divide(const float* sums, const float* columnTotals, const float* inverses,
     }
 }
 
+/// The same where total weights are at most kLargestDirectTotal: averages then lie so far from the next level that half a
+/// unit of weight keeps them clear of rounding on both sides.
+void divideDirectly(const float* sums, const float* inverses, float rowTotal, std::size_t count,
+                    unsigned char* __restrict dst) noexcept
+{
+    const float inverse = 1.0f / rowTotal;
+    for (std::size_t i = 0; i < count; ++i)
+        dst[i] = static_cast<unsigned char>(static_cast<std::int32_t>((sums[i] + 0.5f) * (inverses[i] * inverse)));
+}
+
 class Fixed8Resizer
 {
 public:
@@ -93,7 +104,10 @@ public:
         if (row.total * fLeastTotal <= kLargestFloatTotal)
         {
             sumRuns();
-            divide(fRunSums.data(), fTotals.data(), fInverses.data(), row.total, fRunSums.size(), pixels);
+            if (row.total * fGreatestTotal <= kLargestDirectTotal)
+                divideDirectly(fRunSums.data(), fInverses.data(), row.total, fRunSums.size(), pixels);
+            else
+                divide(fRunSums.data(), fTotals.data(), fInverses.data(), row.total, fRunSums.size(), pixels);
         }
         if (row.total * fGreatestTotal > kLargestFloatTotal)
             averageInDouble(row, pixels, untold);
@@ -163,32 +177,34 @@ private:
                 continue;
             const float* pixel = sums + 4 * std::size_t{column.first};
             const float* last = sums + 4 * std::size_t{column.last};
-            Double4 sum = loadWide(pixel) * column.firstWeight;
+            Double4 sum = widened(loadLanes<Float4>(pixel)) * column.firstWeight;
             if (last != pixel)
             {
                 Double4 inner = {};
                 while ((pixel += 4) != last)
-                    inner += loadWide(pixel);
+                    inner += widened(loadLanes<Float4>(pixel));
                 sum += inner * column.innerWeight;
-                sum += loadWide(last) * column.lastWeight;
+                sum += widened(loadLanes<Float4>(last)) * column.lastWeight;
             }
             const double inverse = 1.0 / (static_cast<double>(column.total) * row.total);
-            const bool rgNear = storeLevels(sum.rg * inverse + kResizeNudge, dst + 4 * i);
-            const bool baNear = storeLevels(sum.ba * inverse + kResizeNudge, dst + 4 * i + 2);
-            if (rgNear || baNear)
+            Double4 average = sum * inverse;
+            average += kResizeNudge;
+            if (storeLevels(average, dst + 4 * i))
                 untold.push_back(i);
         }
     }
 
-    /// Truncates two averages.
+    /// Truncates averages.
     /// @return  whether one of them is too near to a level
-    static bool storeLevels(Double2 averages, unsigned char* levels) noexcept
+    static bool storeLevels(const Double4& averages, unsigned char* dst) noexcept
     {
-        const Int2 truncated = __builtin_convertvector(averages, Int2);
-        levels[0] = static_cast<unsigned char>(truncated[0]);
-        levels[1] = static_cast<unsigned char>(truncated[1]);
-        const Double2 fractions = averages - __builtin_convertvector(truncated, Double2);
-        const auto near = (fractions < kMargin) | (fractions > 1.0 - kMargin);
+        // Rounded to float an average near a level may pass it, but then it is one of those that are too near.
+        const Int4 levels = __builtin_convertvector(rounded(averages), Int4);
+        for (int k = 0; k < 4; ++k)
+            dst[k] = static_cast<unsigned char>(levels[k]);
+        const Double4 whole = widened(__builtin_convertvector(levels, Float4));
+        const auto isNear = [](Double2 fractions) { return (fractions < kMargin) | (fractions > 1.0 - kMargin); };
+        const auto near = isNear(averages.rg - whole.rg) | isNear(averages.ba - whole.ba);
         return (near[0] | near[1]) != 0;
     }
 

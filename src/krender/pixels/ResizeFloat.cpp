@@ -104,17 +104,17 @@ private:
         {
             watch.see(first);
             watch.see(first + toTouched);
-            Double4 sum = loadWide(first) * row.firstWeight;
+            Double4 sum = widened(loadLanes<Float4>(first)) * row.firstWeight;
             if (toLast != 0)
             {
                 const float* last = first + toLast;
                 for (const float* pixel = first + stride; pixel != last; pixel += stride)
                 {
                     watch.see(pixel);
-                    sum += loadWide(pixel);
+                    sum += widened(loadLanes<Float4>(pixel));
                 }
                 watch.see(last);
-                sum += loadWide(last) * row.lastWeight;
+                sum += widened(loadLanes<Float4>(last)) * row.lastWeight;
             }
             columnSum = sum;
             first += 4;
@@ -134,35 +134,18 @@ private:
                 sum += sums[c];
             sum += sums[column.last] * column.lastWeight;
         }
-        const Double4 average = sum * (rowInverse * column.inverse);
-        bool told = true;
-        const Float2 rg = rounded(average.rg, told);
-        const Float2 ba = rounded(average.ba, told);
+        Double4 average = sum * (rowInverse * column.inverse);
+        average += kResizeNudge;
+        const Float4 least = clamped(rounded(average * (1.0 - fTolerance)));
+        const Float4 greatest = clamped(rounded(average * (1.0 + fTolerance)));
         for (std::uint32_t n = 0; n < column.count; ++n, dst += 4)
-        {
-            storeLanes(rg, dst);
-            storeLanes(ba, dst + 2);
-        }
-        return told;
+            storeLanes(least, dst);
+        const Int4 same = least == greatest;
+        return (same[0] & same[1] & same[2] & same[3]) != 0;
     }
 
-    /// Averages nudged, rounded and clamped.
-    /// @param told  becomes false when an average rounds differently somewhere in the tolerance
-    Float2 rounded(Double2 averages, bool& told) const noexcept
-    {
-        averages += kResizeNudge;
-        const Float2 least = clamped(averages * (1.0 - fTolerance));
-        const Float2 greatest = clamped(averages * (1.0 + fTolerance));
-        const auto same = least == greatest;
-        told &= (same[0] & same[1]) != 0;
-        return least;
-    }
-
-    static Float2 clamped(Double2 averages) noexcept
-    {
-        const Float2 rounded = __builtin_convertvector(averages, Float2);
-        return rounded > 1.0f ? Float2{1.0f, 1.0f} : rounded;
-    }
+    /// At most 1; not-a-number stays, and so is never the same as itself.
+    static Float4 clamped(Float4 levels) noexcept { return levels > 1.0f ? Float4{1.0f, 1.0f, 1.0f, 1.0f} : levels; }
 
     const float* fSrc;
     std::size_t fSrcH;

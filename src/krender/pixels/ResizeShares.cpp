@@ -41,7 +41,9 @@ std::vector<ResizeShare> resizeShares(std::uint32_t srcSize, std::uint32_t dstSi
     {
         const std::int64_t low = std::max<std::int64_t>((2 * std::int64_t{i} - 1) * half, 0);
         const std::int64_t high = (2 * std::int64_t{i} + 1) * half;
-        const auto first = static_cast<std::uint32_t>(low / unit);
+        // The divisor is one of 2 * dstSize, so the unit is never 0.
+        const auto first =
+            static_cast<std::uint32_t>(low / unit); // NOLINT(clang-analyzer-core.UndefinedBinaryOperatorResult)
         const auto last = static_cast<std::uint32_t>((high - 1) / unit);
         if (!shares.empty() && extendRun(shares.back(), first, last))
             continue;
