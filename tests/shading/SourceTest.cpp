@@ -48,9 +48,9 @@ TEST_F(SourceFile, EndsInOneMoreByteThatIsNoBlank)
 
 TEST_F(SourceFile, MissingOrUnreadableIsReportedUnderOneName)
 {
-    for (const char* path : {"/nowhere/at/all.krs", testing::TempDir().c_str()})
+    for (const std::string& path : {std::string("/nowhere/at/all.krs"), testing::TempDir()})
     {
-        EXPECT_FALSE(fParser.parseFile(path, false)) << path;
+        EXPECT_FALSE(fParser.parseFile(path.c_str(), false)) << path;
         EXPECT_STREQ(fParser.errorString().asChar(), "Couldn't not find stdlib.krs file!\n");
         EXPECT_STREQ(fParser.errorString().asChar(), "");
     }
