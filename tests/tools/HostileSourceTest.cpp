@@ -99,7 +99,7 @@ TEST(LargeSources, AreReadInBoundedMemory)
     };
     const std::size_t small = peakOf(2);
     const std::size_t large = peakOf(12);
-    EXPECT_LT(large - small, std::size_t{10 * 1024 * 5}); // five bytes a byte of source
+    EXPECT_LT(large - small, std::size_t{5} * 10 * 1024); // five bytes a byte of source
 }
 
 TEST(LargeSources, OfTwoGigabytesAreRefusedUnread)

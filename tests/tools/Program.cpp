@@ -131,6 +131,7 @@ Outcome Workplace::krslc(const std::vector<std::string>& arguments, const Circum
     std::vector<std::string> words{KRSLC_PROGRAM};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
     for (std::string& word : words)
         argv.push_back(word.data());
     argv.push_back(nullptr);
