@@ -129,8 +129,9 @@ void printMemory()
     const std::size_t before = heapInUse();
     require(file.parse(), "the source was not read");
     const std::size_t functions = ShadingNodeSpec::fLibrary.size();
-    std::printf("memory: %zu bytes a token record; %zu bytes a registered function of %zu source bytes (%zu functions)\n",
-                sizeof(Token), (heapInUse() - before) / functions, source.size() / functions, functions);
+    std::printf(
+        "memory: %zu bytes a token record; %zu bytes a registered function of %zu source bytes (%zu functions)\n",
+        sizeof(Token), (heapInUse() - before) / functions, source.size() / functions, functions);
     ShadingNodeSpec::clearLibrary();
 }
 

@@ -371,7 +371,10 @@ std::uint64_t Tokenizer::pastNestedComment(std::uint64_t from, FileLocation& loc
     return from + 2;
 }
 
-std::uint64_t Tokenizer::searchForOneChar(std::uint64_t from, char target, FileLocation& location) const
+/// The index of the first match behind a place. Lines and columns are counted on the way, but not those of the match.
+/// @param matches  told a byte and the one behind it; a line break is asked about only when it is what is looked for
+template <class Matches>
+std::uint64_t Tokenizer::search(std::uint64_t from, bool forNewline, FileLocation& location, Matches matches) const
 {
     const char* const bytes = c_str();
     for (std::uint64_t i = from;;)
@@ -382,13 +385,13 @@ std::uint64_t Tokenizer::searchForOneChar(std::uint64_t from, char target, FileL
         if (c == '\n')
         {
             location = {location.line + 1, 1};
-            if (target == '\n')
+            if (forNewline)
                 return i;
             ++i;
         }
         else if (c == '/' && bytes[i + 1] == '/')
             i = pastNestedComment(i, location);
-        else if (c == target)
+        else if (matches(c, bytes[i + 1]))
             return i;
         else
         {
@@ -398,32 +401,17 @@ std::uint64_t Tokenizer::searchForOneChar(std::uint64_t from, char target, FileL
     }
 }
 
+std::uint64_t Tokenizer::searchForOneChar(std::uint64_t from, char target, FileLocation& location) const
+{
+    return search(from, target == '\n', location, [target](char c, char) { return c == target; });
+}
+
 std::uint64_t Tokenizer::searchForTwoChars(std::uint64_t from, char first, char second, FileLocation& location) const
 {
-    const char* const bytes = c_str();
-    for (std::uint64_t i = from;;)
-    {
-        if (i + 1 >= size())
-            throwSourceEnded();
-        const char c = bytes[i];
-        if (c == '\n')
-        {
-            location = {location.line + 1, 1};
-            ++i;
-        }
-        else if (c == '/' && bytes[i + 1] == '/')
-            i = pastNestedComment(i, location);
-        else if (c == first && bytes[i + 1] == second)
-        {
-            location.column += 2;
-            return i + 3;
-        }
-        else
-        {
-            ++location.column;
-            ++i;
-        }
-    }
+    const std::uint64_t found =
+        search(from, false, location, [first, second](char c, char next) { return c == first && next == second; });
+    location.column += 2;
+    return found + 3;
 }
 
 } // namespace krShadingDag

@@ -54,6 +54,9 @@ private:
     void processPair(Lexeme& lexeme, TokenType doubled, char c);
     void finish(Lexeme& lexeme, TokenType type, unsigned length);
 
+    template <class Matches>
+    [[nodiscard]] std::uint64_t search(std::uint64_t from, bool forNewline, FileLocation& location,
+                                       Matches matches) const;
     [[nodiscard]] std::uint64_t searchForOneChar(std::uint64_t from, char target, FileLocation& location) const;
     [[nodiscard]] std::uint64_t searchForTwoChars(std::uint64_t from, char first, char second,
                                                   FileLocation& location) const;
