@@ -372,7 +372,8 @@ std::uint64_t Tokenizer::pastNestedComment(std::uint64_t from, FileLocation& loc
 }
 
 /// The index of the first match behind a place. Lines and columns are counted on the way, but not those of the match.
-/// @param matches  told a byte and the one behind it; a line break is asked about only when it is what is looked for
+/// @param forNewline  whether a line break is what is looked for; a match is not asked for it
+/// @param matches     told a byte and the one behind it
 template <class Matches>
 std::uint64_t Tokenizer::search(std::uint64_t from, bool forNewline, FileLocation& location, Matches matches) const
 {
