@@ -200,12 +200,16 @@ TEST_F(SpecLibrary, CloneSortsInputsBeforeOutputs)
     source.addOutput(kFloat, "o", kFullRange);
     source.addInput(kFloat2, "i", kFullRange);
     source.constants().emplace_back(TypedConstant(1.0f));
+    source.setSecondName("h");
+    source.setHostFlag(true);
     ShadingNodeSpec copy(kGenerated);
     copy.addInput(kInt, "gone", kFullRange);
     copy.cloneFrom(source);
     EXPECT_STREQ(copy.functionHeaderString().asChar(), "g(\n\t\tconstant float2 i,\n\t\tout constant float o)\n");
     EXPECT_EQ(copy.nodeType(), kDefinition);
+    EXPECT_STREQ(copy.secondName().asChar(), "h");
     EXPECT_TRUE(copy.constants().empty()) << "constants stay each spec's own";
+    EXPECT_FALSE(copy.hostFlag()) << "as does the host's mark";
 }
 
 TEST_F(SpecLibrary, ManagersEndWithTheirSpec)

@@ -44,6 +44,10 @@ public:
     ~ShadingNodeSpec();
 
     [[nodiscard]] const krString::CString& name() const noexcept { return fName; }
+    /// A second name, for the host; copied along with the first, and filled by nothing here.
+    [[nodiscard]] const krString::CString& secondName() const noexcept { return fSecondName; }
+    /// A mark for the host; nothing here looks at it.
+    [[nodiscard]] bool hostFlag() const noexcept { return fHostFlag; }
     [[nodiscard]] const FunctionType& functionType() const noexcept { return fFunctionType; }
     [[nodiscard]] NodeType nodeType() const noexcept { return fNodeType; }
     /// Whether the body held an illuminance block when updateIlluminanceLoopFlag() last looked.
@@ -77,6 +81,8 @@ public:
     [[nodiscard]] bool matchArguments(const Arguments& candidates) const;
 
     void setName(const krString::CString& name) { fName = name; }
+    void setSecondName(const krString::CString& name) { fSecondName = name; }
+    void setHostFlag(bool flag) noexcept { fHostFlag = flag; }
     void setFunctionType(const FunctionType& type) noexcept { fFunctionType = type; }
     void setNodeType(NodeType nodeType) noexcept { fNodeType = nodeType; }
     /// Appends an input, which is an argument too. One whose name is taken is added as well, and then an Exception of
@@ -128,7 +134,7 @@ private:
     void appendOutput(const ShadingAttribute& attribute);
 
     krString::CString fName;
-    krString::CString fSecondName; ///< copied along with the name; nothing here fills it
+    krString::CString fSecondName;
     FunctionType fFunctionType;
     NodeType fNodeType;
     Attributes fInputs;
@@ -138,6 +144,7 @@ private:
     StatementCompound fBody;
     std::unique_ptr<IHWShaderManager> fShaderManager;
     bool fHasIlluminanceLoop = false;
+    bool fHostFlag = false;
 };
 
 } // namespace krShadingDag
