@@ -91,7 +91,7 @@ void limit(__rlimit_resource resource, rlim_t value)
 
 Workplace::Workplace()
 {
-    std::string name = (std::filesystem::temp_directory_path() / "krslc-test-XXXXXX").string();
+    std::string name = (std::filesystem::temp_directory_path() / "krender-test-XXXXXX").string();
     if (!::mkdtemp(name.data()))
         std::abort();
     fPath = name;
@@ -120,7 +120,8 @@ std::vector<std::string> Workplace::names() const
     return all;
 }
 
-Outcome Workplace::krslc(const std::vector<std::string>& arguments, const Circumstances& circumstances) const
+Outcome Workplace::run(const std::string& program, const std::vector<std::string>& arguments,
+                       const Circumstances& circumstances) const
 {
     PassingFile in;
     PassingFile out;
@@ -128,7 +129,7 @@ Outcome Workplace::krslc(const std::vector<std::string>& arguments, const Circum
     const Terminal terminal;
     in.fill(circumstances.input);
 
-    std::vector<std::string> words{KRSLC_PROGRAM};
+    std::vector<std::string> words{program};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
     argv.reserve(words.size() + 1);

@@ -42,9 +42,14 @@ public:
     /// The names of all that stands here, sorted.
     [[nodiscard]] std::vector<std::string> names() const;
 
-    /// Runs krslc here. A run that takes more than two minutes of processor time is ended.
+    /// Runs a program here. A run that takes more than two minutes of processor time is ended.
+    [[nodiscard]] Outcome run(const std::string& program, const std::vector<std::string>& arguments,
+                              const Circumstances& circumstances = {}) const;
     [[nodiscard]] Outcome krslc(const std::vector<std::string>& arguments,
-                                const Circumstances& circumstances = {}) const;
+                                const Circumstances& circumstances = {}) const
+    {
+        return run(KRSLC_PROGRAM, arguments, circumstances);
+    }
 
 private:
     std::filesystem::path fPath;

@@ -10,12 +10,16 @@
 namespace krTools
 {
 
-/// The library sources of a compilation, entered into the spec library, and where each function came from.
+/// The library sources of a compilation, entered into the spec library, and where each function came from. The spec
+/// library is emptied at the end; one object exists at a time.
 class Libraries
 {
 public:
     /// @param program  the name of the program, for messages without a place in a source
     explicit Libraries(std::string program) : fProgram(std::move(program)) {}
+    Libraries(const Libraries&) = delete;
+    Libraries& operator=(const Libraries&) = delete;
+    ~Libraries() { krShadingDag::ShadingNodeSpec::clearLibrary(); }
 
     /// Reads a file; its findings are kept. Throws a FileError when it cannot be read.
     void read(const std::string& path);

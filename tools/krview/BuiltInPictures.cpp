@@ -165,6 +165,7 @@ const std::vector<std::string>& builtInPictureNames()
     static const std::vector<std::string> kNames = []
     {
         std::vector<std::string> names;
+        names.reserve(kPictures.size());
         for (const NamedPicture& picture : kPictures)
             names.emplace_back(picture.name);
         return names;

@@ -2,8 +2,10 @@
 
 #include "ProgramOrigins.h"
 
+#include <algorithm>
 #include <map>
 #include <regex>
+#include <set>
 #include <sstream>
 
 using krTools::Severity;
@@ -69,22 +71,33 @@ std::size_t lineBegin(const krTools::Source& program, std::size_t line)
     return begin;
 }
 
+/// Prints what the driver says. Of what it says about one place the first tells it all: the rest follows from it, or is
+/// about the same code in the copy for another light.
 void report(const Material& material, const krTools::Source& program, const std::string& log)
 {
     std::map<const krTools::Source*, krTools::Findings> findings;
+    std::set<std::pair<const krTools::Source*, std::size_t>> places;
     for (const DriverMessage& message : driverMessages(log))
-        if (message.line == 0)
-            krTools::print(stderr, "krview", Severity::Error, program.name() + ": " + message.text);
-        else if (const auto origin = findOrigin(material, program, message.line))
-            findings[origin->source].error(origin->position, "the driver rejects " +
-                                                                 krTools::inQuotes(trimmedLine(program, message.line)) +
-                                                                 ": " + message.text);
-        else
-            findings[&program].error(lineBegin(program, message.line), message.text);
-    for (auto& [source, found] : findings)
     {
-        found.sort();
-        krTools::print(stderr, *source, found);
+        if (message.line == 0)
+        {
+            krTools::print(stderr, "krview", Severity::Error, program.name() + ": " + message.text);
+            continue;
+        }
+        const std::optional<Origin> found = findOrigin(material, program, message.line);
+        const Origin origin = found.value_or(Origin{&program, lineBegin(program, message.line)});
+        if (places.emplace(origin.source, origin.position).second)
+            findings[origin.source].error(
+                origin.position,
+                (found ? "the driver rejects " + krTools::inQuotes(trimmedLine(program, message.line)) + " in line " +
+                             std::to_string(message.line) + " of " + program.name() + ": "
+                       : "the driver rejects it: ") +
+                    message.text);
+    }
+    for (auto& [source, inSource] : findings)
+    {
+        inSource.sort();
+        krTools::print(stderr, *source, inSource);
     }
 }
 

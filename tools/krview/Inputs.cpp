@@ -55,9 +55,9 @@ struct NamedDefault
 
 /// What the inputs of lights mean is told by their names alone.
 constexpr std::array kLightDefaults{
-    NamedDefault{"position", {3, 4, 5, 1}}, NamedDefault{"direction", {1, 1.5, 2, 0}},
-    NamedDefault{"axis", {3, 4, 5, 0}},     NamedDefault{"decay", {0, 0, 0, 0}},
-    NamedDefault{"color", {1, 1, 1, 1}},    NamedDefault{"width", {0.3, 0.3, 0.3, 0.3}},
+    NamedDefault{"position", {3, 4, 5, 1}},      NamedDefault{"direction", {-0.8, 1.3, 1.7, 0}},
+    NamedDefault{"axis", {3, 4, 5, 0}},          NamedDefault{"decay", {0, 0, 0, 0}},
+    NamedDefault{"color", {0.9, 0.88, 0.82, 1}}, NamedDefault{"width", {0.3, 0.3, 0.3, 0.3}},
 };
 
 /// Materials are written to look well with numbers in the middle of 0 to 1 and bright colours.
@@ -78,7 +78,7 @@ std::vector<double> defaultNumbers(const ProgramInput& input)
     for (const NamedDefault& known : kLightDefaults)
         if (!input.lightName.empty() && endsWith(input.lightName, known.nameEnd))
             return {known.numbers.begin(), known.numbers.begin() + static_cast<std::ptrdiff_t>(count)};
-    return std::vector<double>(count, count < 3 ? 0.5 : 0.8);
+    return std::vector<double>(count, count < 3 ? 0.5 : 0.7);
 }
 
 /// The stream that a per-vertex input most likely stands for, told by its name and type; empty when none is.

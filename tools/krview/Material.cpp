@@ -6,9 +6,12 @@
 #include <common/MaterialReader.h>
 
 #include <krender/shadergen/GlslMaterialCompiler.h>
+#include <krender/shading/Statement.h>
 
 using krShadingDag::ShadingAttribute;
 using krShadingDag::ShadingNodeSpec;
+using krShadingDag::StatementCompound;
+using krShadingDag::StatementType;
 
 namespace
 {
@@ -27,12 +30,29 @@ krTools::Source programSource(const char* name, const krString::CString& text)
     return {name, std::string(kPreamble).append(text.view())};
 }
 
+std::size_t blockCount(const StatementCompound& statements)
+{
+    std::size_t count = 0;
+    for (unsigned i = 0; i < statements.size(); ++i)
+        count += (statements.statement(i)->type() == StatementType::Illuminance ? 1 : 0) +
+                 blockCount(statements.statement(i)->children());
+    return count;
+}
+
+/// Lights for a scene that names none. Each illuminance block declares the inputs of its lights, so that a material with
+/// several takes lights without inputs.
+std::vector<SceneLight> suitableLights(const StatementCompound& body)
+{
+    const SceneLight sky{"sky", "skyLight", "the light that comes with every scene"};
+    if (blockCount(body) > 1)
+        return {{"eye", "headLight", sky.asker}, sky};
+    return {{"sun", "directionalLight", sky.asker}, sky};
+}
+
 } // namespace
 
 std::unique_ptr<Material> Material::read(const Scene& scene)
 {
-    // The spec library is the process's: an earlier reading of the same sources must not show through.
-    ShadingNodeSpec::clearLibrary();
     std::unique_ptr<Material> material(new Material);
     material->fLibraries.read(scene.stdlib);
     for (const std::string& library : scene.libraries)
@@ -53,7 +73,7 @@ std::unique_ptr<Material> Material::read(const Scene& scene)
 bool Material::findLights(const Scene& scene)
 {
     bool ok = true;
-    for (const SceneLight& light : scene.lights)
+    for (const SceneLight& light : scene.lights ? *scene.lights : suitableLights(fSpec->body()))
     {
         const ShadingNodeSpec* spec = fLibraries.findLight(light.function, light.asker);
         ok &= spec != nullptr;

@@ -19,7 +19,7 @@ struct ProgramInput
     std::string lightName; ///< what the light itself calls it; empty for an input of the material
 };
 
-/// The sources of a scene's material and lights, and the programs made from them.
+/// The sources of a scene's material and lights, and the programs made from them. One object exists at a time.
 class Material
 {
 public:
@@ -51,7 +51,7 @@ private:
     krTools::Libraries fLibraries{"krview"};
     std::optional<krTools::Source> fSource;
     std::unique_ptr<krShadingDag::ShadingNodeSpec> fSpec;
-    std::vector<LightSpec> fLights; ///< of specs in the library, which goes with the next material that is read
+    std::vector<LightSpec> fLights;
     std::optional<krTools::Source> fVertexProgram;
     std::optional<krTools::Source> fFragmentProgram;
     std::vector<ProgramInput> fInputs;

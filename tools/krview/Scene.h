@@ -1,6 +1,7 @@
 #pragma once
 #include <array>
 #include <map>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -45,9 +46,8 @@ struct Scene
     std::string material; ///< FILE or FILE:NAME
     std::string stdlib;
     std::vector<std::string> libraries;
-    /// The lights have no inputs at first, so that they go with every material.
-    std::vector<SceneLight> lights{{"eye", "headLight", ""}, {"sky", "skyLight", ""}};
-    std::map<std::string, InputValue> inputs; ///< by the names of the uniforms and of the per-vertex inputs
+    std::optional<std::vector<SceneLight>> lights; ///< nothing: lights that suit the material
+    std::map<std::string, InputValue> inputs;      ///< by the names of the uniforms and of the per-vertex inputs
 
     Shape shape = Shape::Sphere;
     bool smooth = true;       ///< whether the facets of a shape get the normals of the surface that they stand for

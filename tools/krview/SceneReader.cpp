@@ -37,7 +37,7 @@ Shape shapeNamed(const std::string& name)
 /// A file that the scene names, whose place counts from the scene's own.
 std::string fileOf(const SceneValue& value, const std::string& name)
 {
-    const std::string path = (std::filesystem::path(value.file()).parent_path() / name).lexically_normal().string();
+    std::string path = (std::filesystem::path(value.file()).parent_path() / name).lexically_normal().string();
     std::error_code failure;
     if (!std::filesystem::is_regular_file(path, failure))
         value.fail("there is no file '" + path + "'");
@@ -86,12 +86,12 @@ void readLight(const SceneValue& value, Scene& scene)
         value.fail("a \"function\" is missing");
     if (!krTools::isName(light.key))
         value.fail("a \"key\" is missing, a name that tells the light from others");
-    for (const SceneLight& other : scene.lights)
+    for (const SceneLight& other : *scene.lights)
         if (other.key == light.key)
             value.fail("another light has the key " + inQuotes(light.key));
     for (auto& [name, input] : inputs)
         scene.inputs[light.key + name] = std::move(input);
-    scene.lights.push_back(light);
+    scene.lights->push_back(light);
 }
 
 void readView(const SceneValue& value, Scene& scene)
@@ -133,7 +133,7 @@ void readMembers(const SceneValue& file, Scene& scene)
         {"lights",
          [&](const SceneValue& v)
          {
-             scene.lights.clear();
+             scene.lights.emplace();
              v.forEachItem([&](const SceneValue& item) { readLight(item, scene); });
          }},
         {"shape",
@@ -259,14 +259,14 @@ void applyOptions(const Options& options, Scene& scene)
         scene.stdlib = options.stdlib;
     scene.libraries.insert(scene.libraries.end(), options.libraries.begin(), options.libraries.end());
     if (!options.lights.empty())
-        scene.lights.clear();
+        scene.lights.emplace();
     for (const std::string& option : options.lights)
     {
         const auto [key, function] = assignment("--light", option, "KEY=FUNCTION");
-        for (const SceneLight& other : scene.lights)
+        for (const SceneLight& other : *scene.lights)
             if (other.key == key)
                 throw UsageError("--light " + option + ": another light has this key, and their inputs would clash");
-        scene.lights.push_back({key, function, "--light " + option});
+        scene.lights->push_back({key, function, "--light " + option});
     }
     for (const std::string& option : options.settings)
     {

@@ -119,6 +119,7 @@ void SceneValue::readMembers(const std::map<std::string, Taker>& takers) const
             if (const auto found = takers.find(name); found != takers.end())
                 return found->second(value);
             std::vector<std::string> names;
+            names.reserve(takers.size());
             for (const auto& [known, taker] : takers)
                 names.push_back(known);
             fail("unknown key " + krTools::inQuotes(name) + krTools::didYouMean(name, names));

@@ -6,6 +6,7 @@
 std::vector<std::string> streamNames()
 {
     std::vector<std::string> names;
+    names.reserve(kStreamKinds.size());
     for (const StreamKind& kind : kStreamKinds)
         names.emplace_back(kind.name);
     return names;

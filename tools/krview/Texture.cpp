@@ -1,6 +1,7 @@
 #include "Texture.h"
 
 #include <array>
+#include <initializer_list>
 
 namespace
 {
@@ -9,12 +10,12 @@ constexpr std::array<GLenum, 5> kTargets{GLenum{0}, GL_TEXTURE_1D, GL_TEXTURE_2D
 
 } // namespace
 
-Texture::Texture(TextureType type) : fTarget(kTargets[type])
+Texture::Texture(TextureType type) : fTarget(kTargets[static_cast<std::size_t>(type)])
 {
     glGenTextures(1, &fId);
     Texture::bind();
     const GLint wrap = type == kTextureCubeMap ? GL_CLAMP_TO_EDGE : GL_REPEAT;
-    for (const GLenum axis : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_TEXTURE_WRAP_R})
+    for (const GLenum axis : std::initializer_list<GLenum>{GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_TEXTURE_WRAP_R})
         glTexParameteri(fTarget, axis, wrap);
     glTexParameteri(fTarget, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glTexParameteri(fTarget, GL_TEXTURE_MAG_FILTER, GL_LINEAR);

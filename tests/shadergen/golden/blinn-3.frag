@@ -91,7 +91,7 @@ void main()
 			// MATERIAL-SPECIFIC ILLUMINANCE COMPUTATION
 			float3 halfway = normalize(gLightWorldDir + toEye);
 			float facing = max(dot(normal, gLightWorldDir), 0.0);
-			float grazing = 1.0 - max(dot(halfway, toEye), 0.0);
+			float grazing = clamp(1.0 - dot(halfway, toEye), 0.0, 1.0);
 			float3 mirror = tint + (white - tint) * pow(grazing, 5.0);
 			diffuse += gLightAmbientColor + facing * gLightDiffuseColor;
 			specular += facing * pow(max(dot(normal, halfway), 0.0), shininess) * mirror * gLightSpecularColor;
@@ -136,7 +136,7 @@ void main()
 			// MATERIAL-SPECIFIC ILLUMINANCE COMPUTATION
 			float3 halfway = normalize(gLightWorldDir + toEye);
 			float facing = max(dot(normal, gLightWorldDir), 0.0);
-			float grazing = 1.0 - max(dot(halfway, toEye), 0.0);
+			float grazing = clamp(1.0 - dot(halfway, toEye), 0.0, 1.0);
 			float3 mirror = tint + (white - tint) * pow(grazing, 5.0);
 			diffuse += gLightAmbientColor + facing * gLightDiffuseColor;
 			specular += facing * pow(max(dot(normal, halfway), 0.0), shininess) * mirror * gLightSpecularColor;
@@ -186,7 +186,7 @@ void main()
 			// MATERIAL-SPECIFIC ILLUMINANCE COMPUTATION
 			float3 halfway = normalize(gLightWorldDir + toEye);
 			float facing = max(dot(normal, gLightWorldDir), 0.0);
-			float grazing = 1.0 - max(dot(halfway, toEye), 0.0);
+			float grazing = clamp(1.0 - dot(halfway, toEye), 0.0, 1.0);
 			float3 mirror = tint + (white - tint) * pow(grazing, 5.0);
 			diffuse += gLightAmbientColor + facing * gLightDiffuseColor;
 			specular += facing * pow(max(dot(normal, halfway), 0.0), shininess) * mirror * gLightSpecularColor;

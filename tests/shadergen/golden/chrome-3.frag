@@ -57,7 +57,7 @@ void main()
 	float3 normal = normalize(gWorldNormal);
 	float3 toEye = normalize(gEyePos.xyz - gWorldPos);
 	float3 mirrored = reflect(-toEye, normal);
-	float grazing = 1.0 - max(dot(normal, toEye), 0.0);
+	float grazing = clamp(1.0 - dot(normal, toEye), 0.0, 1.0);
 	float3 reflectance = tint + (float3(1.0, 1.0, 1.0) - tint) * pow(grazing, 5.0);
 	float3 color = (0.2 + 0.8 * clarity) * reflectance * textureCube(environment, mirrored).xyz;
 	{

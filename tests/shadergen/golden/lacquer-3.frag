@@ -49,7 +49,7 @@ void main()
 
 	float3 normal = normalize(gWorldNormal);
 	float3 toEye = normalize(gEyePos.xyz - gWorldPos);
-	float mirrored = 0.04 + 0.96 * pow(1.0 - max(dot(normal, toEye), 0.0), 5.0);
+	float mirrored = 0.04 + 0.96 * pow(clamp(1.0 - dot(normal, toEye), 0.0, 1.0), 5.0);
 	float3 below = float3(0.0, 0.0, 0.0);
 	{
 		// LIGHT-SPECIFIC INPUTS

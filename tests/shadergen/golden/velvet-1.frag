@@ -42,7 +42,7 @@ void main()
 
 	float3 normal = normalize(gWorldNormal);
 	float3 toEye = normalize(gEyePos.xyz - gWorldPos);
-	float grazing = 1.0 - max(dot(normal, toEye), 0.0);
+	float grazing = clamp(1.0 - dot(normal, toEye), 0.0, 1.0);
 	float sheen = pow(grazing, 1.0 + 5.0 * pile);
 	float3 color = float3(0.0, 0.0, 0.0);
 	{
