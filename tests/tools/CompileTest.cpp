@@ -414,7 +414,7 @@ TEST_F(FailingOutput, InPlaceOfADirectoryTouchesNothing)
 TEST_F(FailingOutput, WithoutTheRightToWriteTouchesNothing)
 {
     ::chmod(fPlace.path().c_str(), 0555);
-    const Outcome outcome = compile({"-o", "x"}, {.asNobody = ::geteuid() == 0});
+    const Outcome outcome = compile({"-o", "x"}, {.boundByModes = true});
     ::chmod(fPlace.path().c_str(), 0777);
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.err, "krslc: error: cannot write 'x.vert': Permission denied\n");

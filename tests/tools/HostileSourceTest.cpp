@@ -120,7 +120,7 @@ TEST(Sources, ThatCannotBeOpenedGetTheReason)
     const Workplace place;
     place.write("x.krs", "float f(float a);\n");
     ::chmod((place.path() / "x.krs").c_str(), 0);
-    const Outcome outcome = place.krslc({"check", "x.krs"}, {.asNobody = ::geteuid() == 0});
+    const Outcome outcome = place.krslc({"check", "x.krs"}, {.boundByModes = true});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.err, "krslc: error: cannot read 'x.krs': Permission denied\n");
 }

@@ -22,8 +22,8 @@ struct Circumstances
     std::optional<std::size_t> fileSizeLimit = {}; ///< in bytes, for all that it writes into files
     std::string standardOutput = {};               ///< a file to write to instead of Outcome::out
     std::vector<std::pair<std::string, std::string>> environment = {};
-    bool onTerminal = false; ///< what it prints as errors goes to a terminal
-    bool asNobody = false;   ///< without the rights of the super-user
+    bool onTerminal = false;   ///< what it prints as errors goes to a terminal
+    bool boundByModes = false; ///< files' modes count, for the super-user too
 };
 
 /// A directory of its own for a test, which is the programs' working directory and is gone afterwards.
