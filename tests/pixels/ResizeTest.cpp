@@ -1,5 +1,7 @@
 #include "PlainForms.h"
 
+#include <krender/pixels/Resize.h>
+#include <krender/pixels/ResizeFloatRows.h>
 #include <krender/pixels/krColorFormatRGBAFixed8.h>
 #include <krender/pixels/krColorFormatRGBAFloat.h>
 
@@ -45,11 +47,21 @@ template <typename Component>
 void expectSameAsPlain(const std::vector<Component>& src, Sizes s)
 {
     SCOPED_TRACE(testing::Message() << s.srcW << " x " << s.srcH << " to " << s.dstW << " x " << s.dstH);
-    const auto fast = resized(src, s);
+    auto fast = resized(src, s);
     const auto exact = plain::resize(src.data(), s);
     ASSERT_EQ(fast.size(), exact.size());
     for (std::size_t i = 0; i < fast.size(); ++i)
         ASSERT_PRED2([](auto a, auto b) { return sameBits(a, b); }, fast[i], exact[i]) << "component " << i;
+    if constexpr (std::is_same_v<Component, float>)
+        for (const bool wide : {false, true})
+        {
+            if (wide && !krPixels::hasWideRegisters())
+                continue;
+            krPixels::resize(src.data(), s.srcW, s.srcH, fast.data(), s.dstW, s.dstH, wide);
+            for (std::size_t i = 0; i < fast.size(); ++i)
+                ASSERT_PRED2([](float a, float b) { return sameBits(a, b); }, fast[i], exact[i])
+                    << "component " << i << (wide ? " in wide registers" : " in narrow registers");
+        }
 }
 
 /// Images of different character, byte and float.

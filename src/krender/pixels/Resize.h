@@ -8,6 +8,10 @@ namespace krPixels
 void resize(const unsigned char* src, unsigned srcW, unsigned srcH, unsigned char* dst, unsigned dstW, unsigned dstH);
 void resize(const float* src, unsigned srcW, unsigned srcH, float* dst, unsigned dstW, unsigned dstH);
 
+/// The resize of floats with the registers chosen; both kinds give the same bits.
+/// @param wide  for registers of four doubles, which the processor must have, and not of two
+void resize(const float* src, unsigned srcW, unsigned srcH, float* dst, unsigned dstW, unsigned dstH, bool wide);
+
 /// A resized copy in storage from the format's allocate; null when src is null, when there is no storage, when a size is
 /// 0 and when the size does not change.
 template <typename Component, typename Format>

@@ -1,0 +1,200 @@
+#include "ResizeFloatRows.h"
+
+#include "Lanes.h"
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
+namespace krPixels
+{
+
+namespace
+{
+
+/// Notes whether components are finite and none is negative.
+class Watch
+{
+public:
+    [[gnu::always_inline]] void see(const Float4& pixel) noexcept
+    {
+        const auto bits = loadLanes<UInt4>(&pixel);
+        fGreatest = bits > fGreatest ? bits : fGreatest;
+    }
+
+    [[nodiscard]] bool sawOrdinaryOnly() const noexcept
+    {
+        // As whole numbers infinity, not-a-numbers and all that have the sign bit follow after the other values.
+        constexpr std::uint32_t kInfinity = 0x7f800000;
+        return std::max({fGreatest[0], fGreatest[1], fGreatest[2], fGreatest[3]}) < kInfinity;
+    }
+
+private:
+    UInt4 fGreatest = {};
+};
+
+/// Four doubles in the registers that every processor has.
+struct NarrowDoubles
+{
+    Double4 lanes;
+
+    static void widen(Float4 x, NarrowDoubles& to) noexcept { to.lanes = widened(x); }
+    static void load(const double* from, NarrowDoubles& to) noexcept
+    {
+        to.lanes = {loadLanes<Double2>(from), loadLanes<Double2>(from + 2)};
+    }
+    static void store(const NarrowDoubles& x, double* to) noexcept { std::memcpy(to, &x, sizeof x); }
+    static void round(const NarrowDoubles& x, Float4& to) noexcept { to = rounded(x.lanes); }
+    void scale(double factor) noexcept { lanes = lanes * factor; }
+    void add(double summand) noexcept { lanes += summand; }
+    void add(const NarrowDoubles& other) noexcept { lanes += other.lanes; }
+};
+
+#if defined(__x86_64__)
+/// Four doubles in one register. They go in and out by reference only: how they are passed by value depends on the
+/// instructions that a function is compiled for.
+struct WideDoubles
+{
+    __m256d lanes;
+
+    [[gnu::target("avx2")]] static void widen(Float4 x, WideDoubles& to) noexcept { to.lanes = _mm256_cvtps_pd(x); }
+    [[gnu::target("avx2")]] static void load(const double* from, WideDoubles& to) noexcept
+    {
+        to.lanes = _mm256_loadu_pd(from);
+    }
+    [[gnu::target("avx2")]] static void store(const WideDoubles& x, double* to) noexcept
+    {
+        _mm256_storeu_pd(to, x.lanes);
+    }
+    [[gnu::target("avx2")]] static void round(const WideDoubles& x, Float4& to) noexcept
+    {
+        to = _mm256_cvtpd_ps(x.lanes);
+    }
+    [[gnu::always_inline]] void scale(double factor) noexcept { lanes *= factor; }
+    [[gnu::always_inline]] void add(double summand) noexcept { lanes += summand; }
+    [[gnu::always_inline]] void add(const WideDoubles& other) noexcept { lanes += other.lanes; }
+};
+#endif
+
+template <typename Doubles>
+[[gnu::always_inline]] inline bool addRowIn(FloatColumns& columns, const float* row, double weight)
+{
+    // The processor's own prefetching stops at the end of each page; without this one, memory and sums take turns.
+    constexpr std::size_t kAhead = 2048;
+    Watch watch;
+    double* sums = columns.sums.data();
+    for (const FloatRun& run : columns.runs)
+    {
+        const float* pixel = row + 4 * std::size_t{run.first};
+        const float* last = row + 4 * std::size_t{run.last};
+        __builtin_prefetch(pixel + kAhead);
+        const auto load = [&watch](const float* from, Doubles& to) __attribute__((always_inline))
+        {
+            const auto components = loadLanes<Float4>(from);
+            watch.see(components);
+            Doubles::widen(components, to);
+        };
+        Doubles sum;
+        Doubles value;
+        load(pixel, sum);
+        sum.scale(run.firstWeight);
+        if (pixel != last)
+        {
+            for (pixel += 4; pixel != last; pixel += 4)
+            {
+                load(pixel, value);
+                sum.add(value);
+            }
+            load(last, value);
+            value.scale(run.lastWeight);
+            sum.add(value);
+        }
+        sum.scale(weight);
+        Doubles::load(sums, value);
+        sum.add(value);
+        Doubles::store(sum, sums);
+        sums += 4;
+    }
+    if (columns.runs.back().touchesNext)
+        watch.see(loadLanes<Float4>(row + 4 * (std::size_t{columns.runs.back().last} + 1)));
+    return watch.sawOrdinaryOnly();
+}
+
+/// At most 1; not-a-number stays, and so is never the same as itself.
+[[gnu::always_inline]] inline void clamp(Float4& levels) noexcept
+{
+    levels = levels > 1.0f ? Float4{1.0f, 1.0f, 1.0f, 1.0f} : levels;
+}
+
+template <typename Doubles>
+[[gnu::always_inline]] inline void storeAveragesIn(const FloatColumns& columns, double rowInverse, float* dst,
+                                                   std::vector<std::size_t>& untold)
+{
+    const double* sums = columns.sums.data();
+    for (const FloatRun& run : columns.runs)
+    {
+        Doubles low;
+        Doubles::load(sums, low);
+        sums += 4;
+        low.scale(rowInverse * run.inverse);
+        low.add(kResizeNudge);
+        Doubles high = low;
+        low.scale(1.0 - columns.tolerance);
+        high.scale(1.0 + columns.tolerance);
+        Float4 least;
+        Float4 greatest;
+        Doubles::round(low, least);
+        Doubles::round(high, greatest);
+        clamp(least);
+        clamp(greatest);
+        for (std::uint32_t n = 0; n < run.count; ++n, dst += 4)
+            storeLanes(least, dst);
+        const Int4 same = least == greatest;
+        if ((same[0] & same[1] & same[2] & same[3]) == 0)
+            untold.push_back(static_cast<std::size_t>(&run - columns.runs.data()));
+    }
+}
+
+bool addRow(FloatColumns& columns, const float* row, double weight)
+{
+    return addRowIn<NarrowDoubles>(columns, row, weight);
+}
+
+void storeAverages(const FloatColumns& columns, double rowInverse, float* dst, std::vector<std::size_t>& untold)
+{
+    storeAveragesIn<NarrowDoubles>(columns, rowInverse, dst, untold);
+}
+
+#if defined(__x86_64__)
+[[gnu::target("avx2")]] bool addRowWide(FloatColumns& columns, const float* row, double weight)
+{
+    return addRowIn<WideDoubles>(columns, row, weight);
+}
+
+[[gnu::target("avx2")]] void storeAveragesWide(const FloatColumns& columns, double rowInverse, float* dst,
+                                               std::vector<std::size_t>& untold)
+{
+    storeAveragesIn<WideDoubles>(columns, rowInverse, dst, untold);
+}
+#endif
+
+} // namespace
+
+#if defined(__x86_64__)
+
+bool hasWideRegisters() noexcept { return __builtin_cpu_supports("avx2") != 0; }
+
+FloatRowSteps floatRowSteps(bool wide) noexcept
+{
+    return wide ? FloatRowSteps{addRowWide, storeAveragesWide} : FloatRowSteps{addRow, storeAverages};
+}
+
+#else
+
+bool hasWideRegisters() noexcept { return false; }
+
+FloatRowSteps floatRowSteps(bool /*wide*/) noexcept { return {addRow, storeAverages}; }
+
+#endif
+
+} // namespace krPixels
