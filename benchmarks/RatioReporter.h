@@ -23,6 +23,7 @@ public:
 
     void printRatios() const
     {
+        std::puts("");
         for (const auto& [group, forms] : fGroups)
             for (const auto& [own, ownTime] : forms)
                 if (isOwn(own))

@@ -115,8 +115,14 @@ void orderMany(const float* depths, std::uint32_t count, std::uint32_t* order)
 
 void orderByDepth(const float* depths, std::uint32_t count, std::uint32_t* order)
 {
-    if (std::is_sorted(depths, depths + count, [](float a, float b) { return keyOf(a) < keyOf(b); }))
+    // Both looks end at the first pair that is out of order.
+    const auto ascending = [](float a, float b) { return keyOf(a) < keyOf(b); };
+    const auto descending = [](float a, float b) { return keyOf(b) < keyOf(a); };
+    if (std::is_sorted(depths, depths + count, ascending))
         std::iota(order, order + count, 0u);
+    else if (std::is_sorted(depths, depths + count, descending))
+        for (std::uint32_t i = 0; i < count; ++i)
+            order[i] = count - 1 - i;
     else if (count <= kFew)
         orderFew(depths, count, order);
     else if (count <= 2048)

@@ -51,22 +51,20 @@ void AABoundingBox::transform(krLinear::AffineMatrix& matrix)
 {
     if (!isValid())
         return;
-    const PointFlt oldMin = fMin;
-    const PointFlt oldMax = fMax;
-    for (unsigned j = 0; j < 3; ++j)
-    {
-        double low = matrix(3, j);
-        double high = low;
-        for (unsigned i = 0; i < 3; ++i)
+    const double min[] = {fMin.x, fMin.y, fMin.z};
+    const double max[] = {fMax.x, fMax.y, fMax.z};
+    double low[] = {matrix(3, 0), matrix(3, 1), matrix(3, 2)};
+    double high[] = {low[0], low[1], low[2]};
+    for (unsigned i = 0; i < 3; ++i)
+        for (unsigned j = 0; j < 3; ++j)
         {
-            const double a = matrix(i, j) * oldMin.*kAxes[i];
-            const double b = matrix(i, j) * oldMax.*kAxes[i];
-            low += std::min(a, b);
-            high += std::max(a, b);
+            const double a = matrix(i, j) * min[i];
+            const double b = matrix(i, j) * max[i];
+            low[j] += std::min(a, b);
+            high[j] += std::max(a, b);
         }
-        fMin.*kAxes[j] = static_cast<float>(low);
-        fMax.*kAxes[j] = static_cast<float>(high);
-    }
+    fMin = PointFlt(low[0], low[1], low[2]);
+    fMax = PointFlt(high[0], high[1], high[2]);
 }
 
 void AABoundingBox::addPoint(const PointFlt& point)
