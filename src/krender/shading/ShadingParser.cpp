@@ -33,7 +33,7 @@ void ShadingParser::forgetFunction()
     fVariables.clear();
 }
 
-bool ShadingParser::parseFile(krString::CString path, bool)
+bool ShadingParser::parseFile(const krString::CString& path, bool)
 {
     reset();
     if (!fTokenizer.open(path))
@@ -157,7 +157,7 @@ krString::CString ShadingParser::originalString(const Token& first, const Token&
     return fTokenizer.stringify(first, last);
 }
 
-bool ShadingParser::retrieveVariable(krString::CString name, ShadingAttribute& out)
+bool ShadingParser::retrieveVariable(const krString::CString& name, ShadingAttribute& out)
 {
     for (const auto& [variable, attribute] : fVariables)
         if (krString::equal(variable, name))
@@ -168,7 +168,7 @@ bool ShadingParser::retrieveVariable(krString::CString name, ShadingAttribute& o
     return false;
 }
 
-bool ShadingParser::assignVariable(krString::CString name, ShadingAttribute attribute)
+bool ShadingParser::assignVariable(const krString::CString& name, const ShadingAttribute& attribute)
 {
     for (auto& [variable, held] : fVariables)
         if (krString::equal(variable, name) && held.dataType() == attribute.dataType())

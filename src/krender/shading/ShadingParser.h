@@ -29,7 +29,7 @@ public:
     /// entered before stays.
     /// @param flag  accepted and ignored
     /// @return  whether the file was read to its end; a message in errorString() alone is no failure
-    bool parseFile(krString::CString path, bool flag);
+    bool parseFile(const krString::CString& path, bool flag);
     /// Reads one function from a text and keeps it out of the library; what follows it is not read.
     /// @param spec  gets the function, which the caller then owns; untouched on failure
     bool parseString(const krString::CString& code, ShadingNodeSpec** spec);
@@ -69,10 +69,10 @@ public:
     bool parseOpaqueStatement(StatementCompound& block);
 
     /// Copies the first variable of that name into `out`; false when there is none.
-    bool retrieveVariable(krString::CString name, ShadingAttribute& out);
+    bool retrieveVariable(const krString::CString& name, ShadingAttribute& out);
     /// Overwrites the first variable of that name and of the attribute's type; false, and nothing is added, when there
     /// is none.
-    bool assignVariable(krString::CString name, ShadingAttribute attribute);
+    bool assignVariable(const krString::CString& name, const ShadingAttribute& attribute);
 
 private:
     const Token& peek(unsigned n);
