@@ -118,7 +118,7 @@ private:
 
     Token consume()
     {
-        const Token front = ahead(0);
+        Token front = ahead(0);
         if (front.type != TokenType::EndOfStream)
             fQueue.pop_front();
         return front;
