@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
 
 using krShadingDag::TypedConstant;
 
@@ -96,7 +97,7 @@ TEST(TypedConstant, StringConstructorLeavesTheInstanceCounterAlone)
     const std::int32_t before = TypedConstant::fsNumInstances_TypedConstant;
     {
         const TypedConstant number(1.0f);
-        const TypedConstant copy(number);
+        const auto copy = std::make_unique<TypedConstant>(number);
         EXPECT_EQ(TypedConstant::fsNumInstances_TypedConstant, before + 2);
         const TypedConstant text("x");
         EXPECT_EQ(TypedConstant::fsNumInstances_TypedConstant, before + 2);
