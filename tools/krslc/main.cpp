@@ -20,6 +20,15 @@ namespace
 /// What is left to do once the command line is understood.
 using Command = std::function<int()>;
 
+/// Empties the spec library when the work is done, while the stack is still large: the trees in it may be deep.
+struct SpecLibraryEnd
+{
+    SpecLibraryEnd() = default;
+    SpecLibraryEnd(const SpecLibraryEnd&) = delete;
+    SpecLibraryEnd& operator=(const SpecLibraryEnd&) = delete;
+    ~SpecLibraryEnd() { krShadingDag::ShadingNodeSpec::clearLibrary(); }
+};
+
 int printText(const std::string& text)
 {
     krTools::StandardOutput output;
@@ -156,7 +165,12 @@ int run(int argc, char** argv)
         throw krTools::UsageError(error.what());
     }
     int status = krTools::kCannotRun;
-    krTools::runOnLargeStack([&] { status = command(); });
+    krTools::runOnLargeStack(
+        [&]
+        {
+            const SpecLibraryEnd end;
+            status = command();
+        });
     return status;
 }
 
