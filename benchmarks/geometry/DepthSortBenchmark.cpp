@@ -21,7 +21,7 @@ namespace
 {
 
 using krLinear::ProjMatrix;
-using Order = std::vector<unsigned int>;
+using Order = std::vector<unsigned>;
 
 /// Fills an order for points under a matrix.
 using Sort = void (*)(const ProjMatrix& m, const std::vector<float>& positions, Order& order);
@@ -43,7 +43,7 @@ std::vector<float> depthsOf(const ProjMatrix& m, const std::vector<float>& posit
 
 void sortOurs(const ProjMatrix& m, const std::vector<float>& positions, Order& order)
 {
-    DepthSorter::sortByDepth(m, order.data(), static_cast<unsigned int>(order.size()), positions.data(), nullptr, 0);
+    DepthSorter::sortByDepth(m, order.data(), static_cast<unsigned>(order.size()), positions.data(), nullptr, 0);
 }
 
 void sortQsort(const ProjMatrix& m, const std::vector<float>& positions, Order& order)
@@ -59,7 +59,7 @@ void sortStd(const ProjMatrix& m, const std::vector<float>& positions, Order& or
 {
     const std::vector<float> depths = depthsOf(m, positions);
     std::iota(order.begin(), order.end(), 0u);
-    std::sort(order.begin(), order.end(), [&](unsigned int a, unsigned int b) { return depths[a] < depths[b]; });
+    std::sort(order.begin(), order.end(), [&](unsigned a, unsigned b) { return depths[a] < depths[b]; });
 }
 
 /// Depth and place in one word that orders as an integer, for the sorts that move whole words.
@@ -77,8 +77,7 @@ std::vector<std::uint64_t> packed(const ProjMatrix& m, const std::vector<float>&
 
 void unpack(const std::vector<std::uint64_t>& words, Order& order)
 {
-    std::transform(words.begin(), words.end(), order.begin(),
-                   [](auto word) { return static_cast<unsigned int>(word); });
+    std::transform(words.begin(), words.end(), order.begin(), [](auto word) { return static_cast<unsigned>(word); });
 }
 
 void sortStdPacked(const ProjMatrix& m, const std::vector<float>& positions, Order& order)
@@ -154,7 +153,7 @@ void check(const Workload& workload, const Sorter& sorter)
     Order order(depths.size());
     sortQsort(workload.m, workload.positions, reference);
     sorter.sort(workload.m, workload.positions, order);
-    const auto sameDepth = [&](unsigned int a, unsigned int b) { return depths[a] == depths[b]; };
+    const auto sameDepth = [&](unsigned a, unsigned b) { return depths[a] == depths[b]; };
     if (std::equal(order.begin(), order.end(), reference.begin(), sameDepth))
         return;
     std::fprintf(stderr, "%s: wrong order of %s\n", sorter.name, workload.name.c_str());

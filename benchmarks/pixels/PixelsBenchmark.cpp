@@ -20,7 +20,7 @@ namespace
 using plain::Sizes;
 
 /// What a component type goes with in the library and in its peers.
-template <typename Component>
+template <class Component>
 struct Kind;
 
 template <>
@@ -50,7 +50,7 @@ struct Kind<float>
 };
 
 /// A random image in storage of the library, as every large image of a host is.
-template <typename Component>
+template <class Component>
 std::shared_ptr<Component> randomImage(unsigned w, unsigned h)
 {
     const std::shared_ptr<Component> image(
@@ -83,7 +83,7 @@ void add(const std::string& name, const std::function<void()>& run)
 }
 
 /// Every run makes a new image and gives it back; all forms read from the same memory.
-template <typename Component>
+template <class Component>
 void addResize(Sizes s)
 {
     using Format = typename Kind<Component>::Format;
@@ -124,7 +124,7 @@ void addResize(Sizes s)
         [resizeOnce] { resizeOnce([](const Component* pixels) { benchmark::DoNotOptimize(pixels); }); });
 }
 
-template <typename Component>
+template <class Component>
 void addNormalMap(unsigned size)
 {
     using Format = typename Kind<Component>::Format;
@@ -140,7 +140,7 @@ void addNormalMap(unsigned size)
 }
 
 /// @param convert  makes a new image of size x size pixels
-template <typename From, typename To, typename Convert>
+template <class From, class To, class Convert>
 void addConversion(const std::string& name, unsigned size, Convert convert)
 {
     const auto src = randomImage<From>(size, size);

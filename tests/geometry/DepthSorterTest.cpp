@@ -17,7 +17,7 @@ namespace
 {
 
 using Depths = std::vector<float>;
-using Order = std::vector<unsigned int>;
+using Order = std::vector<unsigned>;
 
 /// Sizes on both sides of every change of method.
 constexpr std::size_t kSizes[] = {1, 2, 3, 17, 512, 513, 2048, 2049, 300000};
@@ -42,9 +42,9 @@ std::vector<float> pointsAt(const Depths& depths)
 Order sorted(const ProjMatrix& m, const std::vector<float>& positions, const Order& filter = {})
 {
     Order order(filter.empty() ? positions.size() / 3 : filter.size());
-    EXPECT_TRUE(DepthSorter::sortByDepth(m, order.data(), static_cast<unsigned int>(positions.size() / 3),
-                                         positions.data(), filter.empty() ? nullptr : filter.data(),
-                                         static_cast<unsigned int>(filter.size())));
+    EXPECT_TRUE(DepthSorter::sortByDepth(m, order.data(), static_cast<unsigned>(positions.size() / 3), positions.data(),
+                                         filter.empty() ? nullptr : filter.data(),
+                                         static_cast<unsigned>(filter.size())));
     EXPECT_EQ(DepthSorter::fsPositionXformZ, nullptr);
     return order;
 }
@@ -87,9 +87,9 @@ TEST(DepthSorter, PutsTheMostNegativeFirst)
 TEST(DepthSorter, AnswersWithoutWorkWhereThereIsNone)
 {
     const float position[] = {0, 0, 0};
-    const unsigned int filter = 0;
-    unsigned int order = 77;
-    const auto sort = [&](unsigned int count, const float* points, const unsigned int* numbers, unsigned int n)
+    const unsigned filter = 0;
+    unsigned order = 77;
+    const auto sort = [&](unsigned count, const float* points, const unsigned* numbers, unsigned n)
     { return DepthSorter::sortByDepth(ProjMatrix(1.0), &order, count, points, numbers, n); };
     EXPECT_TRUE(sort(0, position, nullptr, 0));
     EXPECT_TRUE(sort(0, position, &filter, 1));
@@ -148,7 +148,7 @@ TEST(DepthSorter, TransformsDepthsExactlyAsTheMatrixDoes)
 
         Order filter;
         while (filter.size() <= n / 2)
-            filter.push_back(static_cast<unsigned int>(random() % n));
+            filter.push_back(static_cast<unsigned>(random() % n));
         expectSorted(sorted(m, positions, filter),
                      makeDepths(filter.size(), [&](std::size_t i) { return depthOf(filter[i]); }));
     }
@@ -172,7 +172,7 @@ TEST(DepthSorter, SurvivesNaN)
                                        { return i % 5 == 1 ? (i % 2 ? NAN : -NAN) : static_cast<double>(random()); });
         Order order = sorted(ProjMatrix(1.0), pointsAt(depths));
         expectEachPlaceOnce(order);
-        std::erase_if(order, [&](unsigned int place) { return std::isnan(depths[place]); });
+        std::erase_if(order, [&](unsigned place) { return std::isnan(depths[place]); });
         EXPECT_TRUE(std::is_sorted(order.begin(), order.end(), [&](auto a, auto b) { return depths[a] < depths[b]; }))
             << "the numbers are in order all the same";
     }

@@ -46,11 +46,11 @@ inline GeometryData* newStream(GeometryData::DataType type, GeometryData::Elemen
                                std::initializer_list<float> values)
 {
     return new GeometryData("", type, GeometryData::float32, components,
-                            static_cast<unsigned int>(values.size()) / components, newArray(values), true, false);
+                            static_cast<unsigned>(values.size()) / components, newArray(values), true, false);
 }
 
 /// A list that claims to have `count` indices.
-inline GeometryDataIndex* newList(GeometryDataIndex::DrawPrimitiveType type, unsigned int count,
+inline GeometryDataIndex* newList(GeometryDataIndex::DrawPrimitiveType type, unsigned count,
                                   const std::vector<const GeometryData*>& streams = {})
 {
     return new GeometryDataIndex(type, count, streams, nullptr, nullptr, nullptr);

@@ -27,8 +27,8 @@ GeometryData* newEmpty(GeometryData::DataType type, const char* name, int setInd
 
 GeometryData* newTransparency(const char* name, std::initializer_list<std::int16_t> values)
 {
-    return new GeometryData(name, GeometryData::userData, GeometryData::int16, 1,
-                            static_cast<unsigned int>(values.size()), newArray(values), true, false);
+    return new GeometryData(name, GeometryData::userData, GeometryData::int16, 1, static_cast<unsigned>(values.size()),
+                            newArray(values), true, false);
 }
 
 } // namespace
@@ -183,7 +183,7 @@ TEST(Geometry, FindsMasksAndCorrectionsOfTheirSetInAnyGroup)
     geometry->append("first", {newEmpty(GeometryData::colorPerVertexMask, "", 0, true)}, {});
     geometry->append("second", {newEmpty(GeometryData::colorPerVertexMask, "", 1, false)}, {});
     geometry->append("third", {newEmpty(GeometryData::tangentSpaceCorrection, "", 2, false)}, {});
-    for (const unsigned int set : {0u, 1u, 2u}) // that of set 0 is secondary and not looked at
+    for (const unsigned set : {0u, 1u, 2u}) // that of set 0 is secondary and not looked at
         EXPECT_TRUE(geometry->hasColorPerVertexMask(set) == (set == 1) &&
                     geometry->hasTangentSpaceCorrection(set) == (set == 2));
 }

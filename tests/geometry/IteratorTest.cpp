@@ -14,10 +14,10 @@ namespace
 /// Streams, which it adopts, under one list of 64-bit entries, as the iterator reads them.
 struct Walked
 {
-    Walked(std::initializer_list<unsigned int> entries, const std::vector<const GeometryData*>& streams)
+    Walked(std::initializer_list<unsigned> entries, const std::vector<const GeometryData*>& streams)
         : group(nullptr, streams, {})
     {
-        const auto count = static_cast<unsigned int>(entries.size());
+        const auto count = static_cast<unsigned>(entries.size());
         const Held<GeometryDataIndex> narrow(
             new GeometryDataIndex(GeometryDataIndex::points, count, newArray(entries)));
         list = new GeometryDataIndex(GeometryDataIndex::points, count, streams, narrow->widenedIndices().release(),
@@ -122,7 +122,7 @@ TEST(GeometryDataIterator, ChoosesSlotsByTextureSet)
                          newMarked(GeometryData::tangent, 30, 0), newMarked(GeometryData::tangent, 40, 1)});
     // The sets, then first and second texture coordinate and tangent.
     using Values = std::array<float, 4>;
-    const std::tuple<const char*, std::vector<unsigned int>, Values> cases[] = {
+    const std::tuple<const char*, std::vector<unsigned>, Values> cases[] = {
         {"no sets: the last stream fills both", {}, {20, 20, 40, 40}},
         {"in order", {0, 1}, {20, 10, 30, 40}},
         {"crossed", {1, 0}, {10, 20, 40, 30}},

@@ -12,17 +12,17 @@ namespace
 {
 
 /// A stream whose i-th element is `base` + i in every component.
-GeometryData* newNumbered(float base, unsigned int elements, unsigned int components, const char* name)
+GeometryData* newNumbered(float base, unsigned elements, unsigned components, const char* name)
 {
     auto values = std::make_unique_for_overwrite<float[]>(std::size_t{elements} * components);
-    for (unsigned int i = 0; i < elements; ++i)
+    for (unsigned i = 0; i < elements; ++i)
         std::fill_n(&values[std::size_t{i} * components], components, base + static_cast<float>(i));
     return new GeometryData(name, GeometryData::vertex, GeometryData::float32, components, elements, values.release(),
                             true, false);
 }
 
 /// Particles that hold the only references on their streams, with the optional ones that are named: n, c, a.
-Held<ParticleData> makeParticles(ParticleData::ParticleType type, GeometryData* positions, unsigned int velocityCount,
+Held<ParticleData> makeParticles(ParticleData::ParticleType type, GeometryData* positions, unsigned velocityCount,
                                  std::string_view optional = "")
 {
     const Held<GeometryData> heldPositions(positions);
@@ -36,9 +36,9 @@ Held<ParticleData> makeParticles(ParticleData::ParticleType type, GeometryData* 
                                                given('c', colors), given('a', alpha)));
 }
 
-std::vector<unsigned int> indicesOf(ParticleDataIterator iterator)
+std::vector<unsigned> indicesOf(ParticleDataIterator iterator)
 {
-    std::vector<unsigned int> result;
+    std::vector<unsigned> result;
     for (; !iterator.isDone(); iterator.next())
         result.push_back(iterator.index());
     return result;
@@ -83,7 +83,7 @@ TEST(ParticleData, NumbersTheStreamsThatAreGiven)
         EXPECT_EQ(particles->colorStream(), color);
         EXPECT_EQ(particles->alphaStream(), alpha);
         EXPECT_EQ(particles->getDataIndex("velocity"), 1u);
-        EXPECT_EQ(particles->getDataIndex("alpha"), alpha < 0 ? 0xFFFFFFFFu : static_cast<unsigned int>(alpha));
+        EXPECT_EQ(particles->getDataIndex("alpha"), alpha < 0 ? 0xFFFFFFFFu : static_cast<unsigned>(alpha));
 
         ParticleDataIterator iterator(*particles, nullptr, 0);
         iterator.next();
@@ -100,7 +100,7 @@ TEST(ParticleData, NumbersTheStreamsThatAreGiven)
 
 TEST(ParticleData, SortsAllParticlesOrThoseOfAFilter)
 {
-    using Order = std::vector<unsigned int>;
+    using Order = std::vector<unsigned>;
     const auto particles = makeParticles(
         ParticleData::single, newStream(GeometryData::vertex, 3, {0, 0, -5, 0, 0, -1, 0, 0, -3, 0, 0, -4}), 4);
     const auto walk = [&particles]
@@ -135,7 +135,7 @@ TEST(ParticleDataIterator, CountsByTypeAndFilter)
         {ParticleData::trail, false, 7, 106},        {ParticleData::trail, true, 3, 102},
         {ParticleData::cluster, false, 3, 104},      {ParticleData::cluster, true, 3, 104},
         {ParticleData::trailCluster, false, 3, 104}, {ParticleData::trailCluster, true, 3, 104}};
-    const unsigned int filter[] = {5, 0, 2};
+    const unsigned filter[] = {5, 0, 2};
     for (const auto& [type, filtered, count, lastPosition] : cases)
     {
         const auto particles = makeParticles(type, newNumbered(100, 7, 3, "position"), 3);

@@ -18,7 +18,7 @@ namespace
 {
 
 using Create = void (Geometry::*)(float, float, float, float);
-using Entries = std::vector<unsigned int>;
+using Entries = std::vector<unsigned>;
 
 constexpr double kNear = 1e-6;
 
@@ -30,7 +30,7 @@ Vector cross(const Vector& a, const Vector& b)
 }
 
 /// The components of one element; those that the stream has not are 0.
-std::array<double, 4> element(const GeometryData& stream, unsigned int i)
+std::array<double, 4> element(const GeometryData& stream, unsigned i)
 {
     std::array<double, 4> result{};
     std::copy_n(static_cast<const float*>(stream.data()) + std::size_t{stream.elementSize()} * i, stream.elementSize(),
@@ -38,7 +38,7 @@ std::array<double, 4> element(const GeometryData& stream, unsigned int i)
     return result;
 }
 
-Vector vector(const GeometryData& stream, unsigned int i)
+Vector vector(const GeometryData& stream, unsigned i)
 {
     const auto values = element(stream, i);
     return {values[0], values[1], values[2]};
@@ -64,7 +64,7 @@ std::vector<Face> facesOf(const Geometry& geometry)
     {
         const GeometryDataIndex& positions = *group->indices()[0];
         const GeometryDataIndex& normals = *group->indices()[group->indices().size() == 1 ? 0 : 1];
-        for (unsigned int i = 0; i < positions.count(); ++i)
+        for (unsigned i = 0; i < positions.count(); ++i)
         {
             if (i % (positions.primitiveType() == GeometryDataIndex::quads ? 4 : 3) == 0)
                 faces.emplace_back();
@@ -160,7 +160,7 @@ TEST(Shapes, ListsRunInTheirOwnOrders)
     for (const auto& [create, group, list, start, entries] : cases)
     {
         const auto geometry = make(create);
-        const unsigned int* first = geometry->groups()[group]->indices()[list]->indices() + start;
+        const unsigned* first = geometry->groups()[group]->indices()[list]->indices() + start;
         EXPECT_EQ(Entries(first, first + entries.size()), entries) << "list " << list << " of group " << group;
     }
 }
@@ -170,7 +170,7 @@ TEST(Shapes, FlatStreamsFollowTheirCorners)
     const auto cube = make(&Geometry::createCube);
     const auto& streams = cube->groups()[0]->data();
     using Values = std::array<double, 4>;
-    for (unsigned int i = 0; i < 8; ++i)
+    for (unsigned i = 0; i < 8; ++i)
     {
         const Vector position = vector(*streams[0], i);
         EXPECT_GT(dot(vector(*streams[1], i), position - Vector(0.5, 0.5, 0.5)), 0.86) << "normals look outwards";
@@ -179,7 +179,7 @@ TEST(Shapes, FlatStreamsFollowTheirCorners)
     }
     const auto cylinder = make(&Geometry::createCylinder);
     const GeometryData& textureCoords = *cylinder->groups()[0]->data()[2];
-    for (unsigned int i = 1; i < 23; ++i)
+    for (unsigned i = 1; i < 23; ++i)
         EXPECT_NEAR(element(textureCoords, i)[0], (i - 1) % 11 / 10.0, kNear);
     for (const auto& [i, distance] : {std::pair(0u, 0.0), {1u, 1.0}, {11u, 1.0}, {12u, 3.0}, {23u, 4.0}})
         EXPECT_NEAR(element(textureCoords, i)[1] * 2.0 * std::numbers::pi, distance, kNear);
@@ -189,7 +189,7 @@ TEST(Shapes, SphereCornersLieWhereTheirTextureCoordinatesSay)
 {
     const auto sphere = make(&Geometry::createSphere);
     const auto& streams = sphere->groups()[0]->data();
-    for (unsigned int i = 0; i < streams[0]->count(); ++i)
+    for (unsigned i = 0; i < streams[0]->count(); ++i)
     {
         const auto uv = element(*streams[2], i);
         const double latitude = (uv[1] - 0.5) * std::numbers::pi;

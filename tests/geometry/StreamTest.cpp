@@ -57,7 +57,7 @@ TEST(GeometryDataIndex, DeletesOnlyWhatItOwns)
 {
     int hangers = 0;
     Hanger own(hangers);
-    const std::unique_ptr<unsigned int[]> indices(newArray({0u, 1u}));
+    const std::unique_ptr<unsigned[]> indices(newArray({0u, 1u}));
     {
         const Held<GeometryDataIndex> list(new GeometryDataIndex(GeometryDataIndex::lines, 2, indices.get()));
         list->setHanger(new Hanger(hangers));

@@ -32,7 +32,7 @@ private:
 };
 
 /// Calls check on each colour of a grid over the unit cube.
-template <typename Check>
+template <class Check>
 void forGrid(Check check)
 {
     for (int r = 0; r <= 10; ++r)

@@ -16,7 +16,7 @@ namespace
 using Bytes = std::vector<unsigned char>;
 using Floats = std::vector<float>;
 
-template <typename Format, typename Component>
+template <class Format, class Component>
 void expectSameAsPlain(const Format& format, const std::vector<Component>& image, unsigned w, unsigned h, float scale)
 {
     SCOPED_TRACE(testing::Message() << w << " x " << h << ", scale " << scale);

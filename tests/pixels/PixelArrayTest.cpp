@@ -19,7 +19,7 @@ namespace
 using Bytes = std::vector<unsigned char>;
 
 /// A format of a chosen pixel type that counts the images that it has handed out and taken back.
-template <typename Format>
+template <class Format>
 class Counting : public Format
 {
 public:

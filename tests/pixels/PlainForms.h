@@ -33,7 +33,7 @@ struct Range
 };
 
 /// Every weight of every pixel anew, one sum after the other.
-template <typename Component>
+template <class Component>
 std::vector<Component> resize(const Component* src, Sizes s)
 {
     std::vector<Component> dst(std::size_t{4} * s.dstW * s.dstH);
@@ -66,7 +66,7 @@ std::vector<Component> resize(const Component* src, Sizes s)
 }
 
 /// One pixel after the other, in place.
-template <typename Component>
+template <class Component>
 void convertToNormalMap(Component* data, std::size_t w, std::size_t h, float scale)
 {
     constexpr bool kIsFloat = std::is_same_v<Component, float>;

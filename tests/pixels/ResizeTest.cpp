@@ -1,7 +1,7 @@
 #include "PlainForms.h"
 
-#include <krender/pixels/Resize.h>
-#include <krender/pixels/ResizeFloatRows.h>
+#include "krender/pixels/private/Resize.h"
+#include "krender/pixels/private/ResizeFloatRows.h"
 #include <krender/pixels/krColorFormatRGBAFixed8.h>
 #include <krender/pixels/krColorFormatRGBAFloat.h>
 
@@ -22,7 +22,7 @@ using Bytes = std::vector<unsigned char>;
 using Floats = std::vector<float>;
 using plain::Sizes;
 
-template <typename Component>
+template <class Component>
 std::vector<Component> resized(const std::vector<Component>& src, Sizes s)
 {
     using Format =
@@ -43,7 +43,7 @@ bool sameBits(float a, float b)
     return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b) || (std::isnan(a) && std::isnan(b));
 }
 
-template <typename Component>
+template <class Component>
 void expectSameAsPlain(const std::vector<Component>& src, Sizes s)
 {
     SCOPED_TRACE(testing::Message() << s.srcW << " x " << s.srcH << " to " << s.dstW << " x " << s.dstH);

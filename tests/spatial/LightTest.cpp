@@ -23,7 +23,7 @@ TEST(Light, ThresholdRadius)
     struct Reach
     {
         float intensity, threshold;
-        unsigned int decay;
+        unsigned decay;
         float radius;
     };
     const Reach table[] = {

@@ -24,7 +24,7 @@ struct Recorder : MessageHandler
 {
     void display() override { calls.emplace_back("display"); }
     void resize(int w, int h) override { calls.push_back(std::to_string(w) + "x" + std::to_string(h)); }
-    void keyboard(unsigned int) override { calls.emplace_back("keyboard"); }
+    void keyboard(unsigned) override { calls.emplace_back("keyboard"); }
     void mouseButton(int, int, int, int) override { calls.emplace_back("mouseButton"); }
 
     Calls calls;

@@ -46,7 +46,7 @@ void View::turn(float pitch, float yaw)
     setAngles(0, std::remainder(yaw, 360.0f), 0);
 }
 
-void View::keyboard(unsigned int key)
+void View::keyboard(unsigned key)
 {
     switch (key)
     {

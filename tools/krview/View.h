@@ -35,7 +35,7 @@ public:
     /// The picture is drawn when all that is waiting has been handled.
     void display() override { windowMoved(); }
     /// @param key  an X key symbol
-    void keyboard(unsigned int key) override;
+    void keyboard(unsigned key) override;
     void mouseButton(int button, int action, int x, int y) override;
 
 private:

@@ -31,9 +31,9 @@ DrawProcedure* DrawProcedureList::find(const char* name) const
     return name ? find(krString::CString(name)) : nullptr;
 }
 
-unsigned int DrawProcedureList::findAll(const krString::CString& name, DrawProcedureList& out) const
+unsigned DrawProcedureList::findAll(const krString::CString& name, DrawProcedureList& out) const
 {
-    unsigned int count = 0;
+    unsigned count = 0;
     // Over a copy, for `out` may be this list.
     for (DrawProcedure* entry : std::vector(fProcedures))
         if (isNamed(entry, name) && out.add(entry, false))
@@ -41,17 +41,17 @@ unsigned int DrawProcedureList::findAll(const krString::CString& name, DrawProce
     return count;
 }
 
-DrawProcedure* DrawProcedureList::item(unsigned int index) const
+DrawProcedure* DrawProcedureList::item(unsigned index) const
 {
     return index < fProcedures.size() ? fProcedures[index] : nullptr;
 }
 
 bool DrawProcedureList::add(DrawProcedure* procedure, bool uniqueName)
 {
-    return insertAt(procedure, static_cast<unsigned int>(fProcedures.size()), uniqueName);
+    return insertAt(procedure, static_cast<unsigned>(fProcedures.size()), uniqueName);
 }
 
-bool DrawProcedureList::insertAt(DrawProcedure* procedure, unsigned int position, bool uniqueName)
+bool DrawProcedureList::insertAt(DrawProcedure* procedure, unsigned position, bool uniqueName)
 {
     if (!accepts(procedure, uniqueName))
         return false;

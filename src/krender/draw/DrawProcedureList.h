@@ -20,16 +20,16 @@ public:
     [[nodiscard]] DrawProcedure* find(const char* name) const;
     /// Appends every entry of a name to `out`, which takes references of its own; `out` may be this list.
     /// @return  the number of entries found
-    unsigned int findAll(const krString::CString& name, DrawProcedureList& out) const;
+    unsigned findAll(const krString::CString& name, DrawProcedureList& out) const;
     /// The entry at an index from 0, borrowed; null past the end.
-    [[nodiscard]] DrawProcedure* item(unsigned int index) const;
+    [[nodiscard]] DrawProcedure* item(unsigned index) const;
 
     /// Appends a procedure and refs it.
     /// @param uniqueName  refuse a procedure whose name the list has already
     /// @return  false, and nothing done, when refused or null
     bool add(DrawProcedure* procedure, bool uniqueName);
     /// As add(), but ahead of the entry at `position`; at the end when there is no such entry.
-    bool insertAt(DrawProcedure* procedure, unsigned int position, bool uniqueName);
+    bool insertAt(DrawProcedure* procedure, unsigned position, bool uniqueName);
     /// Takes every entry of this procedure out and gives up a reference for each.
     /// @return  whether there was one; false for null
     bool remove(DrawProcedure* procedure);

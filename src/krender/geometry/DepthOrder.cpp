@@ -1,6 +1,6 @@
-#include "DepthOrder.h"
+#include "krender/geometry/private/DepthOrder.h"
 
-#include "ScratchArray.h"
+#include "krender/geometry/private/ScratchArray.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include <krender/geometry/DepthSorter.h>
 
-#include "DepthOrder.h"
-#include "ScratchArray.h"
+#include "krender/geometry/private/DepthOrder.h"
+#include "krender/geometry/private/ScratchArray.h"
 
 using krLinear::ProjMatrix;
 
@@ -12,7 +12,7 @@ namespace
 class SharedDepths
 {
 public:
-    explicit SharedDepths(unsigned int count) : fDepths(count) { DepthSorter::fsPositionXformZ = fDepths.get(); }
+    explicit SharedDepths(unsigned count) : fDepths(count) { DepthSorter::fsPositionXformZ = fDepths.get(); }
     SharedDepths(const SharedDepths&) = delete;
     SharedDepths& operator=(const SharedDepths&) = delete;
     ~SharedDepths() { DepthSorter::fsPositionXformZ = nullptr; }
@@ -23,7 +23,7 @@ private:
 
 /// Sets the depths to what `depthOf` answers for the points.
 template <class DepthOf>
-void fillDepths(float* depths, unsigned int count, const float* positions, const unsigned int* filter, DepthOf depthOf)
+void fillDepths(float* depths, unsigned count, const float* positions, const unsigned* filter, DepthOf depthOf)
 {
     if (filter)
         for (std::size_t i = 0; i < count; ++i)
@@ -37,15 +37,15 @@ void fillDepths(float* depths, unsigned int count, const float* positions, const
 
 constinit float* DepthSorter::fsPositionXformZ = nullptr;
 
-bool DepthSorter::sortByDepth(const ProjMatrix& m, unsigned int* order, unsigned int count, const float* positions,
-                              const unsigned int* filter, unsigned int filterCount)
+bool DepthSorter::sortByDepth(const ProjMatrix& m, unsigned* order, unsigned count, const float* positions,
+                              const unsigned* filter, unsigned filterCount)
 {
     if (count == 0 || !positions || !order)
         return count == 0;
     if (filter && filterCount == 0)
         return true;
 
-    const unsigned int sorted = filter ? filterCount : count;
+    const unsigned sorted = filter ? filterCount : count;
     const SharedDepths depths(sorted);
     const ProjMatrix identity(1.0);
     if (filter ? m == identity : equivalent(identity, m, krLinear::epsilonTol))
@@ -59,8 +59,8 @@ bool DepthSorter::sortByDepth(const ProjMatrix& m, unsigned int* order, unsigned
     return true;
 }
 
-bool DepthSorter::sortByDepth(const double* m, unsigned int* order, unsigned int count, const float* positions,
-                              const unsigned int* filter, unsigned int filterCount)
+bool DepthSorter::sortByDepth(const double* m, unsigned* order, unsigned count, const float* positions,
+                              const unsigned* filter, unsigned filterCount)
 {
     return sortByDepth(ProjMatrix(m), order, count, positions, filter, filterCount);
 }
@@ -68,5 +68,5 @@ bool DepthSorter::sortByDepth(const double* m, unsigned int* order, unsigned int
 int DepthSorter::depthCompareFunction(const void* a, const void* b)
 {
     const float* depths = fsPositionXformZ;
-    return depths[*static_cast<const unsigned int*>(a)] > depths[*static_cast<const unsigned int*>(b)] ? 1 : -1;
+    return depths[*static_cast<const unsigned*>(a)] > depths[*static_cast<const unsigned*>(b)] ? 1 : -1;
 }

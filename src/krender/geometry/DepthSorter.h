@@ -16,11 +16,11 @@ public:
     /// @param filter       numbers of the points to be sorted, in any order; null for all points
     /// @param filterCount  length of the filter; 0 with a filter changes nothing and answers true
     /// @return             whether `order` holds the answer
-    static bool sortByDepth(const krLinear::ProjMatrix& m, unsigned int* order, unsigned int count,
-                            const float* positions, const unsigned int* filter, unsigned int filterCount);
+    static bool sortByDepth(const krLinear::ProjMatrix& m, unsigned* order, unsigned count, const float* positions,
+                            const unsigned* filter, unsigned filterCount);
     /// @param m  16 doubles, row by row
-    static bool sortByDepth(const double* m, unsigned int* order, unsigned int count, const float* positions,
-                            const unsigned int* filter, unsigned int filterCount);
+    static bool sortByDepth(const double* m, unsigned* order, unsigned count, const float* positions,
+                            const unsigned* filter, unsigned filterCount);
 
     /// The order as a comparison for qsort, over entries of `order`; works during a sort only.
     /// @return  1 when the depth of a is the larger one, else -1, never 0

@@ -10,15 +10,15 @@ namespace
 {
 
 /// By GeometryDataIndex::DrawPrimitiveType: the indices of one primitive; 0 where a list is one primitive as a whole.
-constexpr std::array<unsigned int, 11> kIndicesPerPrimitive{0, 1, 2, 0, 0, 3, 0, 0, 4, 0, 0};
+constexpr std::array<unsigned, 11> kIndicesPerPrimitive{0, 1, 2, 0, 0, 3, 0, 0, 4, 0, 0};
 static_assert(kIndicesPerPrimitive.size() == GeometryDataIndex::polygon + 1);
 
-unsigned int numberOfPrimitives(const GeometryDataIndex& list) noexcept
+unsigned numberOfPrimitives(const GeometryDataIndex& list) noexcept
 {
     const auto type = list.primitiveType();
     if (type < GeometryDataIndex::points || type > GeometryDataIndex::polygon)
         return 0;
-    const unsigned int perPrimitive = kIndicesPerPrimitive[static_cast<std::size_t>(type)];
+    const unsigned perPrimitive = kIndicesPerPrimitive[static_cast<std::size_t>(type)];
     return perPrimitive != 0 ? list.count() / perPrimitive : 1;
 }
 
@@ -32,7 +32,7 @@ bool holdsPositive16BitValue(const GeometryData& stream) noexcept
 }
 
 /// Whether some group has the stream; a set is found by its number taken as signed.
-bool anyGroupHas(const Geometry& geometry, GeometryData::DataType type, unsigned int set) noexcept
+bool anyGroupHas(const Geometry& geometry, GeometryData::DataType type, unsigned set) noexcept
 {
     return std::any_of(geometry.groups().begin(), geometry.groups().end(),
                        [=](const auto& group)
@@ -51,9 +51,9 @@ Geometry::~Geometry()
     --fsNumInstances_Geometry;
 }
 
-unsigned int Geometry::totalNumberOfPrimitives() const noexcept
+unsigned Geometry::totalNumberOfPrimitives() const noexcept
 {
-    unsigned int total = 0;
+    unsigned total = 0;
     for (const auto& group : fGroups)
         if (group)
             for (const GeometryDataIndex* list : group->indices())
@@ -70,7 +70,7 @@ bool Geometry::indexTypeDiffers(GeometryDataIndex::DrawPrimitiveType type) const
                        { return group && std::any_of(group->indices().begin(), group->indices().end(), differs); });
 }
 
-bool Geometry::colorDataHasTransparency(unsigned int colorSet) const
+bool Geometry::colorDataHasTransparency(unsigned colorSet) const
 {
     std::array<char, 40> name{};
     std::snprintf(name.data(), name.size(), "colorSetTransparency_%d", static_cast<int>(colorSet));
@@ -83,12 +83,12 @@ bool Geometry::colorDataHasTransparency(unsigned int colorSet) const
     return transparent;
 }
 
-bool Geometry::hasColorPerVertexMask(unsigned int colorSet) const noexcept
+bool Geometry::hasColorPerVertexMask(unsigned colorSet) const noexcept
 {
     return anyGroupHas(*this, GeometryData::colorPerVertexMask, colorSet);
 }
 
-bool Geometry::hasTangentSpaceCorrection(unsigned int set) const noexcept
+bool Geometry::hasTangentSpaceCorrection(unsigned set) const noexcept
 {
     return anyGroupHas(*this, GeometryData::tangentSpaceCorrection, set);
 }

@@ -19,15 +19,15 @@ public:
     [[nodiscard]] const std::vector<std::unique_ptr<GeometryLogicalGroup>>& groups() const noexcept { return fGroups; }
     /// The number of primitives in all index lists: whole points, lines, triangles and quads, and one a list for all
     /// other types.
-    [[nodiscard]] unsigned int totalNumberOfPrimitives() const noexcept;
+    [[nodiscard]] unsigned totalNumberOfPrimitives() const noexcept;
     /// Whether some index list has another primitive type; false without any lists.
     [[nodiscard]] bool indexTypeDiffers(GeometryDataIndex::DrawPrimitiveType type) const noexcept;
     /// Whether a colour set holds transparent colours: the host says so in a user-data stream that is named
     /// "colorSetTransparency_" and the set's number, by a first element above 0, read as a signed 16-bit integer. The last
     /// group with such a stream decides; false without any.
-    [[nodiscard]] bool colorDataHasTransparency(unsigned int colorSet) const;
-    [[nodiscard]] bool hasColorPerVertexMask(unsigned int colorSet) const noexcept;
-    [[nodiscard]] bool hasTangentSpaceCorrection(unsigned int set) const noexcept;
+    [[nodiscard]] bool colorDataHasTransparency(unsigned colorSet) const;
+    [[nodiscard]] bool hasColorPerVertexMask(unsigned colorSet) const noexcept;
+    [[nodiscard]] bool hasTangentSpaceCorrection(unsigned set) const noexcept;
 
     /// The first group of this name, or a new one at the end. Borrowed.
     /// @param name  null stands for the first unnamed group; the text is borrowed and outlives the group

@@ -1,4 +1,4 @@
-#include "GeometryShapes.h"
+#include "krender/geometry/private/GeometryShapes.h"
 
 #include <numbers>
 

@@ -11,7 +11,7 @@ namespace
 
 struct ElementTypeInfo
 {
-    unsigned int size;            // bytes
+    unsigned size;                // bytes
     void (*release)(void* array); // null: never released
 };
 
@@ -28,7 +28,7 @@ static_assert(kElementTypes.size() == GeometryData::uint32 + 1);
 } // namespace
 
 GeometryData::GeometryData(const char* name, DataType dataType, ElementType elementType, ElementSize elementSize,
-                           unsigned int count, void* data, bool ownsData, bool secondary)
+                           unsigned count, void* data, bool ownsData, bool secondary)
     : fStreamName(strdup(name ? name : "")),
       fId(takeUniqueID()),
       fDataType(dataType),
@@ -49,7 +49,7 @@ GeometryData::~GeometryData()
         kElementTypes[static_cast<std::size_t>(fElementType)].release(fData);
 }
 
-unsigned int GeometryData::elementTypeSize(ElementType type) noexcept
+unsigned GeometryData::elementTypeSize(ElementType type) noexcept
 {
     return kElementTypes[static_cast<std::size_t>(type)].size;
 }

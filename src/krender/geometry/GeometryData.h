@@ -49,13 +49,13 @@ public:
     /// @param data       count x elementSize components. Adopted when `ownsData` is set, else borrowed; an adopted array
     ///                   was made with new[] as an array of the element type
     /// @param secondary  a second selector that lookups compare besides type and set
-    GeometryData(const char* name, DataType dataType, ElementType elementType, ElementSize elementSize,
-                 unsigned int count, void* data, bool ownsData, bool secondary);
+    GeometryData(const char* name, DataType dataType, ElementType elementType, ElementSize elementSize, unsigned count,
+                 void* data, bool ownsData, bool secondary);
     /// Deletes the hanger; releases the array when it is owned and its element type is not opaque.
     ~GeometryData() override;
 
     /// The size of one component in bytes. The type is not checked: it is one of those above.
-    [[nodiscard]] static unsigned int elementTypeSize(ElementType type) noexcept;
+    [[nodiscard]] static unsigned elementTypeSize(ElementType type) noexcept;
 
     /// Never null.
     [[nodiscard]] const char* streamName() const noexcept { return fStreamName; }
@@ -63,7 +63,7 @@ public:
     [[nodiscard]] DataType dataType() const noexcept { return fDataType; }
     [[nodiscard]] ElementType elementType() const noexcept { return fElementType; }
     [[nodiscard]] ElementSize elementSize() const noexcept { return fElementSize; }
-    [[nodiscard]] unsigned int count() const noexcept { return fCount; }
+    [[nodiscard]] unsigned count() const noexcept { return fCount; }
     /// The array; writing through it is up to those who share the stream.
     [[nodiscard]] void* data() const noexcept { return fData; }
     [[nodiscard]] bool ownsData() const noexcept { return fOwnsData; }
@@ -86,7 +86,7 @@ private:
     DataType fDataType;
     ElementType fElementType;
     ElementSize fElementSize;
-    unsigned int fCount;
+    unsigned fCount;
     void* fData;
     mutable IHWMemoryObject* fHanger = nullptr;
     bool fOwnsData;

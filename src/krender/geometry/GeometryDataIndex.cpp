@@ -5,9 +5,9 @@
 
 #include <cstring>
 
-GeometryDataIndex::GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned int count,
-                                     const std::vector<const GeometryData*>& data, unsigned int* indices,
-                                     const unsigned int* rangeEnd, const unsigned int* rangeStart)
+GeometryDataIndex::GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned count,
+                                     const std::vector<const GeometryData*>& data, unsigned* indices,
+                                     const unsigned* rangeEnd, const unsigned* rangeStart)
     : fId(takeUniqueID()),
       fPrimitiveType(primitiveType),
       fCount(count),
@@ -19,7 +19,7 @@ GeometryDataIndex::GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned i
 }
 
 // Without the guard against 0: hosts that make short lists read the id off the generator beforehand.
-GeometryDataIndex::GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned int count, unsigned int* indices)
+GeometryDataIndex::GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned count, unsigned* indices)
     : fId(fsUniqueIDGenerator++),
       fPrimitiveType(primitiveType),
       fCount(count),
@@ -38,9 +38,9 @@ GeometryDataIndex::~GeometryDataIndex()
     deleteDataHangers();
 }
 
-std::unique_ptr<unsigned int[]> GeometryDataIndex::widenedIndices() const
+std::unique_ptr<unsigned[]> GeometryDataIndex::widenedIndices() const
 {
-    auto words = std::make_unique_for_overwrite<unsigned int[]>(std::size_t{2} * fCount);
+    auto words = std::make_unique_for_overwrite<unsigned[]>(std::size_t{2} * fCount);
     for (std::size_t i = 0; i < fCount; ++i)
     {
         const std::uint64_t entry = fIndices[i];

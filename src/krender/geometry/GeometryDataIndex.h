@@ -36,17 +36,17 @@ public:
     /// @param indices     `count` entries made with new[], adopted; null for none
     /// @param rangeEnd    kept for the host; null means `count`
     /// @param rangeStart  kept for the host; null means 0
-    GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned int count, const std::vector<const GeometryData*>& data,
-                      unsigned int* indices, const unsigned int* rangeEnd, const unsigned int* rangeStart);
+    GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned count, const std::vector<const GeometryData*>& data,
+                      unsigned* indices, const unsigned* rangeEnd, const unsigned* rangeStart);
     /// The short form: no streams, both ends of the range 0. Its id may be 0 once the generator has wrapped.
-    GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned int count, unsigned int* indices);
+    GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned count, unsigned* indices);
     /// Releases the list when it is owned, then drops its hanger and those of its streams.
     ~GeometryDataIndex() override;
 
     [[nodiscard]] std::uint32_t id() const noexcept { return fId; }
     [[nodiscard]] DrawPrimitiveType primitiveType() const noexcept { return fPrimitiveType; }
     [[nodiscard]] std::uint32_t count() const noexcept { return fCount; }
-    [[nodiscard]] const unsigned int* indices() const noexcept { return fIndices; }
+    [[nodiscard]] const unsigned* indices() const noexcept { return fIndices; }
     [[nodiscard]] std::uint32_t rangeEnd() const noexcept { return fRangeEnd; }
     [[nodiscard]] std::uint32_t rangeStart() const noexcept { return fRangeStart; }
     [[nodiscard]] const std::vector<const GeometryData*>& data() const noexcept { return fData; }
@@ -54,7 +54,7 @@ public:
     [[nodiscard]] bool ownsIndices() const noexcept { return fOwnsIndices; }
     /// A copy of the list with every entry widened to 64 bits, twice as many words, in the form that
     /// GeometryDataIterator reads. A host that wants to walk this list hands the copy to a new list of the same count.
-    [[nodiscard]] std::unique_ptr<unsigned int[]> widenedIndices() const;
+    [[nodiscard]] std::unique_ptr<unsigned[]> widenedIndices() const;
 
     void setPrimitiveType(DrawPrimitiveType type) noexcept { fPrimitiveType = type; }
     void setOwnsIndices(bool owns) noexcept { fOwnsIndices = owns; }
@@ -84,7 +84,7 @@ private:
     mutable AABoundingBox fBoundingBox;
     mutable BoundingSphere fBoundingSphere;
     std::uint32_t fCount;
-    unsigned int* fIndices;
+    unsigned* fIndices;
     mutable IHWMemoryObject* fHanger = nullptr;
     bool fOwnsIndices = true;
     std::uint32_t fRangeEnd;

@@ -5,12 +5,12 @@
 
 #include <cstring>
 
-GeometryDataIterator::GeometryDataIterator(const GeometryDataIndex* index, const unsigned int* textureSets) noexcept
+GeometryDataIterator::GeometryDataIterator(const GeometryDataIndex* index, const unsigned* textureSets) noexcept
 {
     reset(index, textureSets);
 }
 
-void GeometryDataIterator::reset(const GeometryDataIndex* index, const unsigned int* textureSets) noexcept
+void GeometryDataIterator::reset(const GeometryDataIndex* index, const unsigned* textureSets) noexcept
 {
     fIndex = index;
     fPosition = 0;
@@ -79,7 +79,7 @@ void GeometryDataIterator::next() noexcept
         ++fPosition;
 }
 
-// Hosts that walk lists with this iterator make them of machine words, so the step is 8 bytes whatever an unsigned int is.
+// Hosts that walk lists with this iterator make them of machine words, so the step is 8 bytes whatever an unsigned is.
 unsigned long GeometryDataIterator::computeIndex(unsigned long elementSize) const noexcept
 {
     std::uint64_t entry = 0;
@@ -94,9 +94,9 @@ void GeometryDataIterator::setSlot(Slot slot, const GeometryData& stream) noexce
 }
 
 void GeometryDataIterator::setSlotsBySet(Slot first, Slot second, const GeometryData& stream,
-                                         const unsigned int* textureSets) noexcept
+                                         const unsigned* textureSets) noexcept
 {
-    const auto set = static_cast<unsigned int>(stream.setIndex);
+    const auto set = static_cast<unsigned>(stream.setIndex);
     if (!textureSets || textureSets[0] == set)
         setSlot(first, stream);
     if (!textureSets || textureSets[1] == set)

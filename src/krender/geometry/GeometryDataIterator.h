@@ -19,7 +19,7 @@ class KRENDER_EXPORT GeometryDataIterator
 public:
     GeometryDataIterator() noexcept = default;
     /// As reset().
-    GeometryDataIterator(const GeometryDataIndex* index, const unsigned int* textureSets) noexcept;
+    GeometryDataIterator(const GeometryDataIndex* index, const unsigned* textureSets) noexcept;
 
     /// Starts over at the list's first index, without a range; where several streams of one kind are there, the last one
     /// counts.
@@ -27,7 +27,7 @@ public:
     /// @param textureSets  two set numbers: the streams of texture coordinates and tangents whose setIndex is the first
     ///                     one go to the first slot of their kind, those of the second one to the second. Null: they go
     ///                     to both, whatever their set.
-    void reset(const GeometryDataIndex* index, const unsigned int* textureSets) noexcept;
+    void reset(const GeometryDataIndex* index, const unsigned* textureSets) noexcept;
     /// Makes the walk end at `end` instead of the list's end, without moving: the range is to be set before the position
     /// has passed its end.
     /// @return  whether `end` is in the list; if not, the walk goes to the list's end
@@ -79,7 +79,7 @@ private:
     };
 
     void setSlot(Slot slot, const GeometryData& stream) noexcept;
-    void setSlotsBySet(Slot first, Slot second, const GeometryData& stream, const unsigned int* textureSets) noexcept;
+    void setSlotsBySet(Slot first, Slot second, const GeometryData& stream, const unsigned* textureSets) noexcept;
     [[nodiscard]] std::uint64_t end() const noexcept { return fUseRange ? fRangeEnd : fCount; }
     [[nodiscard]] float* value(Slot slot) const noexcept
     {

@@ -17,7 +17,7 @@ auto findEntry(auto& entries, const GeometryMonitor& monitor)
 
 } // namespace
 
-unsigned int GeometryMonitorRegistry::lastUpdateId(const GeometryMonitor& monitor) const noexcept
+unsigned GeometryMonitorRegistry::lastUpdateId(const GeometryMonitor& monitor) const noexcept
 {
     const auto entry = findEntry(fEntries, monitor);
     return entry != fEntries.end() ? entry->updateId : 0;

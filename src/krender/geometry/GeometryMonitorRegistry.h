@@ -11,7 +11,7 @@ class KRENDER_EXPORT GeometryMonitorRegistry
 {
 public:
     /// The monitor's mark, 0 when it has none.
-    [[nodiscard]] unsigned int lastUpdateId(const GeometryMonitor& monitor) const noexcept;
+    [[nodiscard]] unsigned lastUpdateId(const GeometryMonitor& monitor) const noexcept;
 
     /// Sets the monitor's mark to the id that the next resource will get.
     void syncUpdateId(const GeometryMonitor& monitor);

@@ -1,4 +1,4 @@
-#include "GeometryShapes.h"
+#include "krender/geometry/private/GeometryShapes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,12 +14,12 @@ krLinear::Point onCircle(double radius, double y, double degrees) noexcept
     return {radius * std::cos(angle), y, -radius * std::sin(angle)};
 }
 
-const GeometryData* Values::stream(const char* name, GeometryData::DataType type, unsigned int components,
+const GeometryData* Values::stream(const char* name, GeometryData::DataType type, unsigned components,
                                    int setIndex) const
 {
     auto values = std::make_unique_for_overwrite<float[]>(fValues.size());
     std::copy(fValues.begin(), fValues.end(), values.get());
-    const auto count = static_cast<unsigned int>(fValues.size()) / components;
+    const auto count = static_cast<unsigned>(fValues.size()) / components;
     auto* stream =
         new GeometryData(name, type, GeometryData::float32, components, count, values.release(), true, false);
     stream->setIndex = setIndex;
@@ -34,11 +34,11 @@ void Values::append(std::initializer_list<double> components)
 
 const GeometryDataIndex* indexList(GeometryDataIndex::DrawPrimitiveType type,
                                    const std::vector<const GeometryData*>& streams,
-                                   const std::vector<unsigned int>& indices)
+                                   const std::vector<unsigned>& indices)
 {
-    auto entries = std::make_unique_for_overwrite<unsigned int[]>(indices.size());
+    auto entries = std::make_unique_for_overwrite<unsigned[]>(indices.size());
     std::copy(indices.begin(), indices.end(), entries.get());
-    const auto count = static_cast<unsigned int>(indices.size());
+    const auto count = static_cast<unsigned>(indices.size());
     return new GeometryDataIndex(type, count, streams, entries.release(), nullptr, nullptr);
 }
 

@@ -1,4 +1,4 @@
-#include "GeometryShapes.h"
+#include "krender/geometry/private/GeometryShapes.h"
 
 #include <cmath>
 #include <numbers>
@@ -52,11 +52,11 @@ public:
     void addFace(Surface& surface, std::initializer_list<Corner> corners)
     {
         const auto start = fCornerCount;
-        const auto size = static_cast<unsigned int>(corners.size());
+        const auto size = static_cast<unsigned>(corners.size());
         fCornerCount += size;
         const Corner* c = corners.begin();
         const Point normal = planeNormal(c[0].position, c[1].position, c[size - 1].position);
-        for (unsigned int i = 0; i < size; ++i)
+        for (unsigned i = 0; i < size; ++i)
         {
             positions.add(c[i].position);
             normals.add(normal);
@@ -72,7 +72,7 @@ public:
     Values textureCoords;
 
 private:
-    unsigned int fCornerCount = 0;
+    unsigned fCornerCount = 0;
 };
 
 } // namespace

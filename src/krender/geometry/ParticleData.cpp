@@ -36,20 +36,20 @@ ParticleData::~ParticleData()
 
 void ParticleData::setColor(const float* rgba) noexcept { std::copy_n(rgba, fColor.size(), fColor.begin()); }
 
-const GeometryData* ParticleData::getData(unsigned int i) const noexcept
+const GeometryData* ParticleData::getData(unsigned i) const noexcept
 {
     return i < fStreams.size() ? fStreams[i] : nullptr;
 }
 
-unsigned int ParticleData::getDataIndex(const krString::CString& name) const noexcept
+unsigned ParticleData::getDataIndex(const krString::CString& name) const noexcept
 {
     const auto found =
         std::find_if(fStreams.begin(), fStreams.end(),
                      [&name](const GeometryData* stream) { return krString::equal(name, stream->streamName()); });
-    return found != fStreams.end() ? static_cast<unsigned int>(found - fStreams.begin()) : 0xFFFFFFFFu;
+    return found != fStreams.end() ? static_cast<unsigned>(found - fStreams.begin()) : 0xFFFFFFFFu;
 }
 
-bool ParticleData::sortByDepth(const krLinear::ProjMatrix& m, const unsigned int* filter, unsigned int filterCount)
+bool ParticleData::sortByDepth(const krLinear::ProjMatrix& m, const unsigned* filter, unsigned filterCount)
 {
     removeSortByDepth();
     const GeometryData& positions = *fStreams[static_cast<std::size_t>(positionStream())];
@@ -58,9 +58,9 @@ bool ParticleData::sortByDepth(const krLinear::ProjMatrix& m, const unsigned int
         return false;
 
     // An iterator that takes the order as its filter walks sortedCount entries, also after a sort of fewer.
-    const unsigned int ordered = filter ? filterCount : fSortedCount;
-    const unsigned int entries = std::max(ordered, fSortedCount);
-    fSortOrder = std::make_unique_for_overwrite<unsigned int[]>(entries);
+    const unsigned ordered = filter ? filterCount : fSortedCount;
+    const unsigned entries = std::max(ordered, fSortedCount);
+    fSortOrder = std::make_unique_for_overwrite<unsigned[]>(entries);
     std::fill(fSortOrder.get() + ordered, fSortOrder.get() + entries, 0u);
     fSorted = DepthSorter::sortByDepth(m, fSortOrder.get(), fSortedCount, static_cast<const float*>(positions.data()),
                                        filter, filter ? filterCount : 0);
@@ -74,4 +74,4 @@ void ParticleData::removeSortByDepth() noexcept
     fSorted = false;
 }
 
-unsigned int ceilPow2(unsigned int n) noexcept { return n > 0x80000000u ? 0 : std::bit_ceil(n); }
+unsigned ceilPow2(unsigned n) noexcept { return n > 0x80000000u ? 0 : std::bit_ceil(n); }

@@ -56,9 +56,9 @@ public:
     /// Positions, velocities, those given of normals, colours and alpha, then what addData() brought. Borrowed.
     [[nodiscard]] const std::vector<const GeometryData*>& streams() const noexcept { return fStreams; }
     /// The stream of this number, null when there is none. Borrowed.
-    [[nodiscard]] const GeometryData* getData(unsigned int i) const noexcept;
+    [[nodiscard]] const GeometryData* getData(unsigned i) const noexcept;
     /// The number of the first stream of this stream name, 0xFFFFFFFF when there is none.
-    [[nodiscard]] unsigned int getDataIndex(const krString::CString& name) const noexcept;
+    [[nodiscard]] unsigned getDataIndex(const krString::CString& name) const noexcept;
     /// Adopts a stream, unlike the constructor: the caller made it for these particles and is done with it. The index
     /// list goes without it.
     void addData(const GeometryData& stream) { fStreams.push_back(&stream); }
@@ -75,12 +75,12 @@ public:
     ///                     the filter. Null for all positions.
     /// @param filterCount  length of the filter; with 0 and a filter nothing is ordered
     /// @return             whether there is an order now; without positions or filter entries there is none
-    bool sortByDepth(const krLinear::ProjMatrix& m, const unsigned int* filter, unsigned int filterCount);
+    bool sortByDepth(const krLinear::ProjMatrix& m, const unsigned* filter, unsigned filterCount);
     /// Forgets the order.
     void removeSortByDepth() noexcept;
     /// The order, null when there is none. It holds sortedCount() entries, or as many as the filter had if these are more;
     /// entries past the filter's are 0.
-    [[nodiscard]] const unsigned int* sortOrder() const noexcept { return fSortOrder.get(); }
+    [[nodiscard]] const unsigned* sortOrder() const noexcept { return fSortOrder.get(); }
     /// The number of positions at the last sort, filtered or not.
     [[nodiscard]] std::uint32_t sortedCount() const noexcept { return fSortedCount; }
     [[nodiscard]] bool sorted() const noexcept { return fSorted; }
@@ -92,7 +92,7 @@ protected:
 
 private:
     ParticleType fParticleType;
-    std::unique_ptr<unsigned int[]> fSortOrder;
+    std::unique_ptr<unsigned[]> fSortOrder;
     std::uint32_t fSortedCount = 0;
     bool fSorted = false;
     GeometryDataIndex* fIndex; // one reference
@@ -105,4 +105,4 @@ private:
 };
 
 /// The smallest power of two that is not below `n`, 1 for 0; 0 above 2^31, where there is none of 32 bits.
-[[nodiscard]] KRENDER_EXPORT unsigned int ceilPow2(unsigned int n) noexcept;
+[[nodiscard]] KRENDER_EXPORT unsigned ceilPow2(unsigned n) noexcept;

@@ -9,16 +9,15 @@ float* floatsOf(const GeometryData& stream) noexcept { return static_cast<float*
 
 } // namespace
 
-ParticleDataIterator::ParticleDataIterator(const ParticleData& particles, const unsigned int* filter,
-                                           unsigned int filterCount) noexcept
+ParticleDataIterator::ParticleDataIterator(const ParticleData& particles, const unsigned* filter,
+                                           unsigned filterCount) noexcept
 {
     reset(particles, filter, filterCount);
 }
 
 ParticleDataIterator::~ParticleDataIterator() = default;
 
-void ParticleDataIterator::reset(const ParticleData& particles, const unsigned int* filter,
-                                 unsigned int filterCount) noexcept
+void ParticleDataIterator::reset(const ParticleData& particles, const unsigned* filter, unsigned filterCount) noexcept
 {
     fCurrent = 0;
     fParticles = &particles;
@@ -48,7 +47,7 @@ void ParticleDataIterator::reset(const ParticleData& particles, const unsigned i
     fAlpha = particles.alphaStream() > 0 ? floatsOf(stream(particles.alphaStream())) : nullptr;
 }
 
-void ParticleDataIterator::setFilter(const unsigned int* filter, unsigned int filterCount) noexcept
+void ParticleDataIterator::setFilter(const unsigned* filter, unsigned filterCount) noexcept
 {
     fFilter = filter;
     fCount = filter ? filterCount : 0;
@@ -65,7 +64,7 @@ void ParticleDataIterator::next() noexcept
         ++fCurrent;
 }
 
-void* ParticleDataIterator::userData(unsigned int k) const noexcept
+void* ParticleDataIterator::userData(unsigned k) const noexcept
 {
     if (k >= fStreamCount)
         return nullptr;

@@ -13,7 +13,7 @@ class KRENDER_EXPORT ParticleDataIterator
 {
 public:
     /// As reset(), with one position a particle.
-    ParticleDataIterator(const ParticleData& particles, const unsigned int* filter, unsigned int filterCount) noexcept;
+    ParticleDataIterator(const ParticleData& particles, const unsigned* filter, unsigned filterCount) noexcept;
     ParticleDataIterator(const ParticleDataIterator&) noexcept = default;
     ParticleDataIterator& operator=(const ParticleDataIterator&) noexcept = default;
     virtual ~ParticleDataIterator();
@@ -23,9 +23,9 @@ public:
     /// @param filter       particle numbers, borrowed until the next filter; null for all particles in order
     /// @param filterCount  length of the filter. Of particles with several positions as many are walked as there are
     ///                     velocities, with or without a filter; setFilter() sets the number.
-    void reset(const ParticleData& particles, const unsigned int* filter, unsigned int filterCount) noexcept;
+    void reset(const ParticleData& particles, const unsigned* filter, unsigned filterCount) noexcept;
     /// Changes the filter without moving; null walks nothing.
-    void setFilter(const unsigned int* filter, unsigned int filterCount) noexcept;
+    void setFilter(const unsigned* filter, unsigned filterCount) noexcept;
     /// Takes the particles' order by depth as the filter; without an order nothing is walked.
     void useParticleDataFilter() noexcept;
 
@@ -38,7 +38,7 @@ public:
     [[nodiscard]] std::uint32_t colorComponents() const noexcept { return fColorComponents; }
 
     /// The number of the current particle. Not to be asked when done, like what follows.
-    [[nodiscard]] unsigned int index() const noexcept { return fFilter ? fFilter[fCurrent] : fCurrent; }
+    [[nodiscard]] unsigned index() const noexcept { return fFilter ? fFilter[fCurrent] : fCurrent; }
     /// 3 x positionsPerParticle floats.
     [[nodiscard]] float* position() const noexcept
     {
@@ -53,7 +53,7 @@ public:
     /// 1 float, null without colours: alpha refines a colour and is not looked at alone.
     [[nodiscard]] float* alpha() const noexcept { return fColors ? valueAt(fAlpha, 1) : nullptr; }
     /// The element of stream `k` for the current particle, null when there is no such stream.
-    [[nodiscard]] void* userData(unsigned int k) const noexcept;
+    [[nodiscard]] void* userData(unsigned k) const noexcept;
 
 private:
     /// The current particle's element of an array; null without one.
@@ -63,7 +63,7 @@ private:
     }
 
     const ParticleData* fParticles = nullptr;
-    const unsigned int* fFilter = nullptr;
+    const unsigned* fFilter = nullptr;
     std::uint32_t fCurrent = 0;
     std::uint32_t fCount = 0;
     std::uint32_t fPositionsPerParticle = 1;

@@ -23,7 +23,7 @@ std::int32_t truncated(float x) noexcept
 }
 
 /// A component as an integer of the range 0 to the type's maximum, wrapped where it does not fit.
-template <typename Integer>
+template <class Integer>
 Integer scaled(float component) noexcept
 {
     constexpr auto kMaximum = static_cast<float>(std::numeric_limits<Integer>::max());
@@ -31,14 +31,14 @@ Integer scaled(float component) noexcept
 }
 
 /// An integer's component, with the division in double as the float result depends on it.
-template <typename Integer>
+template <class Integer>
 float unscaled(Integer x) noexcept
 {
     return static_cast<float>(x / static_cast<double>(std::numeric_limits<Integer>::max()));
 }
 
 /// A component in one of the types that get hands out.
-template <typename Component>
+template <class Component>
 Component component(float x) noexcept
 {
     if constexpr (std::numeric_limits<Component>::is_integer)
@@ -50,7 +50,7 @@ Component component(float x) noexcept
 bool isKnown(Color::ColorType type) noexcept { return type >= Color::kRGBA && type <= Color::kCMYK; }
 
 /// The four components in any of the types, by way of the float form.
-template <typename Component>
+template <class Component>
 void getConverted(const Color& color, Color::ColorType type, Component& x0, Component& x1, Component& x2,
                   Component& x3) noexcept
 {
@@ -68,7 +68,7 @@ void getConverted(const Color& color, Color::ColorType type, Component& x0, Comp
 }
 
 /// Applies an operation to each of r, g and b and clamps the results. std::clamp lets NaN through.
-template <typename Operation>
+template <class Operation>
 Color& combine(Color& color, float r, float g, float b, Operation operation) noexcept
 {
     color.r = std::clamp(operation(color.r, r), 0.0f, 1.0f);

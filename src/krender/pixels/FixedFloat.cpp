@@ -1,6 +1,6 @@
-#include "FixedFloat.h"
+#include "krender/pixels/private/FixedFloat.h"
 
-#include "Lanes.h"
+#include "krender/pixels/private/Lanes.h"
 
 #include <algorithm>
 #include <bit>

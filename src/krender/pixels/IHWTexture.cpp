@@ -8,4 +8,4 @@ bool IHWTexture::unbind() { return false; }
 
 bool IHWTexture::generateMipMaps() { return false; }
 
-void IHWTexture::setImportance(unsigned int importance) { fImportance = importance; }
+void IHWTexture::setImportance(unsigned importance) { fImportance = importance; }

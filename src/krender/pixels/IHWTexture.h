@@ -25,13 +25,13 @@ public:
     /// Makes the smaller levels; false here.
     virtual bool generateMipMaps();
     /// @param importance  how hard the host should try to keep the texture on the device; stored
-    virtual void setImportance(unsigned int importance);
+    virtual void setImportance(unsigned importance);
 
-    [[nodiscard]] unsigned int importance() const noexcept { return fImportance; }
+    [[nodiscard]] unsigned importance() const noexcept { return fImportance; }
     [[nodiscard]] bool mipmapped() const noexcept { return fMipmapped; }
 
 protected:
-    unsigned int fImportance = 0;
+    unsigned fImportance = 0;
     bool fMipmapped = false;
     /// For the host; zero until it writes to them.
     std::array<unsigned char, 16> fHostBytes{};

@@ -18,7 +18,7 @@ IPixelArray::IPixelArray(const krSysPixelFormat& format, unsigned w, unsigned h,
 
 IPixelArray::~IPixelArray() { release(); }
 
-void IPixelArray::copy(const void* src, unsigned int pixelSize) noexcept
+void IPixelArray::copy(const void* src, unsigned pixelSize) noexcept
 {
     const std::size_t bytes = std::size_t{pixelSize} * fWidth * fHeight * fDepth;
     if (bytes != 0)

@@ -14,7 +14,7 @@ public:
     /// Fills the array; nothing is checked.
     /// @param src        pixelSize * width * height * depth bytes, borrowed
     /// @param pixelSize  bytes a pixel, as in the array's format
-    void copy(const void* src, unsigned int pixelSize) noexcept;
+    void copy(const void* src, unsigned pixelSize) noexcept;
 
     /// The pixels, x fastest, then y, then z; null when the array is empty.
     [[nodiscard]] void* data() noexcept { return fData; }

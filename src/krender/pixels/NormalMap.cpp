@@ -1,6 +1,6 @@
-#include "NormalMap.h"
+#include "krender/pixels/private/NormalMap.h"
 
-#include "Lanes.h"
+#include "krender/pixels/private/Lanes.h"
 
 #include <cmath>
 #include <cstddef>
@@ -15,7 +15,7 @@ namespace
 {
 
 /// What differs between 8-bit and float height fields.
-template <typename Component>
+template <class Component>
 struct Coding;
 
 template <>
@@ -68,7 +68,7 @@ struct Coding<float>
 
 /// The normals of a row's pixels but the last ones, four at a time.
 /// @return  the first pixel that is not done
-template <typename Component>
+template <class Component>
 std::size_t convertQuads(Component* row, std::size_t w, float k) noexcept
 {
     std::size_t x = 0;
@@ -85,7 +85,7 @@ std::size_t convertQuads(Component* row, std::size_t w, float k) noexcept
 }
 
 /// The normals of a row's pixels from x on, without the last one.
-template <typename Component>
+template <class Component>
 void convertPixels(Component* row, std::size_t x, std::size_t w, float k) noexcept
 {
     for (; x + 1 < w; ++x)
@@ -101,7 +101,7 @@ void convertPixels(Component* row, std::size_t x, std::size_t w, float k) noexce
     }
 }
 
-template <typename Component>
+template <class Component>
 void convertImage(Component* data, std::size_t w, std::size_t h, float scale) noexcept
 {
     if (data == nullptr || w == 0 || h == 0)

@@ -18,7 +18,7 @@ enum RoutineType : std::int32_t
 
 /// Calls routine(colour format, pixels) with the types that go with the format's pixel type.
 /// @return  what the routine returns, or its type's zero where there is no such format
-template <typename Routine>
+template <class Routine>
 auto dispatch(const krSysPixelFormat& format, void* data, Routine routine)
 {
     using Result = decltype(routine(static_cast<const krColorFormatRGBAFloat&>(format), static_cast<float*>(data)));

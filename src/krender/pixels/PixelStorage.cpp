@@ -1,6 +1,6 @@
-#include "PixelStorage.h"
+#include "krender/pixels/private/PixelStorage.h"
 
-#include <krender/core/HugePages.h>
+#include "krender/core/private/HugePages.h"
 
 namespace krPixels
 {

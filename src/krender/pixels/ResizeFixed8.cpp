@@ -1,6 +1,6 @@
-#include "Lanes.h"
-#include "Resize.h"
-#include "ResizeShares.h"
+#include "krender/pixels/private/Lanes.h"
+#include "krender/pixels/private/Resize.h"
+#include "krender/pixels/private/ResizeShares.h"
 
 #include <array>
 

@@ -1,5 +1,5 @@
-#include "Resize.h"
-#include "ResizeFloatRows.h"
+#include "krender/pixels/private/Resize.h"
+#include "krender/pixels/private/ResizeFloatRows.h"
 
 #include <limits>
 #include <numeric>

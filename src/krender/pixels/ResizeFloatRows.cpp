@@ -1,6 +1,6 @@
-#include "ResizeFloatRows.h"
+#include "krender/pixels/private/ResizeFloatRows.h"
 
-#include "Lanes.h"
+#include "krender/pixels/private/Lanes.h"
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -76,7 +76,7 @@ struct WideDoubles
 };
 #endif
 
-template <typename Doubles>
+template <class Doubles>
 [[gnu::always_inline]] inline bool addRowIn(FloatColumns& columns, const float* row, double weight)
 {
     // The processor's own prefetching stops at the end of each page; without this one, memory and sums take turns.
@@ -126,7 +126,7 @@ template <typename Doubles>
     levels = levels > 1.0f ? Float4{1.0f, 1.0f, 1.0f, 1.0f} : levels;
 }
 
-template <typename Doubles>
+template <class Doubles>
 [[gnu::always_inline]] inline void storeAveragesIn(const FloatColumns& columns, double rowInverse, float* dst,
                                                    std::vector<std::size_t>& untold)
 {

@@ -1,4 +1,4 @@
-#include "ResizeFootprint.h"
+#include "krender/pixels/private/ResizeFootprint.h"
 
 #include <algorithm>
 #include <cmath>

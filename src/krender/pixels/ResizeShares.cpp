@@ -1,4 +1,4 @@
-#include "ResizeShares.h"
+#include "krender/pixels/private/ResizeShares.h"
 
 #include <numeric>
 

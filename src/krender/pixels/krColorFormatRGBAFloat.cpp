@@ -1,9 +1,9 @@
 #include <krender/pixels/krColorFormatRGBAFloat.h>
 
-#include "FixedFloat.h"
-#include "NormalMap.h"
-#include "PixelStorage.h"
-#include "Resize.h"
+#include "krender/pixels/private/FixedFloat.h"
+#include "krender/pixels/private/NormalMap.h"
+#include "krender/pixels/private/PixelStorage.h"
+#include "krender/pixels/private/Resize.h"
 
 #include <algorithm>
 #include <cstdlib>

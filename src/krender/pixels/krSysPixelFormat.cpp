@@ -1,6 +1,6 @@
 #include <krender/pixels/krSysPixelFormat.h>
 
-#include "PixelStorage.h"
+#include "krender/pixels/private/PixelStorage.h"
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 #include <krender/shadergen/CgMaterialCompiler.h>
 
-#include <krender/shadergen/FragmentWriter.h>
+#include "krender/shadergen/private/FragmentWriter.h"
 #include <krender/shadergen/InterpolantBank.h>
 
 namespace

@@ -1,7 +1,7 @@
-#include <krender/shadergen/FragmentWriter.h>
+#include "krender/shadergen/private/FragmentWriter.h"
 
+#include "krender/shading/private/StatementPrinter.h"
 #include <krender/shading/Statement.h>
-#include <krender/shading/StatementPrinter.h>
 
 #include <utility>
 

@@ -1,7 +1,7 @@
 #include <krender/shading/DataType.h>
 
-#include <krender/shading/DataTypeTable.h>
-#include <krender/shading/Words.h>
+#include "krender/shading/private/DataTypeTable.h"
+#include "krender/shading/private/Words.h"
 
 constinit const std::array<DataTypeInfo, kDataTypeCount> dataTypeInfo = krShadingDag::kDataTypes;
 

@@ -131,7 +131,7 @@ const Token& ShadingParser::peek(unsigned n)
     return endOfStream;
 }
 
-Token ShadingParser::token_ahead(unsigned int n) { return peek(n); }
+Token ShadingParser::token_ahead(unsigned n) { return peek(n); }
 
 Token ShadingParser::consume_front_token()
 {

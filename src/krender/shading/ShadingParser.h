@@ -41,7 +41,7 @@ public:
     /// Reads a token into the back of the queue; the reference lasts until the queue changes.
     Token& accumulate_token();
     /// The n-th token not consumed yet, 0 being the front; EndOfStream where the source has ended.
-    [[nodiscard]] Token token_ahead(unsigned int n);
+    [[nodiscard]] Token token_ahead(unsigned n);
     /// Takes the front token.
     Token consume_front_token();
     /// The source from the start of `first` through the first character of `last`.
@@ -55,10 +55,10 @@ public:
     void parseFuncDef();
     /// Reads the header at the front of the queue without consuming it.
     /// @return  the place of its ")" in the queue
-    unsigned int parseFuncHeader();
+    unsigned parseFuncHeader();
     /// Reads an optional range such as "uniform" or "uniform:fragment" at a place of the queue and moves the place past
     /// it. Without one the range is the full one; a reversed one is empty.
-    CompFreqRange readOptionalCompFreqRange(unsigned int& index);
+    CompFreqRange readOptionalCompFreqRange(unsigned& index);
 
     // Statements. Each reads its form into the block and tells whether the front tokens began it.
     bool parseStatement(StatementCompound& block);
@@ -81,7 +81,7 @@ private:
     void beginSpec(NodeType nodeType);
     void finishSpec();
     void forgetFunction();
-    void parseArgument(unsigned int& index);
+    void parseArgument(unsigned& index);
     static Statement& appendTyped(StatementCompound& block, StatementType type);
     void parseBlock(StatementCompound& block);
     void parseBody(StatementCompound& block);

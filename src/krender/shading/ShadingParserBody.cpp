@@ -1,7 +1,7 @@
 // Statements and function bodies. Only the block structure is recognised: every other statement is kept as its text.
 #include <krender/shading/ShadingParser.h>
 
-#include <krender/shading/Require.h>
+#include "krender/shading/private/Require.h"
 #include <krender/shading/Statement.h>
 
 namespace krShadingDag

@@ -1,7 +1,7 @@
 // Declarations and function headers.
 #include <krender/shading/ShadingParser.h>
 
-#include <krender/shading/Require.h>
+#include "krender/shading/private/Require.h"
 
 #include <array>
 
@@ -136,7 +136,7 @@ void ShadingParser::finishSpec()
     static_cast<void>(fUnfinished.release());
 }
 
-unsigned int ShadingParser::parseFuncHeader()
+unsigned ShadingParser::parseFuncHeader()
 {
     unsigned i = 0;
     const CompFreqRange outputRange = readOptionalCompFreqRange(i);
@@ -170,7 +170,7 @@ unsigned int ShadingParser::parseFuncHeader()
 }
 
 /// Reads one argument of a header, and a comma behind it where there is one.
-void ShadingParser::parseArgument(unsigned int& index)
+void ShadingParser::parseArgument(unsigned& index)
 {
     const bool isOutput = peek(index).type == TokenType::KeywordOut;
     if (isOutput)
@@ -192,7 +192,7 @@ void ShadingParser::parseArgument(unsigned int& index)
         ++index;
 }
 
-CompFreqRange ShadingParser::readOptionalCompFreqRange(unsigned int& index)
+CompFreqRange ShadingParser::readOptionalCompFreqRange(unsigned& index)
 {
     const CompFreq minFreq = tokenToCompFreq(peek(index));
     if (minFreq == kFreqInvalid)

@@ -1,6 +1,6 @@
 #include <krender/shading/Statement.h>
 
-#include <krender/shading/StatementPrinter.h>
+#include "krender/shading/private/StatementPrinter.h"
 #include <krender/shading/Tokenizer.h>
 
 #include <utility>

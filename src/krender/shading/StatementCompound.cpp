@@ -1,6 +1,6 @@
 #include <krender/shading/StatementCompound.h>
 
-#include <krender/shading/StatementPrinter.h>
+#include "krender/shading/private/StatementPrinter.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,4 +1,4 @@
-#include <krender/shading/StatementPrinter.h>
+#include "krender/shading/private/StatementPrinter.h"
 
 #include <algorithm>
 

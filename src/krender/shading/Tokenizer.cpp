@@ -1,7 +1,7 @@
 #include <krender/shading/Tokenizer.h>
 
+#include "krender/shading/private/Words.h"
 #include <krender/core/Exception.h>
-#include <krender/shading/Words.h>
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
-#include <krender/shading/Words.h>
+#include "krender/shading/private/Words.h"
 
-#include <krender/shading/DataTypeTable.h>
+#include "krender/shading/private/DataTypeTable.h"
 
 #include <algorithm>
 #include <array>

@@ -8,7 +8,7 @@ void IHWLight::setLightType(LightType type) { fLightType = type; }
 
 void IHWLight::releaseLightResources() {}
 
-void IHWLight::computeThresholdRadius(float intensity, float threshold, unsigned int decay) noexcept
+void IHWLight::computeThresholdRadius(float intensity, float threshold, unsigned decay) noexcept
 {
     fThresholdRadius = 0.0f;
     if (decay == 0 || !(threshold > 0.0f))

@@ -41,7 +41,7 @@ public:
     /// Sets the threshold radius to the distance at which intensity / distance^decay falls to the threshold.
     /// @param intensity  its sign does not matter
     /// @param decay      0 for a light that does not fade, which has no end, as has one with a threshold of 0 or less
-    void computeThresholdRadius(float intensity, float threshold, unsigned int decay) noexcept;
+    void computeThresholdRadius(float intensity, float threshold, unsigned decay) noexcept;
 
 protected:
     krColor::Color fAmbient{0.0f, 0.0f, 0.0f, 1.0f};

@@ -19,7 +19,7 @@ public:
     /// @param applicationShell  the host's Xt application shell (a Widget), the parent of the window; borrowed; null
     ///                          for the library's own
     /// @return  0 when done, 2 on failure
-    virtual int create(const char* name, unsigned int width, unsigned int height, MessageHandler* handler,
+    virtual int create(const char* name, unsigned width, unsigned height, MessageHandler* handler,
                        void* applicationShell) = 0;
     virtual void show() = 0;
     virtual void hide() = 0;

@@ -10,6 +10,6 @@ void MessageHandler::windowMoved() {}
 
 void MessageHandler::resize(int, int) {}
 
-void MessageHandler::keyboard(unsigned int) {}
+void MessageHandler::keyboard(unsigned) {}
 
 void MessageHandler::mouseButton(int, int, int, int) {}

@@ -17,7 +17,7 @@ public:
     /// @param width   pixels
     /// @param height  pixels
     virtual void resize(int width, int height);
-    virtual void keyboard(unsigned int key);
+    virtual void keyboard(unsigned key);
     /// What the numbers mean is between the host's loop and its handler.
     virtual void mouseButton(int, int, int, int);
 };

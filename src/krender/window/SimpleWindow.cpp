@@ -27,8 +27,8 @@ constexpr int kDestroyed = 2;
 
 struct Size
 {
-    unsigned int width = 0;
-    unsigned int height = 0;
+    unsigned width = 0;
+    unsigned height = 0;
     friend bool operator==(const Size&, const Size&) = default;
 };
 
@@ -38,8 +38,8 @@ std::optional<Size> sizeOf(Display* display, Window window)
     Window root = 0;
     int x = 0;
     int y = 0;
-    unsigned int border = 0;
-    unsigned int depth = 0;
+    unsigned border = 0;
+    unsigned depth = 0;
     Size size;
     if (!XGetGeometry(display, window, &root, &x, &y, &size.width, &size.height, &border, &depth))
         return std::nullopt;
@@ -124,7 +124,7 @@ _WidgetRec* SimpleWindow::ownApplicationShell()
     return fsApplicationShell;
 }
 
-int SimpleWindow::create(const char* name, unsigned int width, unsigned int height, MessageHandler* handler,
+int SimpleWindow::create(const char* name, unsigned width, unsigned height, MessageHandler* handler,
                          void* applicationShell)
 {
     Widget shell = applicationShell ? static_cast<Widget>(applicationShell) : ownApplicationShell();

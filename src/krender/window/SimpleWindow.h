@@ -32,7 +32,7 @@ public:
 
     /// Makes the window at the place (0, 0) of its screen. To be called once.
     /// @return  0 when done; 2 when there is no application shell or no pop-up shell
-    int create(const char* name, unsigned int width, unsigned int height, MessageHandler* handler,
+    int create(const char* name, unsigned width, unsigned height, MessageHandler* handler,
                void* applicationShell) override;
     void show() override;
     void hide() override;

@@ -27,7 +27,7 @@ public:
     void add(const krLinear::Point& p) { append({p.x, p.y, p.z}); }
 
     /// A stream of floats that owns a copy of the values; its creator's reference goes to the caller.
-    [[nodiscard]] const GeometryData* stream(const char* name, GeometryData::DataType type, unsigned int components,
+    [[nodiscard]] const GeometryData* stream(const char* name, GeometryData::DataType type, unsigned components,
                                              int setIndex = 0) const;
 
 private:
@@ -39,10 +39,10 @@ private:
 /// An index list that owns a copy of the indices; its creator's reference goes to the caller.
 [[nodiscard]] const GeometryDataIndex* indexList(GeometryDataIndex::DrawPrimitiveType type,
                                                  const std::vector<const GeometryData*>& streams,
-                                                 const std::vector<unsigned int>& indices);
+                                                 const std::vector<unsigned>& indices);
 
 /// Appends indices to a list.
-inline void addFace(std::vector<unsigned int>& indices, std::initializer_list<unsigned int> face)
+inline void addFace(std::vector<unsigned>& indices, std::initializer_list<unsigned> face)
 {
     indices.insert(indices.end(), face);
 }
@@ -50,9 +50,9 @@ inline void addFace(std::vector<unsigned int>& indices, std::initializer_list<un
 /// Positions, normals and texture coordinates that do not share indices.
 struct Surface
 {
-    std::vector<unsigned int> positions;
-    std::vector<unsigned int> normals;
-    std::vector<unsigned int> textureCoords;
+    std::vector<unsigned> positions;
+    std::vector<unsigned> normals;
+    std::vector<unsigned> textureCoords;
 };
 
 /// Appends two groups over the same three streams: one of quads, one of triangles, each with a list of its own for every

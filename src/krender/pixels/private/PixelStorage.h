@@ -16,7 +16,7 @@ namespace krPixels
 
 /// Storage for w x h x d pixels of four components.
 /// @return  null when a dimension is 0, when the number of components does not fit 32 bits, and when there is no memory
-template <typename Component>
+template <class Component>
 [[nodiscard]] void* allocateRGBA(unsigned w, unsigned h, unsigned d) noexcept
 {
     const auto components = product32({4, w, h, d});

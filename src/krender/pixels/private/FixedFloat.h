@@ -11,7 +11,7 @@ void convert(const float* src, std::size_t count, unsigned char* dst) noexcept;
 void convert(const unsigned char* src, std::size_t count, float* dst) noexcept;
 
 /// A converted copy of an RGBA image in storage from the format's allocate; null when src is null or there is none.
-template <typename Component, typename Format, typename Source>
+template <class Component, class Format, class Source>
 [[nodiscard]] Component* converted(const Format& format, const Source* src, unsigned w, unsigned h, unsigned d)
 {
     if (src == nullptr || (w == 0 && h == 0 && d == 0))

@@ -1,5 +1,5 @@
 #pragma once
-#include "ResizeFootprint.h"
+#include "krender/pixels/private/ResizeFootprint.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -14,7 +14,7 @@ inline constexpr double kResizeNudge = 0.00001;
 
 /// One pixel of a resized image, weight by weight and in double precision: the form that the fast ones must agree with,
 /// and that they turn to where their own precision cannot tell.
-template <typename Component>
+template <class Component>
 void averagePixel(const Component* src, std::size_t srcW, const ResizeFootprint& rows, const ResizeFootprint& columns,
                   Component* dst) noexcept
 {
@@ -38,7 +38,7 @@ void averagePixel(const Component* src, std::size_t srcW, const ResizeFootprint&
 }
 
 /// A whole image, pixel by pixel.
-template <typename Component>
+template <class Component>
 void resizePlainly(const Component* src, unsigned srcW, unsigned srcH, Component* dst, unsigned dstW, unsigned dstH)
 {
     const auto columns = resizeFootprints(srcW, dstW);

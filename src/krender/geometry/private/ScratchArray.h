@@ -1,5 +1,5 @@
 #pragma once
-#include <krender/core/HugePages.h>
+#include "krender/core/private/HugePages.h"
 
 #include <cstddef>
 #include <cstdlib>

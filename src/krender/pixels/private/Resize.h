@@ -14,7 +14,7 @@ void resize(const float* src, unsigned srcW, unsigned srcH, float* dst, unsigned
 
 /// A resized copy in storage from the format's allocate; null when src is null, when there is no storage, when a size is
 /// 0 and when the size does not change.
-template <typename Component, typename Format>
+template <class Component, class Format>
 [[nodiscard]] Component* resized(const Format& format, const Component* src, unsigned srcW, unsigned srcH,
                                  unsigned dstW, unsigned dstH)
 {

@@ -1,5 +1,5 @@
 #pragma once
-#include "ResizePlain.h"
+#include "krender/pixels/private/ResizePlain.h"
 
 namespace krPixels
 {
@@ -27,7 +27,7 @@ struct ResizeRun
 /// @param rowRuns, columnRuns  what the fast form knows of each run, derived from ResizeRun
 /// @param averageRow           resizes one row: takes a row's run, where to write, and where to add the indices of the
 ///                             column runs that it cannot tell
-template <typename Component, typename Run, typename AverageRow>
+template <class Component, class Run, class AverageRow>
 void resizeByRuns(const Component* src, unsigned srcW, unsigned srcH, Component* dst, unsigned dstW, unsigned dstH,
                   const std::vector<Run>& rowRuns, const std::vector<Run>& columnRuns, AverageRow averageRow)
 {

@@ -1,5 +1,5 @@
 #pragma once
-#include "ResizeRuns.h"
+#include "krender/pixels/private/ResizeRuns.h"
 
 namespace krPixels
 {

@@ -37,7 +37,7 @@ struct Double4
     Double2 ba;
 };
 
-template <typename Lanes, typename Component>
+template <class Lanes, class Component>
 [[nodiscard]] inline Lanes loadLanes(const Component* components) noexcept
 {
     Lanes lanes;
@@ -45,7 +45,7 @@ template <typename Lanes, typename Component>
     return lanes;
 }
 
-template <typename Lanes, typename Component>
+template <class Lanes, class Component>
 inline void storeLanes(const Lanes& lanes, Component* components) noexcept
 {
     std::memcpy(components, &lanes, sizeof lanes);
