@@ -82,7 +82,8 @@ const ShadingAttribute& ShadingNodeSpec::output(const krString::CString& name, b
 
 const ShadingAttribute& ShadingNodeSpec::input(unsigned i) const
 {
-    return i < fInputs.size() ? fInputs[i] : defaultAttribute();
+    static const ShadingAttribute missing;
+    return i < fInputs.size() ? fInputs[i] : missing;
 }
 
 unsigned ShadingNodeSpec::getOffsetOfInput(const krString::CString& name, bool) const
@@ -129,26 +130,28 @@ bool ShadingNodeSpec::matchArguments(const Arguments& candidates) const { return
 ShadingAttribute& ShadingNodeSpec::addInput(DataType type, const krString::CString& name, const CompFreqRange& range)
 {
     const bool taken = findByName(fInputs, name) != fInputs.end();
-    appendInput(ShadingAttribute(name, type, range));
-    if (taken)
-        verifyAlways(false, krString::plus("input variable already exists: ", name));
+    appendInput(name, type, range);
+    if (taken) // the name may have been one of an input, which has moved
+        verifyAlways(false, krString::plus("input variable already exists: ", fInputs.back().name()));
     return fInputs.back();
 }
 
 ShadingAttribute& ShadingNodeSpec::addOutput(DataType type, const krString::CString& name, const CompFreqRange& range)
 {
-    appendOutput(ShadingAttribute(name, type, range));
+    appendOutput(name, type, range);
     return fOutputs.back();
 }
 
-void ShadingNodeSpec::appendInput(const ShadingAttribute& attribute)
+void ShadingNodeSpec::appendInput(const krString::CString& name, DataType type, const CompFreqRange& range)
 {
+    const ShadingAttribute attribute(name, type, range);
     fInputs.push_back(attribute);
     fArguments.emplace_back(kInput, attribute);
 }
 
-void ShadingNodeSpec::appendOutput(const ShadingAttribute& attribute)
+void ShadingNodeSpec::appendOutput(const krString::CString& name, DataType type, const CompFreqRange& range)
 {
+    const ShadingAttribute attribute(name, type, range);
     fOutputs.push_back(attribute);
     if (krString::notEqual(attribute.name(), "output"))
         fArguments.emplace_back(kOutput, attribute);
@@ -167,8 +170,11 @@ void ShadingNodeSpec::updateIlluminanceLoopFlag()
 
 void ShadingNodeSpec::assignShaderManager(IHWShaderManager* manager)
 {
-    if (manager != fShaderManager.get())
-        fShaderManager.reset(manager);
+    if (manager == fShaderManager.get())
+        return;
+    std::unique_ptr<IHWShaderManager> adopted(manager);
+    fShaderManager.reset(); // first: the old one's destructor must not meet the new one
+    fShaderManager = std::move(adopted);
 }
 
 void ShadingNodeSpec::releaseShaderManager() { fShaderManager.reset(); }
@@ -191,9 +197,9 @@ void ShadingNodeSpec::cloneFrom(const ShadingNodeSpec& other)
     fSecondName = other.fSecondName;
     fNodeType = other.fNodeType;
     for (const ShadingAttribute& attribute : other.fInputs)
-        appendInput(attribute);
+        appendInput(attribute.name(), attribute.dataType(), attribute.range());
     for (const ShadingAttribute& attribute : other.fOutputs)
-        appendOutput(attribute);
+        appendOutput(attribute.name(), attribute.dataType(), attribute.range());
     fBody.cloneFrom(other.fBody);
 }
 

@@ -130,8 +130,8 @@ public:
     static std::int32_t fsNumInstances_ShadingNodeSpec;
 
 private:
-    void appendInput(const ShadingAttribute& attribute);
-    void appendOutput(const ShadingAttribute& attribute);
+    void appendInput(const krString::CString& name, DataType type, const CompFreqRange& range);
+    void appendOutput(const krString::CString& name, DataType type, const CompFreqRange& range);
 
     krString::CString fName;
     krString::CString fSecondName;
