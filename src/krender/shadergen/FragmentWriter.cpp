@@ -1,7 +1,9 @@
 #include "krender/shadergen/private/FragmentWriter.h"
 
 #include "krender/shading/private/StatementPrinter.h"
+#include <krender/shading/DataType.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -26,7 +28,7 @@ void appendUniform(std::string& out, const FragmentSpelling& spelling, std::stri
               {"\tuniform ", dataTypeName(input.dataType()), " ", prefix, input.name().view(), spelling.uniformEnd});
 }
 
-/// The program has text for as many blocks within each other; every level adds to the indent of all lines below.
+/// Blocks nested deeper are not printed: the indent makes a program's length grow with the square of its depth.
 constexpr std::size_t kDeepestBlock = 10'000;
 
 /// Prints a material's body with the lights' code in place of its illuminance blocks.
@@ -121,7 +123,7 @@ private:
             if (isUniform(input))
                 printAlias(light, input);
         printLiteral("\n// LIGHT-SPECIFIC ILLUMINATION COMPUTATION.");
-        // An illuminance block of the light's own stays: no light shines on a light, and expanding has to end.
+        // Illuminance blocks in a light's own code stay: expanding them would never end.
         fExpands = false;
         enter(light.spec->body().statement(0)->children(), kEndOfLight);
     }
@@ -182,7 +184,7 @@ private:
     bool fIsFirst = true; ///< until the body's first statement is printed
 };
 
-/// The declarations that one illuminance block brings along.
+/// The declarations of the lights' uniforms for one illuminance block.
 std::string lightUniforms(const FragmentSpelling& spelling, const std::vector<LightSpec>& lights)
 {
     std::string uniforms;

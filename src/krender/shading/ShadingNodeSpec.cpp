@@ -4,6 +4,9 @@
 #include <krender/shading/Statement.h>
 
 #include <algorithm>
+#include <string>
+#include <tuple>
+#include <utility>
 
 namespace krShadingDag
 {
@@ -11,14 +14,14 @@ namespace krShadingDag
 namespace
 {
 
-/// What look-ups answer that find nothing.
+/// What look-ups by name return when they find nothing.
 const ShadingAttribute& defaultAttribute()
 {
     static const ShadingAttribute attribute;
     return attribute;
 }
 
-/// Built with the library, so that its instance is counted from the start.
+/// Makes it at load time, so that its instance is counted from the start.
 [[maybe_unused]] const ShadingAttribute& defaultAttributeMade = defaultAttribute();
 
 ShadingNodeSpec::Attributes::const_iterator findByName(const ShadingNodeSpec::Attributes& attributes,
@@ -131,7 +134,7 @@ ShadingAttribute& ShadingNodeSpec::addInput(DataType type, const krString::CStri
 {
     const bool taken = findByName(fInputs, name) != fInputs.end();
     appendInput(name, type, range);
-    if (taken) // the name may have been one of an input, which has moved
+    if (taken) // the name may have been that of an input, which has moved
         verifyAlways(false, krString::plus("input variable already exists: ", fInputs.back().name()));
     return fInputs.back();
 }
@@ -173,7 +176,7 @@ void ShadingNodeSpec::assignShaderManager(IHWShaderManager* manager)
     if (manager == fShaderManager.get())
         return;
     std::unique_ptr<IHWShaderManager> adopted(manager);
-    fShaderManager.reset(); // first: the old one's destructor must not meet the new one
+    fShaderManager.reset();
     fShaderManager = std::move(adopted);
 }
 
@@ -239,7 +242,7 @@ ShadingNodeSpec* ShadingNodeSpec::addToLibrary()
 
 void ShadingNodeSpec::clearLibrary()
 {
-    // Taken out first: a manager that is destroyed along may look into the library.
+    // Emptied first: a manager that ends with its spec may look into the library.
     const Library library = std::exchange(fLibrary, {});
     for (const auto& [name, spec] : library)
         delete spec;
