@@ -18,6 +18,67 @@ CString text(std::initializer_list<CString> pieces)
     return all;
 }
 
+// Printing, each level as a string of its own.
+
+CString indented(const CString& text, const CString& prefix)
+{
+    const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
+    unsigned base = 0;
+    while (isBlank(text[base]))
+        ++base;
+    CString out;
+    unsigned blanks = 0;
+    bool atLineStart = true;
+    for (unsigned i = base; i < text.length(); ++i)
+    {
+        if (text[i] == '\n')
+        {
+            atLineStart = true;
+            blanks = 0;
+        }
+        else if (atLineStart && isBlank(text[i]))
+        {
+            if (++blanks <= base)
+                continue;
+        }
+        else if (atLineStart)
+        {
+            krString::plusEqual(out, prefix);
+            atLineStart = false;
+        }
+        krString::plusEqual(out, CString(text[i]));
+    }
+    return out;
+}
+
+CString printed(const StatementCompound& list, const CString& indent);
+
+CString printed(const Statement& statement, const CString& indent)
+{
+    const CString children = printed(statement.children(), krString::plus(indent, "\t"));
+    switch (statement.type())
+    {
+    case StatementType::Block:
+        return text({indent, "{\n", children, indent, "}"});
+    case StatementType::Illuminance:
+        return text({indent, "illuminance\n", indent, "{\n", children, indent, "}"});
+    case StatementType::If:
+        return text({indented(statement.text(), indent), "\n", indent, "{\n", children, indent, "}"});
+    case StatementType::Else:
+        return text({indent, "else\n", indent, "{", children, indent, "}"});
+    default:
+        return indented(statement.text(), indent);
+    }
+}
+
+CString printed(const StatementCompound& list, const CString& indent)
+{
+    CString out;
+    for (unsigned i = 0; i < list.size(); ++i)
+        krString::plusEqual(out, krString::plus(printed(*list.statement(i), indent), "\n"));
+    return out;
+}
+
 StatementCompound& appendBlock(StatementCompound& list)
 {
     Statement* block = list.appendStatement(nullptr);
@@ -110,6 +171,6 @@ SplicedFragment spliceLights(const SplicerTarget& target, const ShadingNodeSpec&
     first->setType(StatementType::Literal);
     first->setText(aliases, true);
     outer.appendLiteralStatement(target.result);
-    fragment.body = copy.body().toString("", "\t");
+    fragment.body = printed(copy.body(), "");
     return fragment;
 }

@@ -125,7 +125,8 @@ TEST(StatementCompound, FindsInPreOrder)
     Statement* found = list.findStatement(StatementType::Illuminance);
     ASSERT_NE(found, nullptr);
     EXPECT_EQ(found->parent(), &list.statement(1)->children()) << "nested before a later sibling";
-    EXPECT_EQ(list.findStatement(StatementType::Else), nullptr);
+    list.statement(0)->children().appendLiteralStatement("")->setType(StatementType::Else);
+    EXPECT_EQ(list.findStatement(StatementType::Else), nullptr) << "below a statement that is not compound";
     bool here = true;
     EXPECT_EQ(list.findIndex(found, here), 0u);
     EXPECT_FALSE(here) << "an index is asked of the list itself, not of what is below";
@@ -142,6 +143,8 @@ TEST(StatementCompound, InsertsAroundAStatement)
     EXPECT_EQ(print(list), "b\nc\nd\ne\nf\n");
     for (unsigned i = 0; i < list.size(); ++i)
         EXPECT_EQ(list.statement(i)->parent(), &list);
+    EXPECT_EQ(d->type(), StatementType::Literal);
+    EXPECT_TRUE(d->isLiteral());
     StatementCompound other;
     EXPECT_EQ(other.insertNewStatement(d, true), nullptr);
 }

@@ -22,7 +22,7 @@ const ShadingAttribute& defaultAttribute()
 }
 
 /// Makes it at load time, so that its instance is counted from the start.
-[[maybe_unused]] const ShadingAttribute& defaultAttributeMade = defaultAttribute();
+[[maybe_unused]] const ShadingAttribute& gDefaultAttribute = defaultAttribute();
 
 ShadingNodeSpec::Attributes::const_iterator findByName(const ShadingNodeSpec::Attributes& attributes,
                                                        const krString::CString& name)
