@@ -1,0 +1,30 @@
+#pragma once
+#include "krender/frontend/private/ExprWalk.h"
+
+#include <deque>
+#include <optional>
+
+namespace krFrontend
+{
+
+/// Works out constant expressions, as the targets would: floats in single precision, ints in 32 bits that wrap.
+class ConstantFolder
+{
+public:
+    /// The value of an expression that was checked; nothing where it is not constant.
+    [[nodiscard]] const ConstantValue* evaluate(Expr* expr);
+    /// The same, converted to the type of the place that it is for: an int to a float.
+    [[nodiscard]] const ConstantValue* evaluate(Expr* expr, const Type& type);
+
+private:
+    [[nodiscard]] std::optional<ConstantValue> fold(const Expr* expr, const ConstantValue* operands) const;
+
+    ExprWalk fWalk;
+    std::vector<ConstantValue> fValues;
+    std::deque<ConstantValue> fKept;
+};
+
+/// Whether only literals stand in the expression.
+[[nodiscard]] bool isLiteral(Expr* expr);
+
+} // namespace krFrontend

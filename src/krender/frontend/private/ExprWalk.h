@@ -1,0 +1,54 @@
+#pragma once
+#include "krender/frontend/private/Syntax.h"
+
+#include <utility>
+
+namespace krFrontend
+{
+
+/// Visits the nodes of expressions without recursion, as they nest deeper than a stack allows: a chain of 4,096 operators
+/// is a tree of that depth.
+class ExprWalk
+{
+public:
+    /// Calls enter(node) before its operands and leave(node) behind them, operands from left to right.
+    template <class Enter, class Leave>
+    void operator()(Expr* root, Enter enter, Leave leave)
+    {
+        const std::size_t bottom = fStack.size();
+        enter(root);
+        fStack.push_back({root, root->first});
+        while (fStack.size() > bottom)
+        {
+            Frame& frame = fStack.back();
+            if (!frame.operand)
+            {
+                Expr* expr = frame.expr;
+                fStack.pop_back();
+                leave(expr);
+                continue;
+            }
+            Expr* operand = std::exchange(frame.operand, frame.operand->next);
+            enter(operand);
+            fStack.push_back({operand, operand->first});
+        }
+    }
+
+    template <class Leave>
+    void operator()(Expr* root, Leave leave)
+    {
+        (*this)(
+            root, [](Expr*) {}, leave);
+    }
+
+private:
+    struct Frame
+    {
+        Expr* expr;
+        Expr* operand; // the next to be visited
+    };
+
+    std::vector<Frame> fStack;
+};
+
+} // namespace krFrontend

@@ -1,0 +1,40 @@
+#pragma once
+#include <krender/shadergen/LightSpec.h>
+
+#include <span>
+#include <string_view>
+
+/// The languages that programs are written in. Several targets may share one.
+enum class TargetLanguage : std::uint8_t
+{
+    Glsl120,
+    Cg,
+};
+
+inline constexpr unsigned kTargetLanguageCount = 2;
+
+/// What programs can be written for.
+struct Target
+{
+    std::string_view name; ///< as people call it: "glsl"
+    TargetLanguage language;
+    std::string_view vertexEnding; ///< of a file's name, with the point
+    std::string_view fragmentEnding;
+    /// What a compiler that is not told otherwise needs ahead of a program; empty where nothing is missing.
+    std::string_view preamble;
+    /// How many vertex inputs fit, one register each; 0: any number.
+    unsigned vertexInputs;
+    /// The registers of four components between the stages, shared by component; 0: any number.
+    unsigned interpolants;
+    /// Words that a name in a program may not be, ordered: keywords, those kept for later, and the macros of our own.
+    std::span<const std::string_view> reservedWords;
+    void (*compile)(const krShadingDag::ShadingNodeSpec& material, const std::vector<LightSpec>* lights,
+                    krString::CString& vertexProgram, krString::CString& fragmentProgram);
+
+    [[nodiscard]] KRENDER_EXPORT bool isReserved(std::string_view word) const noexcept;
+};
+
+/// All targets, in the order in which lists show them.
+[[nodiscard]] KRENDER_EXPORT std::span<const Target> targets() noexcept;
+/// The target of that name, or null.
+[[nodiscard]] KRENDER_EXPORT const Target* findTarget(std::string_view name) noexcept;
