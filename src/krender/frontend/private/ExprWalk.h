@@ -11,13 +11,14 @@ namespace krFrontend
 class ExprWalk
 {
 public:
-    /// Calls enter(node) before its operands and leave(node) behind them, operands from left to right.
+    /// Calls enter(node) before its operands and leave(node) behind them, operands from left to right. Where enter
+    /// answers false, the node's operands are passed over, and leave is not called for it.
     template <class Enter, class Leave>
     void operator()(Expr* root, Enter enter, Leave leave)
     {
         const std::size_t bottom = fStack.size();
-        enter(root);
-        fStack.push_back({root, root->first});
+        if (enter(root))
+            fStack.push_back({root, root->first});
         while (fStack.size() > bottom)
         {
             Frame& frame = fStack.back();
@@ -29,8 +30,8 @@ public:
                 continue;
             }
             Expr* operand = std::exchange(frame.operand, frame.operand->next);
-            enter(operand);
-            fStack.push_back({operand, operand->first});
+            if (enter(operand))
+                fStack.push_back({operand, operand->first});
         }
     }
 

@@ -1,0 +1,141 @@
+#include "krender/frontend/private/Lowering.h"
+
+#include <algorithm>
+
+namespace krFrontend
+{
+namespace
+{
+
+std::string swizzleLetters(const Expr& expr)
+{
+    std::string letters;
+    for (unsigned i = 0; i < 4 && expr.swizzle[i] < 4; ++i)
+        letters += "xyzw"[expr.swizzle[i]];
+    return letters;
+}
+
+/// An assignment's word in a helper's name.
+std::string_view wordOf(std::string_view op) noexcept
+{
+    if (op == "+=")
+        return "Add";
+    if (op == "-=")
+        return "Subtract";
+    if (op == "*=")
+        return "Multiply";
+    return op == "/=" ? "Divide" : "Set";
+}
+
+/// A variable that a piece of code uses, and whether it changes it.
+struct Captured
+{
+    const Symbol* symbol;
+    bool isChanged;
+};
+
+void capture(std::vector<Captured>& captured, const Symbol& symbol, bool isChanged)
+{
+    if (symbol.kind == SymbolKind::Constant)
+        return;
+    const auto known =
+        std::find_if(captured.begin(), captured.end(), [&](const Captured& c) { return c.symbol == &symbol; });
+    if (known == captured.end())
+        captured.push_back({&symbol, isChanged});
+    else
+        known->isChanged |= isChanged;
+}
+
+const Symbol& rootOf(const Expr* target)
+{
+    while (target->kind == ExprKind::Index || target->kind == ExprKind::Swizzle)
+        target = target->first;
+    return *target->symbol;
+}
+
+} // namespace
+
+std::string Lowering::outlineChoice(Expr* expr)
+{
+    // Cg works out both sides of && and || and both values of ?:, so a choice with effects becomes a function, in which
+    // an if decides. What it uses is handed to it.
+    std::vector<Captured> captured;
+    std::uint8_t provided = 0;
+    ExprWalk walk;
+    walk(expr,
+         [&](Expr* e)
+         {
+             if (e->kind == ExprKind::Variable)
+                 capture(captured, *e->symbol, false);
+             const bool steps = e->op == TokenKind::PlusPlus || e->op == TokenKind::MinusMinus;
+             if (e->kind == ExprKind::Assign || ((e->kind == ExprKind::Unary || e->kind == ExprKind::Postfix) && steps))
+                 capture(captured, rootOf(e->first), true);
+             if (e->kind != ExprKind::Call || e->isBuiltin)
+                 return;
+             provided |= e->function->provided;
+             const Expr* value = e->first;
+             for (const Symbol* argument = e->function->arguments; argument; argument = argument->next, value = value->next)
+                 if (argument->kind != SymbolKind::Input)
+                     capture(captured, rootOf(value), true);
+         });
+    for (const Captured& c : captured)
+        for (unsigned i = 0; i < kPassedValues; ++i)
+            if (c.symbol->kind == SymbolKind::Provided && nameOf(*c.symbol) == kProvidedValues[i].name)
+                provided &= static_cast<std::uint8_t>(~(1u << i));
+
+    std::string declared = providedArguments(provided, true);
+    std::string passed = providedArguments(provided, false);
+    for (const Captured& c : captured)
+    {
+        const Type& type = c.symbol->type;
+        declared += (declared.empty() ? "" : ", ") + std::string(c.isChanged ? "inout " : "") + typeText(type) + " " +
+                    nameOf(*c.symbol) + (type.isArray() ? "[" + std::to_string(type.arrayLength) + "]" : "");
+        passed += (passed.empty() ? "" : ", ") + nameOf(*c.symbol);
+    }
+
+    const std::string first = render(expr->first);
+    const std::string second = render(expr->second());
+    std::string body;
+    if (expr->kind == ExprKind::Conditional)
+        body = "\tif (" + first + ")\n\t\treturn " + second + ";\n\treturn " + render(expr->third()) + ";\n";
+    else if (expr->op == TokenKind::And)
+        body = "\tif (!(" + first + "))\n\t\treturn false;\n\treturn " + second + ";\n";
+    else
+        body = "\tif (" + first + ")\n\t\treturn true;\n\treturn " + second + ";\n";
+    const std::string name = fProgram.names().invent("choice");
+    const Type type = expr->toFloat ? kIntType : expr->type;
+    fProgram.text().append(typeText(type) + " " + name + "(" + declared + ")\n{\n" + body + "}\n\n",
+                           {&fModule.sources, expr->begin}, false);
+    return name + "(" + passed + ")";
+}
+
+std::string Lowering::storeColumn(Expr* target, std::string_view op, const std::string& value, const Type& valueType)
+{
+    const bool isPart = target->kind == ExprKind::Swizzle;
+    Expr* column = isPart ? target->first : target;
+    const std::string_view assignment = op.ends_with('=') && op[0] != '=' ? op : "=";
+    const Type matrix = column->first->type;
+    const std::string letters = isPart ? swizzleLetters(*target) : std::string("xyzw").substr(0, matrix.size);
+    const std::string name = "kr_column" + std::string(wordOf(assignment)) + (isPart ? "_" + letters : "");
+    const std::string part = typeText({BaseType::Float, static_cast<std::uint8_t>(letters.size()), 0});
+    std::string body = "\t" + part + " c = transpose(m)[i]." + letters + ";\n";
+    if (assignment == "*=" && valueType.isMatrix())
+        body += "\tc = mul(c, v);\n";
+    else
+        body += "\tc " + std::string(assignment) + " v;\n";
+    for (std::size_t k = 0; k < letters.size(); ++k)
+        body += "\tm[" + std::to_string(std::string_view("xyzw").find(letters[k])) + "][i] = " +
+                (letters.size() == 1 ? "c" : std::string("c.") + "xyzw"[k]) + ";\n";
+    fProgram.needHelper(part + " " + name + "(inout " + typeText(matrix) + " m, int i, " + typeText(valueType) +
+                        " v)\n{\n" + body + "\treturn c;\n}\n");
+    return name + "(" + render(column->first) + ", " + render(column->second()) + ", " + value + ")";
+}
+
+std::string Lowering::swappedElement(Expr* element)
+{
+    // m[column][row] is m[row][column] where the first index picks a row.
+    Expr* column = element->first;
+    return render(column->first) + "[" + render(element->second()) + "][" + render(column->second()) + "]";
+}
+
+} // namespace krFrontend

@@ -1,0 +1,163 @@
+#pragma once
+#include "krender/frontend/private/Builtins.h"
+#include "krender/frontend/private/ExprWalk.h"
+#include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/ProgramNames.h"
+#include "krender/frontend/private/TextEdits.h"
+#include <krender/shading/ShadingNodeSpec.h>
+
+#include <map>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace krFrontend
+{
+
+/// Where a line of a program came from.
+struct TextOrigin
+{
+    const SourceSet* sources = nullptr; ///< null: from no source
+    Offset offset = 0;
+};
+
+/// A piece of program text, and for each of its lines where it came from.
+struct TracedText
+{
+    std::string text;
+    std::vector<TextOrigin> lines;
+
+    /// @param origin  of the first line; the others follow it line by line in the source where follows is set
+    void append(std::string_view more, TextOrigin origin, bool follows);
+};
+
+/// What the functions of one program share: their names, and those that were written already.
+class ProgramFunctions
+{
+public:
+    ProgramFunctions(const Target& target, ProgramNames& names) : fTarget(target), fNames(names) {}
+
+    [[nodiscard]] const Target& target() const noexcept { return fTarget; }
+    [[nodiscard]] ProgramNames& names() noexcept { return fNames; }
+    [[nodiscard]] TracedText& text() noexcept { return fText; }
+    /// The name of a function in the program.
+    [[nodiscard]] const std::string& nameOf(const Function& function, const ModuleContents& module);
+    /// Writes a helper of a built-in's, or of our own, the first time that it is needed.
+    void needHelper(std::string_view text);
+
+private:
+    const Target& fTarget;
+    ProgramNames& fNames;
+    TracedText fText;
+    std::unordered_map<const Function*, std::string> fFunctionNames;
+    std::unordered_set<std::string> fHelpers;
+};
+
+/// A material or light as a compiler of the target takes it.
+struct LoweredShader
+{
+    std::unique_ptr<krShadingDag::ShadingNodeSpec> spec;
+    std::unordered_map<const krShadingDag::Statement*, TextOrigin> origins;
+    std::map<std::string, std::string> renamedInputs; ///< KRSL name to name in the program
+};
+
+/// Turns functions of one module into what a target takes. The writer's text stays but for single tokens.
+class Lowering
+{
+public:
+    Lowering(const ModuleContents& module, ProgramFunctions& program);
+
+    /// Writes the functions that a shader calls, callees first, those that stand already left out.
+    void writeFunctions(const Function& shader);
+    /// A material. Its inputs take names of their own in the program.
+    [[nodiscard]] LoweredShader lowerMaterial(const Function& material);
+    /// A light, whose key stands ahead of its inputs' names in the program.
+    /// @param key  changed where it makes names that something else has
+    [[nodiscard]] LoweredShader lowerLight(const Function& light, std::string& key);
+    /// The names of all functions that the shader's own code calls, as the target spells them.
+    void collectCalls(const Function& shader, std::unordered_set<std::string>& names);
+
+private:
+    using Statement = krShadingDag::Statement;
+    using StatementCompound = krShadingDag::StatementCompound;
+
+    [[nodiscard]] std::string_view nameText(Name name) const noexcept { return fModule.store.names.text(name); }
+    [[nodiscard]] bool isCg() const noexcept { return fLanguage == TargetLanguage::Cg; }
+    [[nodiscard]] std::vector<const Function*> callees(const Function& shader) const;
+
+    // LoweringFunctions.cpp
+    void writeFunction(const Function& function);
+    void writeText(const StatementCompound& body, std::string_view head, std::string_view begin, std::string_view end,
+                   Offset origin);
+    void writeLightFunction(const Function& light, const std::string& name, const std::string& key,
+                            LoweredShader& lowered);
+    void lowerHeader(const Function& shader, LoweredShader& lowered);
+    [[nodiscard]] std::string providedArguments(std::uint8_t provided, bool declares) const;
+    void nameLocals(const Function& function, const std::unordered_set<std::string>& called);
+    void nameVariable(const Symbol& symbol, const std::unordered_set<std::string>& called);
+    [[nodiscard]] std::string zeroOf(const Type& type) const;
+
+    // LoweringStatements.cpp
+    void lowerStatements(const Stmt* first, StatementCompound& list);
+    void lowerStatement(const Stmt& statement, StatementCompound& list);
+    /// The statements of a body, without the braces that it may have.
+    void lowerBody(const Stmt* body, StatementCompound& list);
+    void lowerIf(const Stmt& statement, StatementCompound& list);
+    void lowerLoop(const Stmt& statement, StatementCompound& list);
+    void lowerReturn(const Stmt& statement, StatementCompound& list);
+    void addText(StatementCompound& list, krShadingDag::StatementType type, const std::string& text, Offset origin);
+    StatementCompound& addCompound(StatementCompound& list, krShadingDag::StatementType type, const std::string& text,
+                                   Offset origin);
+    void editSimple(const Stmt& statement, TextEdits& edits);
+    void editDeclaration(const Stmt& statement, TextEdits& edits);
+    [[nodiscard]] bool keepsConst(const Stmt& statement) const;
+    /// The source of a statement, or of a part of it, as the target takes it.
+    [[nodiscard]] std::string textOf(const Stmt& statement, SourceRange range);
+
+    // LoweringExpressions.cpp
+    /// What stands around an expression in the program: within the parentheses that the source has around it, or outside.
+    struct Wrap
+    {
+        std::string before;
+        std::string innerBefore;
+        std::string innerAfter;
+        std::string after;
+    };
+    /// Adds the edits that turn an expression into the target's.
+    void edit(Expr* expr, TextEdits& edits);
+    [[nodiscard]] std::string render(Expr* expr);
+    [[nodiscard]] Wrap editNode(const Expr& expr, TextEdits& edits);
+    [[nodiscard]] bool replaceWhole(Expr* expr, TextEdits& edits);
+    void wrapArgument(const Expr& argument, std::string_view before, std::string_view after);
+    void editNumber(const Expr& expr, TextEdits& edits);
+    void editVariable(const Expr& expr, TextEdits& edits);
+    void editBinary(const Expr& expr, TextEdits& edits, Wrap& wrap);
+    void editEquality(const Expr& expr, Wrap& wrap);
+    void editAssign(const Expr& expr, TextEdits& edits, Wrap& wrap);
+    void editCall(const Expr& expr, TextEdits& edits);
+    void editBuiltin(const Expr& expr, TextEdits& edits, Wrap& wrap);
+    [[nodiscard]] bool takesScalars(const Expr& call) const;
+    void editConstruct(const Expr& expr, TextEdits& edits, Wrap& wrap);
+    void editCgMatrix(const Expr& expr, TextEdits& edits, Wrap& wrap);
+    void cutLastArgument(const Expr& expr);
+    void replaceWord(const Expr& expr, std::string_view word, std::string_view text, TextEdits& edits);
+    [[nodiscard]] std::string constantText(const ConstantValue& value) const;
+    [[nodiscard]] std::string typeText(const Type& type) const;
+    [[nodiscard]] const std::string& nameOf(const Symbol& symbol);
+
+    // LoweringCg.cpp: what Cg has no form for
+    [[nodiscard]] std::string outlineChoice(Expr* expr);
+    [[nodiscard]] std::string storeColumn(Expr* target, std::string_view op, const std::string& value,
+                                          const Type& valueType);
+    [[nodiscard]] std::string swappedElement(Expr* target);
+
+    const ModuleContents& fModule;
+    ProgramFunctions& fProgram;
+    TargetLanguage fLanguage;
+    ExprWalk fWalk;
+    std::unordered_map<const Symbol*, std::string> fNames; // those that differ from the source, and asked-for ones
+    std::vector<std::pair<const Expr*, Wrap>> fArgumentWraps; // of arguments that are yet to be visited
+    std::string fReturnText;                                  // what a "return;" becomes
+    std::unordered_map<const Statement*, TextOrigin>* fOrigins = nullptr; // of the statements that are being made
+};
+
+} // namespace krFrontend
