@@ -157,6 +157,17 @@ std::span<const Builtin> findBuiltins(std::string_view name) noexcept
     return {first, last};
 }
 
+bool isBuiltinWord(std::string_view word) noexcept
+{
+    return std::any_of(kBuiltins.begin(), kBuiltins.end(),
+                       [word](const Builtin& row)
+                       {
+                           return row.name == word ||
+                                  std::any_of(row.spellings.begin(), row.spellings.end(),
+                                              [word](const BuiltinSpelling& s) { return s.name == word; });
+                       });
+}
+
 Type signatureType(char letter, unsigned size) noexcept
 {
     const auto n = static_cast<std::uint8_t>(size);

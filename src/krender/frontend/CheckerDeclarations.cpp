@@ -31,20 +31,23 @@ Checker::Checker(const SourceSet& sources, SyntaxStore& store, SyntaxTree& tree,
                  Offset mainEnd)
     : fSources(sources), fStore(store), fTree(tree), fDiagnostics(diagnostics), fMainEnd(mainEnd)
 {
+    std::array<Symbol*, kProvidedValues.size()> provided;
     for (unsigned i = 0; i < kProvidedValues.size(); ++i)
     {
-        fProvided[i].kind = SymbolKind::Provided;
-        fProvided[i].name = store.names.intern(kProvidedValues[i].name);
-        fProvided[i].type = kProvidedValues[i].type;
-        fProvided[i].isSet = true;
+        Symbol* symbol = provided[i] = store.arena.make<Symbol>();
+        symbol->kind = SymbolKind::Provided;
+        symbol->name = store.names.intern(kProvidedValues[i].name);
+        symbol->type = kProvidedValues[i].type;
+        symbol->provided = static_cast<std::uint8_t>(i);
+        symbol->isSet = true;
     }
     store.names.intern("output");
     fVisible.resize(store.names.size());
     fConstants.resize(store.names.size());
     fFunctions.resize(store.names.size());
     fProvidedByName.resize(store.names.size());
-    for (Symbol& provided : fProvided)
-        fProvidedByName[provided.name] = &provided;
+    for (Symbol* symbol : provided)
+        fProvidedByName[symbol->name] = symbol;
 }
 
 void Checker::check()

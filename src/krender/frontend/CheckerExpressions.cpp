@@ -43,7 +43,7 @@ void Checker::checkExpr(Expr* expr)
 {
     fUnsetReads.clear();
     fWalk(
-        expr, [this](Expr* e) { enterExpr(e); }, [this](Expr* e) { leaveExpr(e); });
+        expr, [this](Expr* e) { return enterExpr(e); }, [this](Expr* e) { leaveExpr(e); });
     for (const Expr* read : fUnsetReads)
     {
         if (read->symbol->isWarned)
@@ -53,14 +53,15 @@ void Checker::checkExpr(Expr* expr)
     }
 }
 
-void Checker::enterExpr(Expr* expr)
+bool Checker::enterExpr(Expr* expr)
 {
     if (expr->kind != ExprKind::Assign || expr->op != TokenKind::Assign)
-        return;
+        return true;
     Expr* root = expr->first;
     while (root->kind == ExprKind::Index || root->kind == ExprKind::Swizzle)
         root = root->first;
     root->isTarget = root->kind == ExprKind::Variable;
+    return true;
 }
 
 void Checker::leaveExpr(Expr* expr)
@@ -120,8 +121,7 @@ Symbol* Checker::findVariable(Name name)
     Symbol* provided = fProvidedByName[name];
     if (!provided || fInConstant || !fFunction)
         return nullptr;
-    const auto index = static_cast<std::size_t>(provided - fProvided.data());
-    return !kProvidedValues[index].inIlluminance || fInIlluminance ? provided : nullptr;
+    return !kProvidedValues[provided->provided].inIlluminance || fInIlluminance ? provided : nullptr;
 }
 
 void Checker::checkName(Expr* expr)
@@ -136,8 +136,8 @@ void Checker::checkName(Expr* expr)
         return;
     }
     expr->type = symbol->type;
-    if (symbol->kind == SymbolKind::Provided && symbol - fProvided.data() < kPassedValues)
-        fFunction->provided |= static_cast<std::uint8_t>(1u << (symbol - fProvided.data()));
+    if (symbol->kind == SymbolKind::Provided && symbol->provided < kPassedValues)
+        fFunction->provided |= static_cast<std::uint8_t>(1u << symbol->provided);
     if (expr->isTarget)
         return;
     symbol->isRead = true;

@@ -1,4 +1,5 @@
 #include "krender/frontend/private/Lowering.h"
+#include "krender/frontend/private/Provided.h"
 
 #include <algorithm>
 
@@ -74,23 +75,24 @@ std::string Lowering::outlineChoice(Expr* expr)
                  return;
              provided |= e->function->provided;
              const Expr* value = e->first;
-             for (const Symbol* argument = e->function->arguments; argument; argument = argument->next, value = value->next)
+             for (const Symbol* argument = e->function->arguments; argument;
+                  argument = argument->next, value = value->next)
                  if (argument->kind != SymbolKind::Input)
                      capture(captured, rootOf(value), true);
          });
     for (const Captured& c : captured)
-        for (unsigned i = 0; i < kPassedValues; ++i)
-            if (c.symbol->kind == SymbolKind::Provided && nameOf(*c.symbol) == kProvidedValues[i].name)
-                provided &= static_cast<std::uint8_t>(~(1u << i));
+        if (c.symbol->kind == SymbolKind::Provided && c.symbol->provided < kPassedValues)
+            provided &= static_cast<std::uint8_t>(~(1u << c.symbol->provided));
 
     std::string declared = providedArguments(provided, true);
     std::string passed = providedArguments(provided, false);
     for (const Captured& c : captured)
     {
         const Type& type = c.symbol->type;
-        declared += (declared.empty() ? "" : ", ") + std::string(c.isChanged ? "inout " : "") + typeText(type) + " " +
-                    nameOf(*c.symbol) + (type.isArray() ? "[" + std::to_string(type.arrayLength) + "]" : "");
-        passed += (passed.empty() ? "" : ", ") + nameOf(*c.symbol);
+        const std::string length = type.isArray() ? concat({"[", std::to_string(type.arrayLength), "]"}) : "";
+        declared += concat({declared.empty() ? "" : ", ", c.isChanged ? "inout " : "", typeText(type), " ",
+                            nameOf(*c.symbol), length});
+        passed += concat({passed.empty() ? "" : ", ", nameOf(*c.symbol)});
     }
 
     const std::string first = render(expr->first);
@@ -124,8 +126,9 @@ std::string Lowering::storeColumn(Expr* target, std::string_view op, const std::
     else
         body += "\tc " + std::string(assignment) + " v;\n";
     for (std::size_t k = 0; k < letters.size(); ++k)
-        body += "\tm[" + std::to_string(std::string_view("xyzw").find(letters[k])) + "][i] = " +
-                (letters.size() == 1 ? "c" : std::string("c.") + "xyzw"[k]) + ";\n";
+        body += concat({"\tm[", std::to_string(std::string_view("xyzw").find(letters[k])), "][i] = c",
+                        letters.size() == 1 ? "" : ".", std::string_view("xyzw").substr(k, letters.size() == 1 ? 0 : 1),
+                        ";\n"});
     fProgram.needHelper(part + " " + name + "(inout " + typeText(matrix) + " m, int i, " + typeText(valueType) +
                         " v)\n{\n" + body + "\treturn c;\n}\n");
     return name + "(" + render(column->first) + ", " + render(column->second()) + ", " + value + ")";

@@ -20,7 +20,10 @@ constexpr std::string_view kSetRemainder = R"(int kr_setRemainder(inout int a, i
 )";
 
 /// Whether a product of the two is one of linear algebra.
-bool isLinear(const Type& a, const Type& b) { return (a.isMatrix() && !b.isScalar()) || (b.isMatrix() && !a.isScalar()); }
+bool isLinear(const Type& a, const Type& b)
+{
+    return (a.isMatrix() && !b.isScalar()) || (b.isMatrix() && !a.isScalar());
+}
 
 std::string digit(unsigned n) { return std::to_string(n); }
 
@@ -67,10 +70,10 @@ std::string Lowering::constantText(const ConstantValue& value) const
 {
     std::string text = valueText(value);
     if (value.type.isScalar())
-        return text.starts_with('-') ? "(" + text + ")" : text;
+        return text.starts_with('-') ? concat({"(", text, ")"}) : text;
     const std::size_t open = text.find('(');
     text = typeText(value.type) + text.substr(open);
-    return isCg() && value.type.isMatrix() ? "transpose(" + text + ")" : text;
+    return isCg() && value.type.isMatrix() ? concat({"transpose(", text, ")"}) : text;
 }
 
 std::string Lowering::render(Expr* expr)
@@ -85,7 +88,7 @@ void Lowering::wrapArgument(const Expr& argument, std::string_view before, std::
     const auto known = std::find_if(fArgumentWraps.begin(), fArgumentWraps.end(),
                                     [&](const auto& entry) { return entry.first == &argument; });
     Wrap& wrap = known == fArgumentWraps.end() ? fArgumentWraps.emplace_back(&argument, Wrap()).second : known->second;
-    wrap.before.insert(0, before);
+    wrap.before = concat({before, wrap.before});
     wrap.after += after;
 }
 
@@ -109,8 +112,8 @@ void Lowering::edit(Expr* root, TextEdits& edits)
             fArgumentWraps.erase(asked);
         }
         const bool converts = expr->toFloat && expr->kind != ExprKind::Number;
-        edits.insertBefore(expr->begin, outer.before + (converts ? "float(" : ""));
-        outer.after.insert(0, converts ? ")" : "");
+        edits.insertBefore(expr->begin, concat({outer.before, converts ? "float(" : ""}));
+        outer.after = concat({converts ? ")" : "", outer.after});
         if (replaceWhole(expr, edits))
         {
             edits.insertAfter(expr->end, outer.after);
@@ -156,7 +159,7 @@ bool Lowering::replaceWhole(Expr* expr, TextEdits& edits)
         const bool isPlus = expr->op == TokenKind::PlusPlus;
         text = storeColumn(expr->first, isPlus ? "+=" : "-=", "1.0", kFloatType);
         if (expr->kind == ExprKind::Postfix)
-            text = "(" + text + (isPlus ? " - 1.0)" : " + 1.0)");
+            text = concat({"(", text, isPlus ? " - 1.0)" : " + 1.0)"});
     }
     else if (expr->kind == ExprKind::Index && isColumn(*expr->first))
         text = swappedElement(expr);
@@ -240,8 +243,8 @@ void Lowering::editBinary(const Expr& expr, TextEdits& edits, Wrap& wrap)
     const auto callOf = [&](std::string_view function)
     {
         edits.replace({expr.mark, expr.mark + 1}, ",");
-        wrap.innerBefore = std::string(function) + "(";
-        wrap.innerAfter = ")";
+        wrap.innerBefore = concat({function, "("});
+        wrap.innerAfter = std::string(")");
     };
     if (expr.op == TokenKind::Percent && !isCg())
     {
@@ -255,8 +258,8 @@ void Lowering::editBinary(const Expr& expr, TextEdits& edits, Wrap& wrap)
         wrapArgument(left, "(", ")");
         wrapArgument(right, "(", ")");
         edits.replace({expr.mark, expr.mark + 2}, "!=");
-        wrap.innerBefore = "(";
-        wrap.innerAfter = ")";
+        wrap.innerBefore = std::string("(");
+        wrap.innerAfter = std::string(")");
     }
     else if ((expr.op == TokenKind::Equal || expr.op == TokenKind::NotEqual) && isCg() && !left.type.isScalar())
         editEquality(expr, wrap);
@@ -272,14 +275,14 @@ void Lowering::editEquality(const Expr& expr, Wrap& wrap)
         const std::string matrix = typeText(type);
         std::string rows;
         for (unsigned row = 0; row < type.size; ++row)
-            rows += (row > 0 ? " && all(" : "all(") + ("a[" + digit(row)) + "] == b[" + digit(row) + "])";
+            rows += concat({row > 0 ? " && all(a[" : "all(a[", digit(row), "] == b[", digit(row), "])"});
         fProgram.needHelper("bool kr_equal(" + matrix + " a, " + matrix + " b)\n{\n\treturn " + rows + ";\n}\n");
-        wrap.innerBefore = isEqual ? "kr_equal(" : "!kr_equal(";
-        wrap.innerAfter = ")";
+        wrap.innerBefore = std::string(isEqual ? "kr_equal(" : "!kr_equal(");
+        wrap.innerAfter = std::string(")");
         return;
     }
-    wrap.innerBefore = isEqual ? "all(" : "any(";
-    wrap.innerAfter = ")";
+    wrap.innerBefore = std::string(isEqual ? "all(" : "any(");
+    wrap.innerAfter = std::string(")");
 }
 
 void Lowering::editAssign(const Expr& expr, TextEdits& edits, Wrap& wrap)
@@ -290,20 +293,20 @@ void Lowering::editAssign(const Expr& expr, TextEdits& edits, Wrap& wrap)
     if (expr.op == TokenKind::PercentAssign && !isCg())
     {
         fProgram.needHelper(kSetRemainder);
-        function = "kr_setRemainder(";
+        function = std::string("kr_setRemainder(");
     }
     else if (expr.op == TokenKind::StarAssign && isCg() && isLinear(target, value))
     {
         const std::string t = typeText(target);
         fProgram.needHelper(t + " kr_setProduct(inout " + t + " a, " + typeText(value) +
                             " b)\n{\n\ta = mul(a, b);\n\treturn a;\n}\n");
-        function = "kr_setProduct(";
+        function = std::string("kr_setProduct(");
     }
     if (function.empty())
         return;
     edits.replace({expr.mark, expr.mark + 2}, ",");
     wrap.innerBefore = function;
-    wrap.innerAfter = ")";
+    wrap.innerAfter = std::string(")");
 }
 
 void Lowering::editCall(const Expr& expr, TextEdits& edits)
@@ -359,7 +362,7 @@ void Lowering::editBuiltin(const Expr& expr, TextEdits& edits, Wrap& wrap)
         if (argument->spread != 0)
         {
             const std::string vector = typeText({BaseType::Float, argument->spread, 0});
-            wrapArgument(*argument, isCg() ? "(" + vector + ")(" : vector + "(", ")");
+            wrapArgument(*argument, isCg() ? concat({"(", vector, ")("}) : concat({vector, "("}), ")");
         }
 }
 
@@ -378,8 +381,8 @@ void Lowering::editConstruct(const Expr& expr, TextEdits& edits, Wrap& wrap)
     const bool isFilled = type.isVector() && !expr.first->next && expr.first->type.isScalar();
     if (isFilled)
     {
-        replaceWord(expr, word, "((" + typeText(type) + ")", edits);
-        wrap.after = ")";
+        replaceWord(expr, word, concat({"((", typeText(type), ")"}), edits);
+        wrap.after = std::string(")");
         return;
     }
     cutLastArgument(expr);
@@ -397,7 +400,7 @@ void Lowering::cutLastArgument(const Expr& expr)
     const unsigned wanted = expr.toFloat ? 1u : expr.type.size;
     if (given > wanted)
         wrapArgument(*last, "(",
-                     ")." + std::string(std::string_view("xyzw").substr(0, last->type.size - (given - wanted))));
+                     concat({").", std::string_view("xyzw").substr(0, last->type.size - (given - wanted))}));
 }
 
 void Lowering::editCgMatrix(const Expr& expr, TextEdits& edits, Wrap& wrap)
@@ -408,8 +411,8 @@ void Lowering::editCgMatrix(const Expr& expr, TextEdits& edits, Wrap& wrap)
     const Type& first = expr.first->type;
     if (!expr.first->next && first.isMatrix())
     {
-        replaceWord(expr, word, "((" + type + ")", edits);
-        wrap.after = ")";
+        replaceWord(expr, word, concat({"((", type, ")"}), edits);
+        wrap.after = std::string(")");
         return;
     }
     if (!expr.first->next && first.isScalar())
@@ -422,8 +425,8 @@ void Lowering::editCgMatrix(const Expr& expr, TextEdits& edits, Wrap& wrap)
         replaceWord(expr, word, name, edits);
         return;
     }
-    wrap.before = "transpose("; // a constructor takes rows there
-    wrap.after = ")";
+    wrap.before = std::string("transpose("); // a constructor takes rows there
+    wrap.after = std::string(")");
 }
 
 } // namespace krFrontend

@@ -20,7 +20,7 @@ class TracedPrinter final : public StatementPrinter
 public:
     TracedPrinter(std::string& out, const std::unordered_map<const krShadingDag::Statement*, TextOrigin>& origins,
                   std::vector<std::pair<std::size_t, TextOrigin>>& places)
-        : StatementPrinter(out, "\t", "\t"), fOrigins(origins), fPlaces(places)
+        : StatementPrinter(out, "\t", "\t"), fOut(out), fOrigins(origins), fPlaces(places)
     {
     }
 
@@ -28,11 +28,12 @@ protected:
     void printListed(const krShadingDag::Statement& statement) override
     {
         if (const auto origin = fOrigins.find(&statement); origin != fOrigins.end())
-            fPlaces.emplace_back(out().size(), origin->second);
+            fPlaces.emplace_back(fOut.size(), origin->second);
         StatementPrinter::printListed(statement);
     }
 
 private:
+    const std::string& fOut;
     const std::unordered_map<const krShadingDag::Statement*, TextOrigin>& fOrigins;
     std::vector<std::pair<std::size_t, TextOrigin>>& fPlaces;
 };
@@ -105,8 +106,12 @@ void TracedText::append(std::string_view more, TextOrigin origin, bool follows)
 const std::string& ProgramFunctions::nameOf(const Function& function, const ModuleContents& module)
 {
     const auto [place, isNew] = fFunctionNames.try_emplace(&function);
-    if (isNew)
-        place->second = fNames.claim(module.store.names.text(function.name));
+    if (!isNew)
+        return place->second;
+    // A function that replaces a built-in has another name in the program: whether a target allows that differs.
+    const std::string_view name = module.store.names.text(function.name);
+    place->second = isBuiltinWord(name) ? fNames.invent(name) : fNames.claim(name);
+    fUsed.insert(place->second);
     return place->second;
 }
 
@@ -148,34 +153,53 @@ void Lowering::writeFunctions(const Function& shader)
             writeFunction(*function);
 }
 
+std::string_view Lowering::spellingOf(const Expr& call) const
+{
+    const std::string_view spelled =
+        call.isBuiltin ? call.builtin->spellings[static_cast<unsigned>(fLanguage)].name : std::string_view();
+    return spelled.empty() ? nameText(call.name) : spelled;
+}
+
 void Lowering::collectCalls(const Function& shader, std::unordered_set<std::string>& names)
 {
-    const auto collect = [&](const Function& function)
-    {
-        forEachExpr(function.body,
-                    [&](Expr* expr, const Symbol*)
-                    {
-                        fWalk(expr,
-                              [&](Expr* e)
-                              {
-                                  if (e->kind != ExprKind::Call)
-                                      return;
-                                  const std::string_view spelled =
-                                      e->isBuiltin ? e->builtin->spellings[static_cast<unsigned>(fLanguage)].name
-                                                   : std::string_view();
-                                  names.emplace(spelled.empty() ? nameText(e->name) : spelled);
-                              });
-                    });
-    };
-    collect(shader);
+    forEachExpr(shader.body,
+                [&](Expr* expr, const Symbol*)
+                {
+                    fWalk(expr,
+                          [&](Expr* e)
+                          {
+                              if (e->kind == ExprKind::Call)
+                                  names.emplace(spellingOf(*e));
+                          });
+                });
+}
+
+void Lowering::collectAllCalls(const Function& shader, std::unordered_set<std::string>& names)
+{
+    collectCalls(shader, names);
     for (const Function* function : callees(shader))
-        collect(*function);
+        collectCalls(*function, names);
+}
+
+void Lowering::collectInserted(const Function& function, std::unordered_set<std::string>& names)
+{
+    names.insert({"all", "any", "mul", "transpose"});
+    forEachExpr(function.body,
+                [&](Expr* expr, const Symbol*)
+                {
+                    fWalk(expr,
+                          [&](Expr* e)
+                          {
+                              if (e->kind == ExprKind::Call && spellingOf(*e) != nameText(e->name))
+                                  names.emplace(spellingOf(*e));
+                          });
+                });
 }
 
 void Lowering::nameVariable(const Symbol& symbol, const std::unordered_set<std::string>& called)
 {
     const std::string name(nameText(symbol.name));
-    if (fProgram.names().isReserved(name) || fProgram.names().isTaken(name) || called.contains(name))
+    if (fProgram.names().isReserved(name) || fProgram.isFunction(name) || called.contains(name))
         fNames[&symbol] = fProgram.names().invent(name);
 }
 
@@ -192,8 +216,7 @@ void Lowering::nameLocals(const Function& function, const std::unordered_set<std
                         return;
                     bool isHidden = false;
                     fWalk(expr,
-                          [&](Expr* e)
-                          {
+                          [&](Expr* e) {
                               isHidden |= (e->kind == ExprKind::Variable || e->kind == ExprKind::Call) &&
                                           e->name == variable->name;
                           });
@@ -226,7 +249,7 @@ std::string Lowering::providedArguments(std::uint8_t provided, bool declares) co
 void Lowering::writeFunction(const Function& function)
 {
     std::unordered_set<std::string> called;
-    collectCalls(function, called);
+    collectInserted(function, called);
     std::string head = typeText(function.result) + " " + fProgram.nameOf(function, fModule) + "(" +
                        providedArguments(function.provided, true);
     bool isFirst = function.provided == 0;
@@ -281,14 +304,14 @@ void Lowering::writeText(const StatementCompound& body, std::string_view head, s
 
 void Lowering::lowerHeader(const Function& shader, LoweredShader& lowered)
 {
+    lowered.spec = std::make_unique<krShadingDag::ShadingNodeSpec>(krShadingDag::kDefinition);
     krShadingDag::ShadingNodeSpec& spec = *lowered.spec;
     spec.setName(krString::CString(nameText(shader.name)));
     for (const Symbol* argument = shader.arguments; argument; argument = argument->next)
     {
         // A value that programs have anyway is not declared by them again, whatever its header says.
-        const bool isProvided = std::any_of(kProvidedValues.begin(), kProvidedValues.end(),
-                                            [&](const auto& v) { return v.name == nameText(argument->name); });
-        const krShadingDag::CompFreqRange range = isProvided ? krShadingDag::kFullRange : argument->frequencies;
+        const krShadingDag::CompFreqRange range =
+            isProvidedName(nameText(argument->name)) ? krShadingDag::kFullRange : argument->frequencies;
         const krString::CString name{std::string_view(nameOf(*argument))};
         if (argument->kind == SymbolKind::Input)
             spec.addInput(dataType(argument->type), name, range);
@@ -298,29 +321,87 @@ void Lowering::lowerHeader(const Function& shader, LoweredShader& lowered)
     spec.setFunctionType(krShadingDag::FunctionType(shader.kind == FunctionKind::Light ? "light" : "material"));
 }
 
-LoweredShader Lowering::lowerMaterial(const Function& material, const std::unordered_set<std::string>& called,
-                                      const std::unordered_set<std::string>& hiding)
+void Lowering::nameInputs(const Function& shader, const ShadingNames& names)
+{
+    for (const Symbol* input = shader.arguments; input; input = input->next)
+    {
+        const std::string_view name = nameText(input->name);
+        if (input->kind != SymbolKind::Input || isProvidedName(name))
+            continue;
+        // The alias of a light's sampler is a macro in GLSL, and would take the components of its name away.
+        const bool isComponents = name.find_first_not_of("rgbawxyz") == std::string_view::npos;
+        if (shader.kind == FunctionKind::Light && input->type.isSampler() && isComponents)
+            fNames[input] = fProgram.names().invent(name);
+        else
+            nameVariable(*input, names.called);
+        if (shader.kind == FunctionKind::Material)
+            fProgram.names().take(nameOf(*input));
+    }
+}
+
+LoweredShader Lowering::lowerMaterial(const Function& material, const ShadingNames& names)
 {
     LoweredShader lowered;
-    lowered.spec = std::make_unique<krShadingDag::ShadingNodeSpec>(krShadingDag::kDefinition);
-    for (const Symbol* argument = material.arguments; argument; argument = argument->next)
-    {
-        if (argument->kind != SymbolKind::Input || isProvidedName(nameText(argument->name)))
-            continue;
-        nameVariable(*argument, called);
-        fProgram.names().take(nameOf(*argument));
-    }
     lowerHeader(material, lowered);
-    nameLocals(material, hiding);
-    fReturnText = fProgram.target().language == TargetLanguage::Cg ? "return outRGBA;"
-                                                                   : "{ gl_FragColor = outRGBA; return; }";
+    nameLocals(material, names.hiding);
+    fReturnText = isCg() ? "return outRGBA;" : "{ gl_FragColor = outRGBA; return; }";
+    lowerShaderBody(material, lowered);
+    return lowered;
+}
+
+LoweredShader Lowering::lowerLight(const Function& light, const ShadingNames& names)
+{
+    LoweredShader lowered;
+    lowerHeader(light, lowered);
+    if (light.hasReturn)
+    {
+        writeLightFunction(light, lowered);
+        return lowered;
+    }
+    nameLocals(light, names.called);
+    lowerShaderBody(light, lowered);
+    return lowered;
+}
+
+void Lowering::lowerShaderBody(const Function& shader, LoweredShader& lowered)
+{
     fOrigins = &lowered.origins;
-    StatementCompound& body = addCompound(lowered.spec->body(), krShadingDag::StatementType::Block, "",
-                                          material.body->begin);
-    lowerStatements(material.body->body, body);
+    StatementCompound& body =
+        addCompound(lowered.spec->body(), krShadingDag::StatementType::Block, "", shader.body->begin);
+    lowerStatements(shader.body->body, body);
     lowered.spec->updateIlluminanceLoopFlag();
     fOrigins = nullptr;
-    return lowered;
+}
+
+void Lowering::writeLightFunction(const Function& light, LoweredShader& lowered)
+{
+    // A return ends the light and not the material that its code stands in: it has to be a function of its own.
+    const std::string name = fProgram.names().invent(nameText(light.name));
+    std::string declared = providedArguments(light.provided, true);
+    std::string passed = providedArguments(light.provided, false);
+    for (const Symbol* argument = light.arguments; argument; argument = argument->next)
+    {
+        if (isProvidedName(nameText(argument->name)))
+            continue;
+        declared += std::string(declared.empty() ? "" : ", ") + (argument->kind == SymbolKind::Input ? "" : "inout ") +
+                    typeText(argument->type) + " " + nameOf(*argument);
+        passed += std::string(passed.empty() ? "" : ", ") + nameOf(*argument);
+    }
+    std::unordered_set<std::string> inserted;
+    collectInserted(light, inserted);
+    nameLocals(light, inserted);
+    fReturnText = "return;";
+    StatementCompound body;
+    std::unordered_map<const Statement*, TextOrigin> origins;
+    fOrigins = &origins;
+    lowerStatements(light.body->body, body);
+    writeText(body, "void " + name + "(" + declared + ")\n{\n", "", "}\n\n", light.header.begin);
+
+    fOrigins = &lowered.origins;
+    StatementCompound& outer =
+        addCompound(lowered.spec->body(), krShadingDag::StatementType::Block, "", light.body->begin);
+    addText(outer, krShadingDag::StatementType::Opaque, name + "(" + passed + ");", light.body->begin);
+    fOrigins = nullptr;
 }
 
 } // namespace krFrontend

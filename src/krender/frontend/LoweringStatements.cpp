@@ -125,8 +125,8 @@ void Lowering::lowerLoop(const Stmt& statement, StatementCompound& list)
 
 void Lowering::lowerReturn(const Stmt& statement, StatementCompound& list)
 {
-    addText(list, StatementType::Opaque,
-            statement.expr ? textOf(statement, statement.range()) : fReturnText, statement.begin);
+    addText(list, StatementType::Opaque, statement.expr ? textOf(statement, statement.range()) : fReturnText,
+            statement.begin);
 }
 
 std::string Lowering::textOf(const Stmt& statement, SourceRange range)

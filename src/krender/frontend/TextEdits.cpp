@@ -6,6 +6,14 @@
 namespace krFrontend
 {
 
+std::string concat(std::initializer_list<std::string_view> pieces)
+{
+    std::string text;
+    for (const std::string_view piece : pieces)
+        text += piece;
+    return text;
+}
+
 void TextEdits::insertBefore(Offset at, std::string text)
 {
     if (!text.empty())
@@ -26,8 +34,7 @@ void TextEdits::replace(SourceRange range, std::string text)
 std::string TextEdits::apply(const SourceSet& sources, SourceRange range)
 {
     std::stable_sort(fEdits.begin(), fEdits.end(),
-                     [](const Edit& a, const Edit& b)
-                     {
+                     [](const Edit& a, const Edit& b) {
                          return std::make_tuple(a.range.begin, a.kind, b.range.end) <
                                 std::make_tuple(b.range.begin, b.kind, a.range.end);
                      });

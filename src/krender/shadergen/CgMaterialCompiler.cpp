@@ -183,10 +183,9 @@ struct Connections
     std::string aliases{kAliases}; ///< declarations of the fragment program
 };
 
-} // namespace
-
-void compileMaterialToCg(const krShadingDag::ShadingNodeSpec& material, const std::vector<LightSpec>* lights,
-                         krString::CString& vertexProgram, krString::CString& fragmentProgram)
+/// @param extras  null writes the program as the host's own library has it
+void compile(const krShadingDag::ShadingNodeSpec& material, const std::vector<LightSpec>* lights,
+             FragmentExtras* extras, krString::CString& vertexProgram, krString::CString& fragmentProgram)
 {
     Connections connections;
     forEachVertexInput(material, [&](const krShadingDag::ShadingAttribute& input) { connections.connect(input); });
@@ -194,9 +193,27 @@ void compileMaterialToCg(const krShadingDag::ShadingNodeSpec& material, const st
     const krString::CString connectors =
         join({"// CONNECTORS\n//\n", kAppToVertHead, connections.appToVert, "};\n\n", kVertToFragHead,
               completeInterpolantsGeneration(connections.vertToFragBank).view(), kPrologue});
-    const FragmentSections sections = writeFragment(kCg, material, lights, connections.aliases);
+    const FragmentSections sections = writeFragment(kCg, material, lights, connections.aliases, extras);
 
     vertexProgram = join({connectors.view(), kVertexHead, connections.copies, kVertexTail});
-    fragmentProgram = join({connectors.view(), kFragmentHead, sections.lightUniforms, "\n\t// MATERIAL\n\t//\n",
-                            sections.materialUniforms, kFragmentHeadEnd, sections.body});
+    fragmentProgram = joinFragment({connectors.view()},
+                                   {kFragmentHead, sections.lightUniforms, "\n\t// MATERIAL\n\t//\n",
+                                    sections.materialUniforms, kFragmentHeadEnd, sections.body},
+                                   sections, extras);
+    if (extras && extras->isTooLarge)
+        vertexProgram = "";
+}
+
+} // namespace
+
+void compileMaterialToCg(const krShadingDag::ShadingNodeSpec& material, const std::vector<LightSpec>* lights,
+                         krString::CString& vertexProgram, krString::CString& fragmentProgram)
+{
+    compile(material, lights, nullptr, vertexProgram, fragmentProgram);
+}
+
+void compileMaterialToCg(const krShadingDag::ShadingNodeSpec& material, const std::vector<LightSpec>* lights,
+                         FragmentExtras& extras, krString::CString& vertexProgram, krString::CString& fragmentProgram)
+{
+    compile(material, lights, &extras, vertexProgram, fragmentProgram);
 }

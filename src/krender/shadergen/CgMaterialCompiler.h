@@ -1,6 +1,7 @@
 #pragma once
 #include <krender/Export.h>
 #include <krender/platform/String.h>
+#include <krender/shadergen/FragmentExtras.h>
 #include <krender/shadergen/LightSpec.h>
 #include <krender/shading/ShadingNodeSpec.h>
 
@@ -30,3 +31,7 @@
 KRENDER_EXPORT void compileMaterialToCg(const krShadingDag::ShadingNodeSpec& material,
                                         const std::vector<LightSpec>* lights, krString::CString& vertexProgram,
                                         krString::CString& fragmentProgram);
+/// The same with functions ahead of the main one, and with each light's uniforms declared once.
+KRENDER_EXPORT void compileMaterialToCg(const krShadingDag::ShadingNodeSpec& material,
+                                        const std::vector<LightSpec>* lights, FragmentExtras& extras,
+                                        krString::CString& vertexProgram, krString::CString& fragmentProgram);

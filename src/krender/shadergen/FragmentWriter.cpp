@@ -35,9 +35,15 @@ constexpr std::size_t kDeepestBlock = 10'000;
 class BodyPrinter final : public krShadingDag::StatementPrinter
 {
 public:
-    BodyPrinter(std::string& out, const FragmentSpelling& spelling, const std::vector<LightSpec>* lights,
-                std::string_view aliases)
-        : StatementPrinter(out, "", "\t"), fSpelling(spelling), fLights(lights), fAliases(aliases), fExpands(lights)
+    BodyPrinter(FragmentSections& sections, const FragmentSpelling& spelling, const std::vector<LightSpec>* lights,
+                std::string_view aliases, bool hasExtras)
+        : StatementPrinter(sections.body, "", "\t"),
+          fSections(sections),
+          fSpelling(spelling),
+          fLights(lights),
+          fAliases(aliases),
+          fHasExtras(hasExtras),
+          fExpands(lights)
     {
     }
 
@@ -47,6 +53,12 @@ public:
 protected:
     void printListed(const Statement& statement) override
     {
+        if (fHasExtras)
+        {
+            if (fSections.body.size() > kMostProgramBytes)
+                return; // what is open is closed, and that is all
+            fSections.places.emplace_back(fSections.body.size(), &statement);
+        }
         if (statement.isCompound() && indent().size() >= kDeepestBlock)
             printLiteral("BLOCKS NESTED TOO DEEP!");
         else if (statement.type() == StatementType::Illuminance && fExpands)
@@ -174,12 +186,14 @@ private:
         return fSpelling.samplerAliasIsMacro && isSampler(input.dataType());
     }
 
+    FragmentSections& fSections;
     const FragmentSpelling& fSpelling;
     const std::vector<LightSpec>* fLights; ///< null: illuminance blocks stay
     std::string_view fAliases;
     std::string fLine;
     std::vector<Expansion> fExpansions; ///< those that are open, each within the material code of the one before
     unsigned fExpansionCount = 0;
+    bool fHasExtras;
     bool fExpands;
     bool fIsFirst = true; ///< until the body's first statement is printed
 };
@@ -204,22 +218,60 @@ std::string lightUniforms(const FragmentSpelling& spelling, const std::vector<Li
 } // namespace
 
 FragmentSections writeFragment(const FragmentSpelling& spelling, const ShadingNodeSpec& material,
-                               const std::vector<LightSpec>* lights, std::string_view aliases)
+                               const std::vector<LightSpec>* lights, std::string_view aliases, bool hasExtras)
 {
     FragmentSections sections;
-    BodyPrinter printer(sections.body, spelling, lights, aliases);
+    BodyPrinter printer(sections, spelling, lights, aliases, hasExtras);
     printer.print(material.body());
     if (lights)
     {
         const std::string uniforms = lightUniforms(spelling, *lights);
-        sections.lightUniforms.reserve(uniforms.size() * printer.expansionCount());
-        for (unsigned i = 0; i < printer.expansionCount(); ++i)
+        const unsigned copies = hasExtras ? std::min(printer.expansionCount(), 1u) : printer.expansionCount();
+        sections.lightUniforms.reserve(uniforms.size() * copies);
+        for (unsigned i = 0; i < copies; ++i)
             sections.lightUniforms += uniforms;
     }
     for (const ShadingAttribute& input : material.inputs())
         if (isUniform(input) && !isStandardValue(input.name()))
             appendUniform(sections.materialUniforms, spelling, "", input);
     return sections;
+}
+
+krString::CString joinFragment(std::initializer_list<std::string_view> head,
+                               std::initializer_list<std::string_view> tail, const FragmentSections& sections,
+                               FragmentExtras* extras)
+{
+    std::string text;
+    appendAll(text, head);
+    const std::size_t functions = text.size();
+    if (extras)
+        text += extras->functions;
+    appendAll(text, tail);
+    if (!extras)
+        return krString::CString(std::move(text));
+
+    extras->statements.clear();
+    extras->isTooLarge = text.size() > kMostProgramBytes;
+    if (extras->isTooLarge)
+        return {};
+    const auto linesBetween = [&text](std::size_t first, std::size_t last)
+    {
+        const auto begin = text.begin();
+        return static_cast<std::size_t>(
+            std::count(begin + static_cast<std::ptrdiff_t>(first), begin + static_cast<std::ptrdiff_t>(last), '\n'));
+    };
+    extras->functionsLine = 1 + linesBetween(0, functions);
+    std::size_t line = 1;
+    std::size_t done = 0;
+    const std::size_t body = text.size() - sections.body.size();
+    extras->statements.reserve(sections.places.size());
+    for (const auto& [place, statement] : sections.places)
+    {
+        line += linesBetween(done, body + place);
+        done = body + place;
+        extras->statements.push_back({line, statement});
+    }
+    return krString::CString(std::move(text));
 }
 
 bool isStandardValue(const krString::CString& name) noexcept

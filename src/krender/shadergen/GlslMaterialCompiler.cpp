@@ -102,10 +102,9 @@ vec3 gLightSpecularColor = outLightSpecularColor;
     .samplerAliasIsMacro = true,
 };
 
-} // namespace
-
-void compileMaterialToGlsl(const krShadingDag::ShadingNodeSpec& material, const std::vector<LightSpec>* lights,
-                           krString::CString& vertexProgram, krString::CString& fragmentProgram)
+/// @param extras  null writes the program as the host's own library has it
+void compile(const krShadingDag::ShadingNodeSpec& material, const std::vector<LightSpec>* lights,
+             FragmentExtras* extras, krString::CString& vertexProgram, krString::CString& fragmentProgram)
 {
     std::string attributes;
     std::string varyings{kVaryings};
@@ -122,9 +121,26 @@ void compileMaterialToGlsl(const krShadingDag::ShadingNodeSpec& material, const 
                            appendAll(aliases, {dataTypeName(input.dataType()), " ", name, " = var_", name, ";\n"});
                        });
 
-    const FragmentSections sections = writeFragment(kGlsl, material, lights, aliases);
+    const FragmentSections sections = writeFragment(kGlsl, material, lights, aliases, extras);
 
     vertexProgram = join({kAttributes, attributes, varyings, kPrologue, kVertexHead, copies, kVertexTail});
-    fragmentProgram = join({varyings, kPrologue, kUniformsHead, sections.lightUniforms, "\n\t// MATERIAL\n\t//\n",
-                            sections.materialUniforms, kUniformsEnd, kFragmentHead, sections.body});
+    fragmentProgram = joinFragment({varyings, kPrologue, kUniformsHead, sections.lightUniforms,
+                                    "\n\t// MATERIAL\n\t//\n", sections.materialUniforms, kUniformsEnd},
+                                   {kFragmentHead, sections.body}, sections, extras);
+    if (extras && extras->isTooLarge)
+        vertexProgram = "";
+}
+
+} // namespace
+
+void compileMaterialToGlsl(const krShadingDag::ShadingNodeSpec& material, const std::vector<LightSpec>* lights,
+                           krString::CString& vertexProgram, krString::CString& fragmentProgram)
+{
+    compile(material, lights, nullptr, vertexProgram, fragmentProgram);
+}
+
+void compileMaterialToGlsl(const krShadingDag::ShadingNodeSpec& material, const std::vector<LightSpec>* lights,
+                           FragmentExtras& extras, krString::CString& vertexProgram, krString::CString& fragmentProgram)
+{
+    compile(material, lights, &extras, vertexProgram, fragmentProgram);
 }

@@ -1,6 +1,8 @@
 #pragma once
+#include <krender/shadergen/FragmentExtras.h>
 #include <krender/shadergen/LightSpec.h>
 
+#include <cstdint>
 #include <span>
 #include <string_view>
 
@@ -26,10 +28,10 @@ struct Target
     unsigned vertexInputs;
     /// The registers of four components between the stages, shared by component; 0: any number.
     unsigned interpolants;
-    /// Words that a name in a program may not be, ordered: keywords, those kept for later, and the macros of our own.
+    /// Words that a name in a program may not be, ordered: keywords, those kept for later, and the programs' own macros.
     std::span<const std::string_view> reservedWords;
     void (*compile)(const krShadingDag::ShadingNodeSpec& material, const std::vector<LightSpec>* lights,
-                    krString::CString& vertexProgram, krString::CString& fragmentProgram);
+                    FragmentExtras& extras, krString::CString& vertexProgram, krString::CString& fragmentProgram);
 
     [[nodiscard]] KRENDER_EXPORT bool isReserved(std::string_view word) const noexcept;
 };

@@ -42,6 +42,9 @@ struct Builtin
 /// Those of one name.
 [[nodiscard]] std::span<const Builtin> findBuiltins(std::string_view name) noexcept;
 
+/// Whether the word is a built-in's name, in KRSL or in a target.
+[[nodiscard]] bool isBuiltinWord(std::string_view word) noexcept;
+
 /// The type that a letter of a signature stands for in a call of that size.
 [[nodiscard]] Type signatureType(char letter, unsigned size) noexcept;
 /// Whether the letter stands for types of several sizes.

@@ -87,7 +87,7 @@ private:
     // CheckerExpressions.cpp
     /// Types the expression; its type is None where it has an error.
     void checkExpr(Expr* expr);
-    void enterExpr(Expr* expr);
+    bool enterExpr(Expr* expr);
     void leaveExpr(Expr* expr);
     void checkName(Expr* expr);
     [[nodiscard]] Symbol* findVariable(Name name);
@@ -140,7 +140,6 @@ private:
     std::vector<Symbol*> fConstants;   // by name
     std::vector<Function*> fFunctions; // by name: the first overload
     std::unordered_map<std::string, Function*> fSignatures; // name and argument types
-    std::array<Symbol, kProvidedValues.size()> fProvided{};
     std::vector<Symbol*> fProvidedByName;
 
     std::vector<Symbol*> fDeclared; // in the scopes that are open

@@ -39,7 +39,7 @@ public:
     void operator()(Expr* root, Leave leave)
     {
         (*this)(
-            root, [](Expr*) {}, leave);
+            root, [](Expr*) { return true; }, leave);
     }
 
 private:

@@ -6,7 +6,6 @@
 #include "krender/frontend/private/TextEdits.h"
 #include <krender/shading/ShadingNodeSpec.h>
 
-#include <map>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -39,8 +38,13 @@ public:
     [[nodiscard]] const Target& target() const noexcept { return fTarget; }
     [[nodiscard]] ProgramNames& names() noexcept { return fNames; }
     [[nodiscard]] TracedText& text() noexcept { return fText; }
+    [[nodiscard]] const TracedText& text() const noexcept { return fText; }
     /// The name of a function in the program.
     [[nodiscard]] const std::string& nameOf(const Function& function, const ModuleContents& module);
+    /// Whether a function of the program has the name.
+    [[nodiscard]] bool isFunction(const std::string& name) const { return fUsed.contains(name); }
+    /// Whether the function is to be written now: the first time that it is asked for.
+    [[nodiscard]] bool startFunction(const Function& function) { return fStarted.insert(&function).second; }
     /// Writes a helper of a built-in's, or of our own, the first time that it is needed.
     void needHelper(std::string_view text);
 
@@ -49,7 +53,16 @@ private:
     ProgramNames& fNames;
     TracedText fText;
     std::unordered_map<const Function*, std::string> fFunctionNames;
+    std::unordered_set<std::string> fUsed;
+    std::unordered_set<const Function*> fStarted;
     std::unordered_set<std::string> fHelpers;
+};
+
+/// Names that variables of a shader have to keep clear of.
+struct ShadingNames
+{
+    std::unordered_set<std::string> called; ///< for inputs: every function that the program calls
+    std::unordered_set<std::string> hiding; ///< for a material's variables: what the lights' code names
 };
 
 /// A material or light as a compiler of the target takes it.
@@ -57,7 +70,6 @@ struct LoweredShader
 {
     std::unique_ptr<krShadingDag::ShadingNodeSpec> spec;
     std::unordered_map<const krShadingDag::Statement*, TextOrigin> origins;
-    std::map<std::string, std::string> renamedInputs; ///< KRSL name to name in the program
 };
 
 /// Turns functions of one module into what a target takes. The writer's text stays but for single tokens.
@@ -68,13 +80,18 @@ public:
 
     /// Writes the functions that a shader calls, callees first, those that stand already left out.
     void writeFunctions(const Function& shader);
-    /// A material. Its inputs take names of their own in the program.
-    [[nodiscard]] LoweredShader lowerMaterial(const Function& material);
-    /// A light, whose key stands ahead of its inputs' names in the program.
-    /// @param key  changed where it makes names that something else has
-    [[nodiscard]] LoweredShader lowerLight(const Function& light, std::string& key);
-    /// The names of all functions that the shader's own code calls, as the target spells them.
+    /// Gives the inputs of a material or light their names in the program.
+    void nameInputs(const Function& shader, const ShadingNames& names);
+    [[nodiscard]] LoweredShader lowerMaterial(const Function& material, const ShadingNames& names);
+    [[nodiscard]] LoweredShader lowerLight(const Function& light, const ShadingNames& names);
+    /// Adds the names of the functions that a shader's own code calls, as the target spells them.
     void collectCalls(const Function& shader, std::unordered_set<std::string>& names);
+    /// The same, with what its functions call.
+    void collectAllCalls(const Function& shader, std::unordered_set<std::string>& names);
+    /// Adds the names that lowering puts into a function's text, where the source has others.
+    void collectInserted(const Function& function, std::unordered_set<std::string>& names);
+    /// The name of an input in the program, but for a light's key.
+    [[nodiscard]] const std::string& nameOf(const Symbol& symbol);
 
 private:
     using Statement = krShadingDag::Statement;
@@ -88,8 +105,9 @@ private:
     void writeFunction(const Function& function);
     void writeText(const StatementCompound& body, std::string_view head, std::string_view begin, std::string_view end,
                    Offset origin);
-    void writeLightFunction(const Function& light, const std::string& name, const std::string& key,
-                            LoweredShader& lowered);
+    void writeLightFunction(const Function& light, LoweredShader& lowered);
+    void lowerShaderBody(const Function& shader, LoweredShader& lowered);
+    [[nodiscard]] std::string_view spellingOf(const Expr& call) const;
     void lowerHeader(const Function& shader, LoweredShader& lowered);
     [[nodiscard]] std::string providedArguments(std::uint8_t provided, bool declares) const;
     void nameLocals(const Function& function, const std::unordered_set<std::string>& called);
@@ -142,7 +160,6 @@ private:
     void replaceWord(const Expr& expr, std::string_view word, std::string_view text, TextEdits& edits);
     [[nodiscard]] std::string constantText(const ConstantValue& value) const;
     [[nodiscard]] std::string typeText(const Type& type) const;
-    [[nodiscard]] const std::string& nameOf(const Symbol& symbol);
 
     // LoweringCg.cpp: what Cg has no form for
     [[nodiscard]] std::string outlineChoice(Expr* expr);
@@ -154,7 +171,7 @@ private:
     ProgramFunctions& fProgram;
     TargetLanguage fLanguage;
     ExprWalk fWalk;
-    std::unordered_map<const Symbol*, std::string> fNames; // those that differ from the source, and asked-for ones
+    std::unordered_map<const Symbol*, std::string> fNames;    // those that differ from the source, and asked-for ones
     std::vector<std::pair<const Expr*, Wrap>> fArgumentWraps; // of arguments that are yet to be visited
     std::string fReturnText;                                  // what a "return;" becomes
     std::unordered_map<const Statement*, TextOrigin>* fOrigins = nullptr; // of the statements that are being made

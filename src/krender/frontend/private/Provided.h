@@ -24,6 +24,14 @@ inline constexpr std::array kProvidedValues{
 };
 inline constexpr unsigned kPassedValues = 4; ///< those outside illuminance
 
+[[nodiscard]] constexpr bool isProvidedName(std::string_view name) noexcept
+{
+    for (const ProvidedValue& value : kProvidedValues)
+        if (value.name == name)
+            return true;
+    return false;
+}
+
 /// What a light answers with.
 inline constexpr std::array<std::string_view, 4> kLightOutputs{"outLightWorldDir", "outLightAmbientColor",
                                                                "outLightDiffuseColor", "outLightSpecularColor"};

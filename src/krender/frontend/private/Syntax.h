@@ -33,6 +33,7 @@ struct Symbol
     bool isRead = false;
     bool isWritten = false; ///< after its declaration
     bool isSet = false;     ///< while a body is walked: has a value by now
+    std::uint8_t provided = 0; // of a provided value: its place in the table
     bool isWarned = false;  ///< reported as read before it is set
     Type type;
     Name name = 0;

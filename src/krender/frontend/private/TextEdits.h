@@ -1,11 +1,16 @@
 #pragma once
 #include <krender/frontend/SourceSet.h>
 
+#include <initializer_list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace krFrontend
 {
+
+/// The pieces in order, as one text.
+[[nodiscard]] std::string concat(std::initializer_list<std::string_view> pieces);
 
 /// Changes to a piece of source that leave the rest of its text as the writer laid it out.
 class TextEdits

@@ -1,5 +1,6 @@
 #pragma once
 #include <krender/platform/String.h>
+#include <krender/shadergen/FragmentExtras.h>
 #include <krender/shadergen/LightSpec.h>
 #include <krender/shading/ShadingAttribute.h>
 #include <krender/shading/ShadingNodeSpec.h>
@@ -7,6 +8,7 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// How a target spells what the fragment programs of all targets have in common.
@@ -26,13 +28,23 @@ struct FragmentSections
     std::string lightUniforms;
     std::string materialUniforms;
     std::string body;
+    std::vector<std::pair<std::size_t, const krShadingDag::Statement*>> places; ///< byte of the body, statement
 };
 
 /// @param lights   null leaves the illuminance blocks as they are
 /// @param aliases  the declarations at the start of the program's outer block
+/// @param hasExtras  whether the program is limited, declares each light's uniforms once, and wants the places
 [[nodiscard]] FragmentSections writeFragment(const FragmentSpelling& spelling,
                                              const krShadingDag::ShadingNodeSpec& material,
-                                             const std::vector<LightSpec>* lights, std::string_view aliases);
+                                             const std::vector<LightSpec>* lights, std::string_view aliases,
+                                             bool hasExtras);
+
+/// The fragment program: what stands ahead of the extras' functions, the functions, and the rest, which ends with the
+/// sections' body. Tells the extras what stands where.
+/// @param extras  null: there are none
+[[nodiscard]] krString::CString joinFragment(std::initializer_list<std::string_view> head,
+                                             std::initializer_list<std::string_view> tail,
+                                             const FragmentSections& sections, FragmentExtras* extras);
 
 /// Whether every program has a value of that name, so that a material's input of the name is not declared.
 [[nodiscard]] bool isStandardValue(const krString::CString& name) noexcept;

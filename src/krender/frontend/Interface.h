@@ -1,0 +1,94 @@
+#pragma once
+#include <krender/frontend/Module.h>
+#include <krender/shadergen/Target.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/ShadingAttribute.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace krFrontend
+{
+
+/// A value of a default or of metadata. A matrix stands column by column.
+struct Value
+{
+    DataType type = kInvalidType; ///< kInvalidType: there is none
+    std::vector<float> floats;    ///< of float types and matrices
+    std::vector<int> ints;        ///< of int types; 0 or 1 for a bool
+    std::string text;             ///< of a string
+
+    [[nodiscard]] bool isSet() const noexcept { return type != kInvalidType; }
+};
+
+struct MetadataItem
+{
+    std::string name;
+    Value value;
+};
+
+/// An argument of a function, material or light.
+struct InputInterface
+{
+    std::string name;
+    DataType type = kInvalidType;
+    bool isOutput = false; ///< out or inout
+    krShadingDag::CompFreqRange frequencies;
+    Value defaultValue;
+    std::vector<MetadataItem> metadata;
+    SourceRange range; ///< of the name
+};
+
+enum class ShaderKind : std::uint8_t
+{
+    Function,
+    Material,
+    Light,
+    Displacement,
+};
+
+/// A function, material or light as its header says.
+struct ShaderInterface
+{
+    ShaderKind kind = ShaderKind::Function;
+    std::string name;
+    DataType result = kVoid;
+    bool hasBody = false;
+    SourceRange range; ///< of the name
+    std::vector<InputInterface> arguments;
+};
+
+/// What a module declares, in the order of its sources: functions, materials and lights.
+[[nodiscard]] KRENDER_EXPORT std::vector<ShaderInterface> interfaceOf(const Module& module);
+
+/// Where a uniform's value comes from.
+struct UniformInterface
+{
+    std::string programName; ///< what the host sets
+    std::string name;        ///< in KRSL
+    std::string light;       ///< the key of the light that it belongs to; empty for the material
+    DataType type = kInvalidType;
+    Value defaultValue;
+    std::vector<MetadataItem> metadata;
+};
+
+struct VertexInputInterface
+{
+    std::string programName;
+    std::string name;
+    DataType type = kInvalidType;
+    /// The register that brings it, where the target has registers: n is TEXCOORDn; -1 elsewhere.
+    int texCoord = -1;
+    std::vector<MetadataItem> metadata;
+};
+
+/// What a host has to give a program.
+struct ProgramInterface
+{
+    std::vector<UniformInterface> uniforms;
+    std::vector<VertexInputInterface> vertexInputs;
+    std::vector<std::string> providedValues; ///< of gWorldPos, gWorldNormal, gWorldTangent and gEyePos, those in use
+};
+
+} // namespace krFrontend

@@ -1,0 +1,56 @@
+#pragma once
+#include <krender/frontend/Interface.h>
+
+#include <optional>
+
+namespace krFrontend
+{
+
+/// One light that shines on a material.
+struct LightUse
+{
+    const Module* module = nullptr; ///< borrowed
+    std::string function;
+    std::string key; ///< the light's own name, ahead of its uniforms' names; a word
+};
+
+/// What is compiled.
+struct ProgramRequest
+{
+    const Module* module = nullptr; ///< of the material; borrowed
+    std::string material;           ///< empty: the module's first one
+    std::vector<LightUse> lights;   ///< in the order in which they run
+    bool keepIlluminance = false;   ///< leaves the illuminance blocks as they are, for somebody else to replace
+};
+
+/// A diagnostic with the module whose sources its ranges count in.
+struct ProgramDiagnostic
+{
+    const Module* module = nullptr;
+    Diagnostic diagnostic;
+};
+
+/// Where a line of a program came from.
+struct LineOrigin
+{
+    const Module* module = nullptr; ///< null: the line is the program's own
+    Offset offset = 0;
+};
+
+/// A material with its lights, written for a target.
+struct Program
+{
+    std::string vertex;
+    std::string fragment;
+    std::vector<LineOrigin>
+        fragmentOrigins; ///< of line n at n - 1; the lines behind the last one are the program's own
+    ProgramInterface interface;
+};
+
+/// Writes a program. It throws nothing for a source.
+/// @param problems  appended to; warnings and errors of the modules are not among them
+/// @return  nothing where there are problems, or where a module that it needs has errors
+[[nodiscard]] KRENDER_EXPORT std::optional<Program> compileProgram(const ProgramRequest& request, const Target& target,
+                                                                   std::vector<ProgramDiagnostic>& problems);
+
+} // namespace krFrontend

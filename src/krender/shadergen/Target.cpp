@@ -1,0 +1,287 @@
+#include <krender/shadergen/Target.h>
+
+#include <krender/shadergen/CgMaterialCompiler.h>
+#include <krender/shadergen/GlslMaterialCompiler.h>
+
+#include <algorithm>
+#include <array>
+
+namespace
+{
+
+/// GLSL 1.20: its keywords, the words that it keeps for later, and the macros of the programs.
+constexpr std::array kGlslWords = std::to_array<std::string_view>({
+    "asm",
+    "attribute",
+    "bool",
+    "break",
+    "bvec2",
+    "bvec3",
+    "bvec4",
+    "case",
+    "cast",
+    "centroid",
+    "class",
+    "const",
+    "continue",
+    "default",
+    "discard",
+    "do",
+    "double",
+    "dvec2",
+    "dvec3",
+    "dvec4",
+    "else",
+    "enum",
+    "extern",
+    "external",
+    "false",
+    "fixed",
+    "flat",
+    "float",
+    "float2",
+    "float3",
+    "float4",
+    "for",
+    "fvec2",
+    "fvec3",
+    "fvec4",
+    "goto",
+    "half",
+    "highp",
+    "hvec2",
+    "hvec3",
+    "hvec4",
+    "if",
+    "in",
+    "inline",
+    "inout",
+    "input",
+    "int",
+    "interface",
+    "invariant",
+    "ivec2",
+    "ivec3",
+    "ivec4",
+    "long",
+    "lowp",
+    "mat2",
+    "mat2x2",
+    "mat2x3",
+    "mat2x4",
+    "mat3",
+    "mat3x2",
+    "mat3x3",
+    "mat3x4",
+    "mat4",
+    "mat4x2",
+    "mat4x3",
+    "mat4x4",
+    "matrix2",
+    "matrix3",
+    "matrix4",
+    "mediump",
+    "mul",
+    "namespace",
+    "noinline",
+    "out",
+    "output",
+    "packed",
+    "precision",
+    "public",
+    "return",
+    "sampler1D",
+    "sampler1DShadow",
+    "sampler2D",
+    "sampler2DRect",
+    "sampler2DRectShadow",
+    "sampler2DShadow",
+    "sampler3D",
+    "sampler3DRect",
+    "samplerCube",
+    "shadow2DProj",
+    "short",
+    "sizeof",
+    "static",
+    "struct",
+    "switch",
+    "template",
+    "this",
+    "true",
+    "typedef",
+    "uniform",
+    "union",
+    "unsigned",
+    "using",
+    "varying",
+    "vec1",
+    "vec2",
+    "vec3",
+    "vec4",
+    "void",
+    "volatile",
+    "while",
+});
+static_assert(std::is_sorted(kGlslWords.begin(), kGlslWords.end()));
+
+/// Cg: its keywords, those of C++ that it keeps, and the macros of the programs.
+constexpr std::array kCgWords = std::to_array<std::string_view>({
+    "asm",
+    "asm_fragment",
+    "auto",
+    "bool",
+    "break",
+    "case",
+    "catch",
+    "char",
+    "class",
+    "column_major",
+    "compile",
+    "const",
+    "const_cast",
+    "continue",
+    "decl",
+    "default",
+    "delete",
+    "discard",
+    "do",
+    "double",
+    "dword",
+    "dynamic_cast",
+    "else",
+    "emit",
+    "enum",
+    "explicit",
+    "extern",
+    "false",
+    "fixed",
+    "float",
+    "for",
+    "friend",
+    "get",
+    "goto",
+    "half",
+    "if",
+    "in",
+    "inline",
+    "inout",
+    "int",
+    "interface",
+    "long",
+    "matrix",
+    "matrix2",
+    "matrix3",
+    "matrix4",
+    "mutable",
+    "namespace",
+    "new",
+    "operator",
+    "out",
+    "packed",
+    "pass",
+    "pixelfragment",
+    "pixelshader",
+    "private",
+    "protected",
+    "public",
+    "register",
+    "reinterpret_cast",
+    "return",
+    "row_major",
+    "sampler",
+    "sampler1D",
+    "sampler1DShadow",
+    "sampler2D",
+    "sampler2DShadow",
+    "sampler3D",
+    "samplerCUBE",
+    "samplerCube",
+    "samplerRECT",
+    "sampler_state",
+    "shadow1DProj",
+    "shadow2DProj",
+    "shared",
+    "short",
+    "signed",
+    "sizeof",
+    "static",
+    "static_cast",
+    "string",
+    "struct",
+    "switch",
+    "technique",
+    "template",
+    "texture",
+    "texture1D",
+    "texture1DProj",
+    "texture2D",
+    "texture2DProj",
+    "texture3D",
+    "texture3DProj",
+    "textureCube",
+    "this",
+    "throw",
+    "true",
+    "try",
+    "typedef",
+    "typeid",
+    "typename",
+    "uniform",
+    "union",
+    "unsigned",
+    "using",
+    "vector",
+    "vertexfragment",
+    "vertexshader",
+    "virtual",
+    "void",
+    "volatile",
+    "while",
+});
+static_assert(std::is_sorted(kCgWords.begin(), kCgWords.end()));
+
+/// Cg's names of vectors and matrices: float3, half4x4, bool2.
+bool isCgShape(std::string_view word) noexcept
+{
+    constexpr std::array<std::string_view, 5> kScalars{"bool", "fixed", "float", "half", "int"};
+    const auto isCount = [](char c) { return c >= '1' && c <= '4'; };
+    return std::any_of(kScalars.begin(), kScalars.end(),
+                       [&](std::string_view scalar)
+                       {
+                           if (!word.starts_with(scalar))
+                               return false;
+                           const std::string_view shape = word.substr(scalar.size());
+                           return (shape.size() == 1 && isCount(shape[0])) ||
+                                  (shape.size() == 3 && isCount(shape[0]) && shape[1] == 'x' && isCount(shape[2]));
+                       });
+}
+
+constexpr std::string_view kGlslPreamble = R"(#version 120
+#define vec1 float
+#define int2 ivec2
+#define int3 ivec3
+#define int4 ivec4
+#define matrix2 mat2
+)";
+
+constexpr std::array kTargets{
+    Target{"glsl", TargetLanguage::Glsl120, ".vert", ".frag", kGlslPreamble, 0, 0, kGlslWords, compileMaterialToGlsl},
+    Target{"cg", TargetLanguage::Cg, ".vert.cg", ".frag.cg", "", 7, 5, kCgWords, compileMaterialToCg},
+};
+
+} // namespace
+
+bool Target::isReserved(std::string_view word) const noexcept
+{
+    return std::binary_search(reservedWords.begin(), reservedWords.end(), word) ||
+           (language == TargetLanguage::Cg && isCgShape(word));
+}
+
+std::span<const Target> targets() noexcept { return kTargets; }
+
+const Target* findTarget(std::string_view name) noexcept
+{
+    const auto found =
+        std::find_if(kTargets.begin(), kTargets.end(), [name](const Target& target) { return target.name == name; });
+    return found == kTargets.end() ? nullptr : &*found;
+}
