@@ -152,6 +152,7 @@ Offset Lexer::offset(const char* at) const noexcept { return fBase + static_cast
 
 LexerToken Lexer::next()
 {
+    const std::size_t errors = fDiagnostics.errorCount();
     while (true)
     {
         LexerToken token;
@@ -168,6 +169,7 @@ LexerToken Lexer::next()
         else
             readPunctuation(token);
         token.end = offset(fAt);
+        token.hasError = fDiagnostics.errorCount() != errors;
         if (token.kind != TokenKind::Unknown)
             return token;
     }

@@ -262,10 +262,10 @@ void Lowering::editBinary(const Expr& expr, TextEdits& edits, Wrap& wrap)
         wrap.innerAfter = std::string(")");
     }
     else if ((expr.op == TokenKind::Equal || expr.op == TokenKind::NotEqual) && isCg() && !left.type.isScalar())
-        editEquality(expr, wrap);
+        editEquality(expr, edits, wrap);
 }
 
-void Lowering::editEquality(const Expr& expr, Wrap& wrap)
+void Lowering::editEquality(const Expr& expr, TextEdits& edits, Wrap& wrap)
 {
     const bool isEqual = expr.op == TokenKind::Equal;
     const Type& type = expr.first->type;
@@ -277,6 +277,7 @@ void Lowering::editEquality(const Expr& expr, Wrap& wrap)
         for (unsigned row = 0; row < type.size; ++row)
             rows += concat({row > 0 ? " && all(a[" : "all(a[", digit(row), "] == b[", digit(row), "])"});
         fProgram.needHelper("bool kr_equal(" + matrix + " a, " + matrix + " b)\n{\n\treturn " + rows + ";\n}\n");
+        edits.replace({expr.mark, expr.mark + 2}, ",");
         wrap.innerBefore = std::string(isEqual ? "kr_equal(" : "!kr_equal(");
         wrap.innerAfter = std::string(")");
         return;

@@ -55,6 +55,7 @@ SyntaxReader::SyntaxReader(const SourceFile& file, SyntaxStore& store, SyntaxTre
 void SyntaxReader::advance()
 {
     fPreviousEnd = fToken.end;
+    fPreviousHasError = fToken.hasError;
     fToken = fAhead;
     fAhead = fLexer.next();
 }
@@ -74,7 +75,8 @@ std::string_view SyntaxReader::textOf(SourceRange range) const noexcept
 
 void SyntaxReader::fail(std::string_view expected)
 {
-    if (!fFailed && !fGaveUp)
+    // Where a token was reported just now, what does not fit is its consequence.
+    if (!fFailed && !fGaveUp && !fToken.hasError && !fPreviousHasError)
     {
         if (is(TokenKind::EndOfFile))
             fDiagnostics.report(Message::UnexpectedEnd, previousEnd(), {expected});

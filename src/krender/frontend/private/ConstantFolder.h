@@ -11,6 +11,9 @@ namespace krFrontend
 class ConstantFolder
 {
 public:
+    /// @param kept  holds the values for as long as the tree refers to them
+    explicit ConstantFolder(std::deque<ConstantValue>& kept) : fKept(kept) {}
+
     /// The value of an expression that was checked; nothing where it is not constant.
     [[nodiscard]] const ConstantValue* evaluate(Expr* expr);
     /// The same, converted to the type of the place that it is for: an int to a float.
@@ -21,7 +24,7 @@ private:
 
     ExprWalk fWalk;
     std::vector<ConstantValue> fValues;
-    std::deque<ConstantValue> fKept;
+    std::deque<ConstantValue>& fKept;
 };
 
 /// Whether only literals stand in the expression.

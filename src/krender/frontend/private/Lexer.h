@@ -83,6 +83,7 @@ enum class TokenKind : std::uint8_t
 struct LexerToken
 {
     TokenKind kind = TokenKind::EndOfFile;
+    bool hasError = false;   ///< something was reported in it or directly before it
     bool startsLine = false; ///< nothing but blanks and comments stands before it on its line
     Offset begin = 0;
     Offset end = 0;

@@ -149,7 +149,7 @@ private:
     void editNumber(const Expr& expr, TextEdits& edits);
     void editVariable(const Expr& expr, TextEdits& edits);
     void editBinary(const Expr& expr, TextEdits& edits, Wrap& wrap);
-    void editEquality(const Expr& expr, Wrap& wrap);
+    void editEquality(const Expr& expr, TextEdits& edits, Wrap& wrap);
     void editAssign(const Expr& expr, TextEdits& edits, Wrap& wrap);
     void editCall(const Expr& expr, TextEdits& edits);
     void editBuiltin(const Expr& expr, TextEdits& edits, Wrap& wrap);

@@ -94,6 +94,8 @@ enum class Message : std::uint8_t
     NoVertexRegister,
     NoInterpolant,
     ProgramTooLarge,
+    PlainReadsOther,
+    PlainRefuses,
     MissingComma,
     HiddenName,
     IntegerDivision,

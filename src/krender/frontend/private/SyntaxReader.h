@@ -19,6 +19,7 @@ struct SyntaxStore
 {
     Arena arena;
     std::deque<Function> functions;
+    std::deque<ConstantValue> constants;
     NameTable names;
 };
 
@@ -118,6 +119,7 @@ private:
     LexerToken fToken;
     LexerToken fAhead;
     Offset fPreviousEnd = 0;
+    bool fPreviousHasError = false;
     unsigned fDepth = 0;
     unsigned fOperators = 0; ///< of the expression that is being read
     bool fFailed = false;    ///< an error was reported that the statement has not recovered from

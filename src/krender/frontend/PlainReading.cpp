@@ -1,0 +1,215 @@
+#include <krender/frontend/PlainReading.h>
+
+#include "krender/frontend/private/DiagnosticList.h"
+#include "krender/frontend/private/ModuleContents.h"
+#include <krender/shading/ShadingNodeSpec.h>
+#include <krender/shading/ShadingParser.h>
+#include <krender/shading/Statement.h>
+
+#include <memory>
+
+namespace krFrontend
+{
+namespace
+{
+
+using krShadingDag::ShadingNodeSpec;
+using krShadingDag::Statement;
+using krShadingDag::StatementCompound;
+using krShadingDag::StatementType;
+
+/// One line of a body taken apart: a statement's text, or what opens and closes a block.
+struct Piece
+{
+    std::string_view text;
+    Offset offset = 0; ///< of the front end's pieces
+};
+
+/// A body as the front end has it, in the pieces that a plain host makes of what it reads alike.
+class Pieces
+{
+public:
+    explicit Pieces(const SourceSet& sources) : fSources(sources) {}
+
+    void add(const Stmt* first)
+    {
+        for (const Stmt* statement = first; statement; statement = statement->next)
+            addStatement(*statement);
+    }
+
+    [[nodiscard]] const std::vector<Piece>& list() const noexcept { return fPieces; }
+
+private:
+    void addText(SourceRange range) { fPieces.push_back({fSources.text(range), range.begin}); }
+    void addMark(std::string_view mark, Offset offset) { fPieces.push_back({mark, offset}); }
+
+    void addBlock(std::string_view mark, const Stmt* body, Offset offset)
+    {
+        addMark(mark, offset);
+        if (body->kind == StmtKind::Block)
+            add(body->body);
+        else
+            addStatement(*body);
+        addMark("}", body->end - 1);
+    }
+
+    void addStatement(const Stmt& statement)
+    {
+        switch (statement.kind)
+        {
+        case StmtKind::Block:
+            addBlock("{", &statement, statement.begin);
+            break;
+        case StmtKind::Illuminance:
+            addBlock("illuminance", statement.body, statement.begin);
+            break;
+        case StmtKind::If:
+            addIf(statement);
+            break;
+        case StmtKind::For:
+        case StmtKind::While:
+        case StmtKind::DoWhile:
+            addLoop(statement);
+            break;
+        case StmtKind::Expression:
+        case StmtKind::Declaration:
+        case StmtKind::Break:
+        case StmtKind::Continue:
+        case StmtKind::Return:
+        case StmtKind::Discard:
+            addText(statement.range());
+            break;
+        case StmtKind::Empty:
+            break;
+        }
+    }
+
+    void addIf(const Stmt& first)
+    {
+        for (const Stmt* part = &first; part; part = part->otherwise)
+        {
+            addText({part->begin, part->mark});
+            addBlock("if", part->body, part->begin);
+            if (!part->otherwise)
+                return;
+            if (!part->otherwise->isChained)
+            {
+                addBlock("else", part->otherwise, part->otherwise->begin);
+                return;
+            }
+            addMark(part->otherwise->otherwise ? "else if" : "else", part->otherwise->begin);
+        }
+    }
+
+    /// A loop of one simple statement is passed on whole; a plain host cuts its text at each ";".
+    void addLoop(const Stmt& loop)
+    {
+        const bool isSimple = loop.body->kind == StmtKind::Expression || loop.body->kind == StmtKind::Break ||
+                              loop.body->kind == StmtKind::Continue || loop.body->kind == StmtKind::Discard;
+        if (!isSimple)
+        {
+            addMark("loop", loop.begin);
+            return;
+        }
+        const std::string_view text = fSources.text({loop.begin, loop.end});
+        std::size_t begin = 0;
+        for (std::size_t end = text.find(';'); end != std::string_view::npos; end = text.find(';', begin))
+        {
+            addText({loop.begin + static_cast<Offset>(begin), loop.begin + static_cast<Offset>(end) + 1});
+            begin = text.find_first_not_of(" \t\r\n", end + 1);
+            if (begin == std::string_view::npos)
+                break;
+        }
+    }
+
+    const SourceSet& fSources;
+    std::vector<Piece> fPieces;
+};
+
+void addPieces(const StatementCompound& list, std::vector<std::string_view>& pieces);
+
+void addPieces(const Statement& statement, std::vector<std::string_view>& pieces)
+{
+    switch (statement.type())
+    {
+    case StatementType::Block:
+        pieces.emplace_back("{");
+        break;
+    case StatementType::Illuminance:
+        pieces.emplace_back("illuminance");
+        break;
+    case StatementType::If:
+        pieces.push_back(statement.text().view());
+        pieces.emplace_back("if");
+        break;
+    case StatementType::Else:
+        pieces.emplace_back("else");
+        break;
+    case StatementType::Invalid:
+    case StatementType::Simple:
+    case StatementType::Opaque:
+    case StatementType::Literal:
+        pieces.push_back(statement.text().view());
+        return;
+    }
+    addPieces(statement.children(), pieces);
+    pieces.emplace_back("}");
+}
+
+void addPieces(const StatementCompound& list, std::vector<std::string_view>& pieces)
+{
+    for (unsigned i = 0; i < list.size(); ++i)
+        addPieces(*list.statement(i), pieces);
+}
+
+void compareBodies(const SourceSet& sources, const Function& function, const ShadingNodeSpec& spec,
+                   DiagnosticList& diagnostics)
+{
+    Pieces own(sources);
+    own.add(function.body->body);
+    std::vector<std::string_view> plain;
+    if (!spec.body().empty())
+        addPieces(spec.body().statement(0)->children(), plain);
+    for (std::size_t i = 0; i < own.list().size(); ++i)
+    {
+        const Piece& piece = own.list()[i];
+        if (i < plain.size() && plain[i] == piece.text)
+            continue;
+        const std::string_view read = i < plain.size() ? plain[i].substr(0, plain[i].find('\n')) : "the end of the body";
+        diagnostics.report(Message::PlainReadsOther, {piece.offset, piece.offset + 1}, {read});
+        return;
+    }
+}
+
+} // namespace
+
+std::vector<Diagnostic> plainDifferences(const Module& module)
+{
+    DiagnosticList diagnostics;
+    if (module.hasErrors())
+        return {};
+    const ModuleContents& contents = module.contents();
+    for (const Function* function : contents.tree.functions)
+    {
+        const Offset end = function->body ? function->body->end : function->header.end;
+        if (end > contents.sources.file(0).end())
+            continue;
+        const std::string_view text = contents.sources.text({function->header.begin, end});
+        krShadingDag::ShadingParser parser;
+        parser.setLimits({.refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000});
+        ShadingNodeSpec* read = nullptr;
+        const krString::CString source(function->body ? std::string(text) : std::string(text) + ";");
+        const bool isRead = parser.parseString(source, &read);
+        const std::unique_ptr<ShadingNodeSpec> spec(read);
+        if (!isRead)
+        {
+            const std::string_view problem = parser.errorString().view();
+            diagnostics.report(Message::PlainRefuses, function->range, {problem.substr(0, problem.find('\n'))});
+        }
+        else if (function->body && spec)
+            compareBodies(contents.sources, *function, *spec, diagnostics);
+    }
+    return diagnostics.take();
+}
+
+} // namespace krFrontend
