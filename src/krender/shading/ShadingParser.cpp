@@ -2,11 +2,21 @@
 
 #include <krender/core/Exception.h>
 
-#include <array>
-#include <cstdio>
+#include <string>
+#include <utility>
 
 namespace krShadingDag
 {
+
+namespace
+{
+
+std::string textOf(const FileLocation& place)
+{
+    return "line " + std::to_string(place.line) + ", column " + std::to_string(place.column);
+}
+
+} // namespace
 
 ShadingParser::ShadingParser() { reset(); }
 
@@ -18,13 +28,11 @@ void ShadingParser::reset()
     fSecondText = {};
     fErrorText = {};
     fQueue.clear();
-    fQueueFront = 0;
-    if (fUnfinished)
-        fAbandoned.push_back(std::move(fUnfinished));
     forgetFunction();
     fAddToLibrary = true;
 }
 
+/// Clears what belongs to one function; its spec is not deleted.
 void ShadingParser::forgetFunction()
 {
     fpNodeSpec = nullptr;
@@ -36,6 +44,7 @@ void ShadingParser::forgetFunction()
 bool ShadingParser::parseFile(const krString::CString& path, bool)
 {
     reset();
+    fOwnSpecs.clear();
     if (!fTokenizer.open(path))
     {
         fErrorText = "Couldn't not find stdlib.krs file!\n";
@@ -52,13 +61,9 @@ bool ShadingParser::parseFile(const krString::CString& path, bool)
     }
     catch (const Exception& e)
     {
-        const FileLocation place = frontLocation();
-        std::array<char, 64> text;
-        std::snprintf(text.data(), text.size(), "line %lu, column %lu", static_cast<unsigned long>(place.line),
-                      static_cast<unsigned long>(place.column));
-        for (const krString::CString& part : {krString::CString("stdlib.krs("), krString::CString(text.data()),
-                                              krString::CString(") : error "), e.message, krString::CString("\n")})
-            krString::plusEqual(fErrorText, part);
+        const std::string place = textOf(frontLocation());
+        krString::plusEqual(fErrorText, krString::plus(("stdlib.krs(" + place + ") : error ").c_str(), e.message));
+        krString::plusEqual(fErrorText, "\n");
         return false;
     }
 }
@@ -66,6 +71,7 @@ bool ShadingParser::parseFile(const krString::CString& path, bool)
 bool ShadingParser::parseString(const krString::CString& code, ShadingNodeSpec** spec)
 {
     reset();
+    fOwnSpecs.clear();
     fAddToLibrary = false;
     fTokenizer.openString(code);
     try
@@ -82,7 +88,9 @@ bool ShadingParser::parseString(const krString::CString& code, ShadingNodeSpec**
         krString::plusEqual(fErrorText, "internal error: !fpNodeSpec after parsing code string.\n");
         return false;
     }
-    *spec = fpNodeSpec;
+    *spec = fOwnSpecs.back().release();
+    fOwnSpecs.pop_back();
+    fpNodeSpec = nullptr;
     return true;
 }
 
@@ -103,6 +111,13 @@ FileLocation ShadingParser::frontLocation()
     }
 }
 
+/// Throws what a limit has to say of the source at the front token.
+void ShadingParser::refuse(std::string what)
+{
+    what += " at " + textOf(frontLocation());
+    throw Exception(kVerificationFailed, krString::CString(std::move(what)));
+}
+
 Token& ShadingParser::accumulate_token()
 {
     Tokenizer::Lexeme lexeme;
@@ -118,10 +133,10 @@ Token& ShadingParser::accumulate_token()
 
 const Token& ShadingParser::peek(unsigned n)
 {
-    while (fQueue.size() - fQueueFront <= n && !fEndOfStream)
+    while (fQueue.size() <= n && !fEndOfStream)
         accumulate_token();
-    if (fQueue.size() - fQueueFront > n)
-        return fQueue[fQueueFront + n];
+    if (n < fQueue.size())
+        return fQueue[n];
     static const Token endOfStream = []
     {
         Token token;
@@ -143,13 +158,8 @@ Token ShadingParser::consume_front_token()
 /// Consumes the front token without making a copy of it.
 void ShadingParser::dropFront()
 {
-    if (fQueueFront < fQueue.size())
-        ++fQueueFront;
-    if (fQueueFront == fQueue.size())
-    {
-        fQueue.clear();
-        fQueueFront = 0;
-    }
+    if (!fQueue.empty())
+        fQueue.pop_front();
 }
 
 krString::CString ShadingParser::originalString(const Token& first, const Token& last) const

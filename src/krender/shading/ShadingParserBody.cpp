@@ -4,45 +4,104 @@
 #include "krender/shading/private/Require.h"
 #include <krender/shading/Statement.h>
 
+#include <string>
+
 namespace krShadingDag
 {
 
+namespace
+{
+
+Statement& appendTyped(StatementCompound& block, StatementType type)
+{
+    Statement* const statement = block.appendStatement(nullptr);
+    statement->setType(type);
+    return *statement;
+}
+
+} // namespace
+
 bool ShadingParser::parseStatement(StatementCompound& block)
 {
-    return parseCompoundStatement(block) || parseIlluminanceStatement(block) || parseIfStatement(block) ||
-           parseElseStatement(block) || parseOpaqueStatement(block);
+    return parseWhole(&ShadingParser::beginStatement, block);
 }
 
 bool ShadingParser::parseCompoundStatement(StatementCompound& block)
 {
-    if (peek(0).type != TokenType::OpenBrace)
-        return false;
-    dropFront();
-    parseBlock(appendTyped(block, StatementType::Block).children());
-    return true;
+    return parseWhole(&ShadingParser::beginCompound, block);
 }
 
 bool ShadingParser::parseIlluminanceStatement(StatementCompound& block)
 {
-    if (peek(0).type != TokenType::KeywordIlluminance || peek(1).type != TokenType::OpenBrace)
-        return false;
-    dropFront();
-    dropFront();
-    parseBlock(appendTyped(block, StatementType::Illuminance).children());
+    return parseWhole(&ShadingParser::beginIlluminance, block);
+}
+
+bool ShadingParser::parseIfStatement(StatementCompound& block) { return parseWhole(&ShadingParser::beginIf, block); }
+
+bool ShadingParser::parseElseStatement(StatementCompound& block)
+{
+    return parseWhole(&ShadingParser::beginElse, block);
+}
+
+bool ShadingParser::parseOpaqueStatement(StatementCompound& block)
+{
+    const bool isEmpty = peek(0).type == TokenType::Semicolon;
+    if (isEmpty && fLimits.refuseEmptyStatements)
+        refuse("Empty statement");
+    Statement& statement = appendTyped(block, StatementType::Opaque);
+    const FileLocation location{peek(0).line, peek(0).column};
+    const std::uint64_t begin = peek(0).position;
+    // Deliberate: an empty statement keeps its ";" at the front, so without the limit a block that holds one is read
+    // without end.
+    const std::uint64_t end = isEmpty ? begin : consumeThroughSemicolon();
+    statement.setSourceText(fTokenizer.stringify(begin, end), location, begin);
     return true;
 }
 
-bool ShadingParser::parseIfStatement(StatementCompound& block)
+/// Reads a form with all that it holds, if it begins here.
+bool ShadingParser::parseWhole(Begin begin, StatementCompound& block)
+{
+    OpenLists open;
+    const bool begins = (this->*begin)(block, open);
+    readLists(open);
+    return begins;
+}
+
+bool ShadingParser::beginStatement(StatementCompound& block, OpenLists& open)
+{
+    return beginCompound(block, open) || beginIlluminance(block, open) || beginIf(block, open) ||
+           beginElse(block, open) || parseOpaqueStatement(block);
+}
+
+bool ShadingParser::beginCompound(StatementCompound& block, OpenLists& open)
+{
+    if (peek(0).type != TokenType::OpenBrace)
+        return false;
+    openBody(appendNesting(block, StatementType::Block, open), open);
+    return true;
+}
+
+bool ShadingParser::beginIlluminance(StatementCompound& block, OpenLists& open)
+{
+    if (peek(0).type != TokenType::KeywordIlluminance || peek(1).type != TokenType::OpenBrace)
+        return false;
+    Statement& statement = appendNesting(block, StatementType::Illuminance, open);
+    dropFront();
+    openBody(statement, open);
+    return true;
+}
+
+bool ShadingParser::beginIf(StatementCompound& block, OpenLists& open)
 {
     if (peek(0).type != TokenType::KeywordIf || peek(1).type != TokenType::OpenParen)
         return false;
+    Statement& statement = appendNesting(block, StatementType::If, open);
     const FileLocation location{peek(0).line, peek(0).column};
     const std::uint64_t begin = peek(0).position;
     dropFront();
     dropFront();
 
-    Statement& statement = appendTyped(block, StatementType::If);
-    // The first ")" ends the condition, so it cannot hold parentheses of its own.
+    // Deliberate: the first ")" ends the condition, so it cannot hold parentheses of its own.
     const auto isConditionEnd = [](TokenType type)
     {
         return type == TokenType::CloseParen || type == TokenType::CloseBrace || type == TokenType::Semicolon ||
@@ -53,57 +112,53 @@ bool ShadingParser::parseIfStatement(StatementCompound& block)
     require(peek(0).type == TokenType::CloseParen, "Expected close-parentheses after if statement");
     statement.setSourceText(fTokenizer.stringify(begin, peek(0).position), location, begin);
     dropFront();
-    parseBody(statement.children());
+    openBody(statement, open);
     return true;
 }
 
-bool ShadingParser::parseElseStatement(StatementCompound& block)
+bool ShadingParser::beginElse(StatementCompound& block, OpenLists& open)
 {
     if (peek(0).type != TokenType::KeywordElse)
         return false;
+    Statement& statement = appendNesting(block, StatementType::Else, open);
     dropFront();
-    parseBody(appendTyped(block, StatementType::Else).children());
+    openBody(statement, open);
     return true;
 }
 
-bool ShadingParser::parseOpaqueStatement(StatementCompound& block)
+/// Appends an empty statement that is about to hold others.
+Statement& ShadingParser::appendNesting(StatementCompound& block, StatementType type, const OpenLists& open)
 {
-    Statement& statement = appendTyped(block, StatementType::Opaque);
-    const FileLocation location{peek(0).line, peek(0).column};
-    const std::uint64_t begin = peek(0).position;
-    // An empty statement is kept without consuming its ";", on which a block's loop never ends. Sources that hold one
-    // were never part of the language, and what reads past it would give them a meaning.
-    const std::uint64_t end = peek(0).type == TokenType::Semicolon ? begin : consumeThroughSemicolon();
-    statement.setSourceText(fTokenizer.stringify(begin, end), location, begin);
-    return true;
+    if (open.size() >= fLimits.maxNesting)
+        refuse("Nesting deeper than " + std::to_string(fLimits.maxNesting));
+    return appendTyped(block, type);
 }
 
-/// Appends an empty statement of a type.
-Statement& ShadingParser::appendTyped(StatementCompound& block, StatementType type)
+/// Opens the list of what a statement holds: the statements of a block, whose "{" is consumed, or a single one.
+void ShadingParser::openBody(Statement& statement, OpenLists& open)
 {
-    Statement* const statement = block.appendStatement(nullptr);
-    statement->setType(type);
-    return *statement;
+    const bool isBraced = peek(0).type == TokenType::OpenBrace;
+    if (isBraced)
+        dropFront();
+    open.push_back({&statement.children(), isBraced});
 }
 
-/// Reads statements up to a "}" and consumes it; the "{" has been consumed.
-void ShadingParser::parseBlock(StatementCompound& block)
+/// Reads all open lists to their ends, the last one first.
+void ShadingParser::readLists(OpenLists& open)
 {
-    while (peek(0).type != TokenType::CloseBrace)
-        parseStatement(block);
-    dropFront();
-}
-
-/// Reads what an if or an else governs: one statement, or those of a block.
-void ShadingParser::parseBody(StatementCompound& block)
-{
-    if (peek(0).type != TokenType::OpenBrace)
+    while (!open.empty())
     {
-        parseStatement(block);
-        return;
+        const OpenList list = open.back();
+        const bool atEnd = list.isBraced ? peek(0).type == TokenType::CloseBrace : !list.statements->empty();
+        if (!atEnd)
+        {
+            beginStatement(*list.statements, open);
+            continue;
+        }
+        if (list.isBraced)
+            dropFront();
+        open.pop_back();
     }
-    dropFront();
-    parseBlock(block);
 }
 
 /// Consumes a statement of other kinds and returns where its ";" stands. Most tokens of a source go by here; they are
@@ -112,10 +167,10 @@ std::uint64_t ShadingParser::consumeThroughSemicolon()
 {
     TokenType type = TokenType::Unknown;
     std::uint64_t position = 0;
-    while (fQueueFront < fQueue.size() && type != TokenType::Semicolon && type != TokenType::EndOfStream)
+    while (!fQueue.empty() && type != TokenType::Semicolon && type != TokenType::EndOfStream)
     {
-        type = fQueue[fQueueFront].type;
-        position = fQueue[fQueueFront].position;
+        type = fQueue.front().type;
+        position = fQueue.front().position;
         dropFront();
     }
     Tokenizer::Lexeme lexeme;

@@ -4,6 +4,7 @@
 #include "krender/shading/private/Require.h"
 
 #include <array>
+#include <string>
 
 namespace krShadingDag
 {
@@ -83,6 +84,8 @@ void ShadingParser::parseFunc()
             krString::plusEqual(fErrorText, "error: found no function declaration or definition.\n");
             return;
         }
+        if (fQueue.size() > fLimits.maxHeaderTokens)
+            refuse("Header of more than " + std::to_string(fLimits.maxHeaderTokens) + " tokens");
     }
     if (last == TokenType::Semicolon)
         return parseFuncDecl();
@@ -93,20 +96,19 @@ void ShadingParser::parseFunc()
 void ShadingParser::parseFuncDecl()
 {
     beginSpec(kDeclaration);
-    const unsigned close = parseFuncHeader();
+    const unsigned close = readHeader();
     require(peek(close + 1).type == TokenType::Semicolon, "Expected semicolon");
     finishSpec();
     fQueue.clear();
-    fQueueFront = 0;
 }
 
 void ShadingParser::parseFuncDef()
 {
     beginSpec(kDefinition);
-    const unsigned close = parseFuncHeader();
+    const unsigned close = readHeader();
     require(peek(close + 1).type == TokenType::OpenBrace, "Expected braces");
-    require(fQueue.size() - fQueueFront == std::size_t{close} + 2, "INTERNAL ERROR: Buffer overrun");
-    fQueueFront = fQueue.size() - 1;
+    require(fQueue.size() == std::size_t{close} + 2, "INTERNAL ERROR: Buffer overrun");
+    fQueue.erase(fQueue.begin(), fQueue.end() - 1);
 
     for (const std::vector<ShadingAttribute>* visible : {&fpNodeSpec->inputs(), &fpNodeSpec->outputs()})
         for (const ShadingAttribute& attribute : *visible)
@@ -117,26 +119,28 @@ void ShadingParser::parseFuncDef()
 
 void ShadingParser::beginSpec(NodeType nodeType)
 {
-    if (fUnfinished)
-        fAbandoned.push_back(std::move(fUnfinished));
-    fUnfinished = std::make_unique<ShadingNodeSpec>(nodeType);
-    fpNodeSpec = fUnfinished.get();
+    fpNodeSpec = fOwnSpecs.emplace_back(std::make_unique<ShadingNodeSpec>(nodeType)).get();
 }
 
-/// Hands the finished spec to the library, or to whoever called for it.
+/// Hands the finished spec to the library, if it is to have it.
 void ShadingParser::finishSpec()
 {
-    if (fAddToLibrary)
-    {
-        ShadingNodeSpec* const registered = fpNodeSpec->addToLibrary();
-        if (registered != fpNodeSpec)
-            fUnfinished.reset();
-        fpNodeSpec = registered;
-    }
-    static_cast<void>(fUnfinished.release());
+    if (!fAddToLibrary)
+        return;
+    ShadingNodeSpec* const registered = fpNodeSpec->addToLibrary();
+    if (registered == fpNodeSpec)
+        static_cast<void>(fOwnSpecs.back().release());
+    fOwnSpecs.pop_back();
+    fpNodeSpec = registered;
 }
 
 unsigned ShadingParser::parseFuncHeader()
+{
+    beginSpec(kDeclaration);
+    return readHeader();
+}
+
+unsigned ShadingParser::readHeader()
 {
     unsigned i = 0;
     const CompFreqRange outputRange = readOptionalCompFreqRange(i);
@@ -164,13 +168,13 @@ unsigned ShadingParser::parseFuncHeader()
     require(peek(i).type == TokenType::OpenParen, "Expected '('");
     ++i;
     while (peek(i).type != TokenType::CloseParen)
-        parseArgument(i);
+        readArgument(i);
     require(!fOutputs.empty(), "Function needs at least one output.");
     return i;
 }
 
 /// Reads one argument of a header, and a comma behind it where there is one.
-void ShadingParser::parseArgument(unsigned& index)
+void ShadingParser::readArgument(unsigned& index)
 {
     const bool isOutput = peek(index).type == TokenType::KeywordOut;
     if (isOutput)
@@ -204,7 +208,7 @@ CompFreqRange ShadingParser::readOptionalCompFreqRange(unsigned& index)
     const CompFreq maxFreq = tokenToCompFreq(peek(index));
     require(maxFreq != kFreqInvalid, "Expected maximum frequency specifier.");
     ++index;
-    // A reversed range is empty and no error: sources use it to take an output out of service.
+    // Deliberate: a reversed range is empty and no error, and the compilers declare no input that has it.
     return minFreq <= maxFreq ? CompFreqRange{minFreq, maxFreq} : CompFreqRange{};
 }
 
