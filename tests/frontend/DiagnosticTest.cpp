@@ -56,9 +56,9 @@ std::vector<std::string> sources()
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, DiagnosticSource, testing::ValuesIn(sources()),
-                         [](const auto& info)
+                         [](const auto& given)
                          {
-                             std::string name = info.param;
+                             std::string name = given.param;
                              std::replace(name.begin(), name.end(), '-', '_');
                              return name;
                          });

@@ -41,12 +41,13 @@ const std::vector<std::string> kNothing;
 TEST(Includes, AreFoundBesideTheirFileAndThenInTheFoldersInOrder)
 {
     Shelf shelf;
-    shelf.fFiles = {{"a/main.krs", "#include \"near.krs\"\n#include \"far.krs\"\nfloat m(float x) { return near(x) + far(x); }"},
-                    {"a/near.krs", "#include \"sub/deep.krs\"\nfloat near(float x) { return deep(x); }"},
-                    {"near.krs", "float other(float x);"},
-                    {"a/sub/deep.krs", "float deep(float x) { return x; }"},
-                    {"two/far.krs", "float far(float x) { return x; }"},
-                    {"three/far.krs", "float wrong(float x);"}};
+    shelf.fFiles = {
+        {"a/main.krs", "#include \"near.krs\"\n#include \"far.krs\"\nfloat m(float x) { return near(x) + far(x); }"},
+        {"a/near.krs", "#include \"sub/deep.krs\"\nfloat near(float x) { return deep(x); }"},
+        {"near.krs", "float other(float x);"},
+        {"a/sub/deep.krs", "float deep(float x) { return x; }"},
+        {"two/far.krs", "float far(float x) { return x; }"},
+        {"three/far.krs", "float wrong(float x);"}};
     const Module module = Module::readFile("a/main.krs", {{"one", "two", "three"}, &shelf});
     EXPECT_EQ(names(module), kNothing);
     ASSERT_EQ(module.sources().fileCount(), 4u);
@@ -82,9 +83,10 @@ TEST(Limits, HoldForFilesAndBytes)
     std::string all;
     for (unsigned i = 0; i <= krFrontend::kMostIncludes; ++i)
     {
-        const std::string name = "f" + std::to_string(i) + ".krs";
-        shelf.fFiles[name] = "const float k" + std::to_string(i) + " = 1.0;";
-        all += "#include \"" + name + "\"\n";
+        std::string name("f");
+        name.append(std::to_string(i)).append(".krs");
+        shelf.fFiles[name].append("const float k").append(std::to_string(i)).append(" = 1.0;");
+        all.append("#include \"").append(name).append("\"\n");
     }
     shelf.fFiles["many.krs"] = all;
     EXPECT_EQ(names(Module::readFile("many.krs", {{}, &shelf})), std::vector<std::string>{"too-many-files"});
@@ -110,9 +112,12 @@ TEST(Limits, CountTheErrorsThatAreNotKept)
 
 TEST(Text, MayBeginWithAByteOrderMarkAndHoldAnyBytes)
 {
-    EXPECT_EQ(names(Module::readText("m", "\xEF\xBB\xBF" "const float k = 1.0;")), kNothing);
-    EXPECT_EQ(names(Module::readText("m", std::string("// \xff\x00\x80\nconst float k = 1.0;", 25))), kNothing);
-    EXPECT_EQ(names(Module::readText("m", std::string("\x00\x01\xff", 3))), std::vector<std::string>{"unknown-character"});
+    EXPECT_EQ(names(Module::readText("m", "\xEF\xBB\xBF"
+                                          "const float k = 1.0;")),
+              kNothing);
+    EXPECT_EQ(names(Module::readText("m", std::string("// \xff\x00\x80\nconst float k = 1.0;", 27))), kNothing);
+    EXPECT_EQ(names(Module::readText("m", std::string("\x00\x01\xff", 3))),
+              std::vector<std::string>{"unknown-character"});
     EXPECT_EQ(names(Module::readText("m", "")), kNothing);
 }
 

@@ -54,6 +54,6 @@ TEST_P(ShippedMaterial, CompilesToTheSameBytesByBothRoads)
 }
 
 INSTANTIATE_TEST_SUITE_P(Materials, ShippedMaterial, testing::ValuesIn(scenes::materialNames()),
-                         [](const auto& info) { return info.param; });
+                         [](const auto& given) { return given.param; });
 
 } // namespace

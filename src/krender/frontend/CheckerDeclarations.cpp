@@ -29,7 +29,11 @@ std::string_view kindText(FunctionKind kind) noexcept
 
 Checker::Checker(const SourceSet& sources, SyntaxStore& store, SyntaxTree& tree, DiagnosticList& diagnostics,
                  Offset mainEnd)
-    : fSources(sources), fStore(store), fTree(tree), fDiagnostics(diagnostics), fFolder(store.constants),
+    : fSources(sources),
+      fStore(store),
+      fTree(tree),
+      fDiagnostics(diagnostics),
+      fFolder(store.constants),
       fMainEnd(mainEnd)
 {
     std::array<Symbol*, kProvidedValues.size()> provided;

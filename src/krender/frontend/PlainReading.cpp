@@ -91,7 +91,11 @@ private:
             addText({part->begin, part->mark});
             addBlock("if", part->body, part->begin);
             if (!part->otherwise)
+            {
+                if (part != &first)
+                    addMark("}", part->end - 1); // of the else that the last if is the body of
                 return;
+            }
             if (!part->otherwise->isChained)
             {
                 addBlock("else", part->otherwise, part->otherwise->begin);
@@ -175,7 +179,8 @@ void compareBodies(const SourceSet& sources, const Function& function, const Sha
         const Piece& piece = own.list()[i];
         if (i < plain.size() && plain[i] == piece.text)
             continue;
-        const std::string_view read = i < plain.size() ? plain[i].substr(0, plain[i].find('\n')) : "the end of the body";
+        const std::string_view read =
+            i < plain.size() ? plain[i].substr(0, plain[i].find('\n')) : "the end of the body";
         diagnostics.report(Message::PlainReadsOther, {piece.offset, piece.offset + 1}, {read});
         return;
     }

@@ -31,10 +31,10 @@ struct Symbol
     SymbolKind kind = SymbolKind::Local;
     bool isConst = false; ///< a local that was declared const
     bool isRead = false;
-    bool isWritten = false; ///< after its declaration
-    bool isSet = false;     ///< while a body is walked: has a value by now
+    bool isWritten = false;    ///< after its declaration
+    bool isSet = false;        ///< while a body is walked: has a value by now
     std::uint8_t provided = 0; // of a provided value: its place in the table
-    bool isWarned = false;  ///< reported as read before it is set
+    bool isWarned = false;     ///< reported as read before it is set
     Type type;
     Name name = 0;
     SourceRange range;           ///< of the name
