@@ -1,8 +1,10 @@
 #include <krender/core/IResource.h>
+#include <krender/core/Ref.h>
+#include <krender/core/SharedObject.h>
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <cstdint>
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>
@@ -28,6 +30,18 @@ private:
     int& fAlive;
 };
 
+/// A host's own counting, of the signature that it is told to override.
+class Watched : public krSharedObject::SharedObject
+{
+public:
+    explicit Watched(int& calls) : fCalls(calls) {}
+    std::int32_t ref() override { return ++fCalls, SharedObject::ref(); }
+    std::int32_t unref() override { return ++fCalls, SharedObject::unref(); }
+
+private:
+    int& fCalls;
+};
+
 /// What an illegal delete leaves behind stays leaked: this is the one leak that the suite allows.
 void deleteIllegally(krSharedObject::SharedObject* object)
 {
@@ -51,6 +65,19 @@ TEST(SharedObject, LivesUntilItsLastReferenceIsGivenUp)
     EXPECT_EQ(alive, 1);
     EXPECT_EQ(object->unref(), 0);
     EXPECT_EQ(alive, 0);
+}
+
+TEST(SharedObject, OverridesAreCalledForConstObjectsToo)
+{
+    int calls = 0;
+    {
+        const Ref<const Watched> held(new Watched(calls));
+        const krSharedObject::SharedObject* base = held.get();
+        EXPECT_EQ(base->ref(), 2);
+        EXPECT_EQ(base->unref(), 1);
+        EXPECT_EQ(calls, 3);
+    }
+    EXPECT_EQ(calls, 4);
 }
 
 TEST(SharedObject, UnrefOfNeverReferencedDestroys)

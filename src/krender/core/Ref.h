@@ -1,4 +1,5 @@
 #pragma once
+#include <type_traits>
 #include <utility>
 
 /// A counted reference to a shared object: it calls ref() and unref() so that its owner need not. It holds an object or
@@ -13,14 +14,14 @@ public:
     explicit Ref(T* object) : fObject(object)
     {
         if (fObject)
-            fObject->ref();
+            counted()->ref();
     }
     Ref(const Ref& other) : Ref(other.fObject) {}
     Ref(Ref&& other) noexcept : fObject(std::exchange(other.fObject, nullptr)) {}
     ~Ref()
     {
         if (fObject)
-            fObject->unref();
+            counted()->unref();
     }
     Ref& operator=(Ref other) noexcept
     {
@@ -47,5 +48,12 @@ public:
     [[nodiscard]] T* release() noexcept { return std::exchange(fObject, nullptr); }
 
 private:
+    /// Counting does not change what an object is, so const objects are counted too. The cast finds a host's override
+    /// where the overloads for const objects are hidden by it.
+    [[nodiscard]] std::remove_const_t<T>* counted() const noexcept
+    {
+        return const_cast<std::remove_const_t<T>*>(fObject);
+    }
+
     T* fObject = nullptr;
 };

@@ -6,17 +6,16 @@
 namespace krSharedObject
 {
 
-std::int32_t SharedObject::ref() const { return ++fReferences; }
+std::int32_t SharedObject::ref() { return ++fReferences; }
 
-std::int32_t SharedObject::unref() const
+std::int32_t SharedObject::unref()
 {
     if (--fReferences > 0)
         return fReferences;
     // The class's own operator delete frees nothing, so the destructor and the global deallocation run by hand. A base
     // may stand anywhere in the object that was allocated, hence the cast to the most derived object's start.
-    auto* object = const_cast<SharedObject*>(this);
-    void* storage = dynamic_cast<void*>(object);
-    object->~SharedObject();
+    void* storage = dynamic_cast<void*>(this);
+    this->~SharedObject();
     ::operator delete(storage);
     return 0;
 }

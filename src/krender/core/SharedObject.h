@@ -17,11 +17,16 @@ public:
 
     /// Adds a reference.
     /// @return  the new count
-    virtual std::int32_t ref() const;
+    virtual std::int32_t ref();
     /// Gives a reference up; at a count of 0 or below the object is destroyed and its storage returned.
     /// @return  the new count, 0 when the object was destroyed
-    virtual std::int32_t unref() const;
+    virtual std::int32_t unref();
     virtual ~SharedObject();
+
+    /// The same for const objects, through the virtual operations: a reference may be held to what must not be changed.
+    /// A class that overrides one of those hides these from pointers to itself; Ref calls past that.
+    std::int32_t ref() const { return const_cast<SharedObject*>(this)->ref(); }
+    std::int32_t unref() const { return const_cast<SharedObject*>(this)->unref(); }
 
     /// The global allocation; it stands here as the partner of the operator delete below.
     static void* operator new(std::size_t size);
@@ -34,7 +39,7 @@ protected:
     explicit SharedObject(std::int32_t references = 0) noexcept : fReferences(references) {}
 
 private:
-    mutable std::int32_t fReferences;
+    mutable std::int32_t fReferences; // also counts for objects that were made const
 };
 
 } // namespace krSharedObject
