@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <new>
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>
@@ -40,6 +42,16 @@ public:
 
 private:
     int& fCalls;
+};
+
+class Failing : public krSharedObject::SharedObject
+{
+public:
+    Failing() { throw 1; }
+};
+
+class alignas(64) OverAligned : public krSharedObject::SharedObject
+{
 };
 
 /// What an illegal delete leaves behind stays leaked: this is the one leak that the suite allows.
@@ -96,15 +108,36 @@ TEST(SharedObject, PlainDeleteIsReportedAndKeepsTheStorage)
     EXPECT_EQ(alive, 0) << "the destructors run all the same";
 }
 
-TEST(Resource, StartsDirtyUnnamedAndHeldByItsCreator)
+TEST(SharedObject, IsMadeByPlainNothrowAndPlacementNew)
+{
+    int alive = 0;
+    void* storage = ::operator new(sizeof(Counted));
+    for (krSharedObject::SharedObject* object :
+         {new Counted(alive), new (std::nothrow) Counted(alive), new (storage) Counted(alive)})
+        EXPECT_EQ(object->unref(), 0);
+    EXPECT_EQ(alive, 0);
+
+    alignas(OverAligned) std::byte place[sizeof(OverAligned)];
+    (new (place) OverAligned)->~OverAligned();
+}
+
+TEST(SharedObject, FailedConstructionReturnsTheStorageOfNothrowAndPlacementNew)
+{
+    alignas(Failing) std::byte place[sizeof(Failing)];
+    testing::internal::CaptureStdout();
+    EXPECT_THROW((void)new (std::nothrow) Failing, int);
+    EXPECT_THROW((void)new (place) Failing, int);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "") << "no illegal delete is reported";
+}
+
+TEST(Resource, IsHeldByItsCreatorAndKeepsNameAndDirtyMark)
 {
     auto* resource = new IResource;
-    EXPECT_STREQ(resource->name(), "");
-    EXPECT_TRUE(resource->valid());
-    EXPECT_TRUE(resource->isDirty());
     resource->setName("quad");
     resource->setDirty(false);
     EXPECT_STREQ(resource->name(), "quad");
     EXPECT_FALSE(resource->isDirty());
+    resource->setName(nullptr);
+    EXPECT_STREQ(resource->name(), "");
     EXPECT_EQ(resource->unref(), 0);
 }

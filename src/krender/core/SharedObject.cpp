@@ -1,7 +1,6 @@
 #include <krender/core/SharedObject.h>
 
 #include <cstdio>
-#include <new>
 
 namespace krSharedObject
 {
@@ -24,6 +23,16 @@ SharedObject::~SharedObject() = default;
 
 void* SharedObject::operator new(std::size_t size) { return ::operator new(size); }
 
+void* SharedObject::operator new(std::size_t size, const std::nothrow_t& tag) noexcept
+{
+    return ::operator new(size, tag);
+}
+
 void SharedObject::operator delete(void*) { std::fputs("krSharedObject::delete called illegally (use unref)", stdout); }
+
+void SharedObject::operator delete(void* storage, const std::nothrow_t& tag) noexcept
+{
+    ::operator delete(storage, tag);
+}
 
 } // namespace krSharedObject

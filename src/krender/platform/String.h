@@ -45,7 +45,11 @@ class KRENDER_EXPORT IString
 {
 public:
     IString() noexcept = default;
+    /// Copies a zero-terminated text; null gives an empty string.
     explicit IString(const char* text) : fText(text ? text : "") {}
+
+    /// The text, zero-terminated; valid until the string changes.
+    [[nodiscard]] const char* asChar() const noexcept { return fText.c_str(); }
 
 private:
     std::string fText;
