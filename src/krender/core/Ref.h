@@ -6,6 +6,9 @@
 
 class IResource;
 
+template <class From, class To>
+concept PointerConvertibleTo = std::convertible_to<From*, To*>;
+
 /// A counted reference to a shared object: it calls ref() and unref() so that its owner need not. It holds an object or
 /// nothing, and is as large as a pointer.
 /// @tparam T  a class with ref() and unref(), const or not; it may be incomplete where a Ref is only declared
@@ -25,11 +28,14 @@ public:
     Ref(const Ref& other) : Ref(other.fObject) {}
     Ref(Ref&& other) noexcept : fObject(std::exchange(other.fObject, nullptr)) {}
     /// From a reference to a derived class, or to the same class that is not const.
-    template <class Other>
-    requires std::convertible_to<Other*, T*> Ref(const Ref<Other>& other) : Ref(static_cast<T*>(other.get())) {}
-    template <class Other>
-    requires std::convertible_to<Other*, T*> Ref(Ref<Other>&& other)
-    noexcept : fObject(other.release()) {}
+    template <PointerConvertibleTo<T> Other>
+    Ref(const Ref<Other>& other) : Ref(static_cast<T*>(other.get()))
+    {
+    }
+    template <PointerConvertibleTo<T> Other>
+    Ref(Ref<Other>&& other) noexcept : fObject(other.release())
+    {
+    }
     ~Ref()
     {
         if (fObject)
