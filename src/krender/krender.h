@@ -39,6 +39,7 @@
 #include <krender/pixels/krColorFormatRGBAFloat.h>
 #include <krender/pixels/krSysPixelFormat.h>
 #include <krender/platform/Linear.h>
+#include <krender/platform/LinearConversion.h>
 #include <krender/platform/String.h>
 #include <krender/shadergen/CgMaterialCompiler.h>
 #include <krender/shadergen/GlslMaterialCompiler.h>

@@ -22,13 +22,6 @@ using Entries = std::vector<unsigned>;
 
 constexpr double kNear = 1e-6;
 
-Vector operator-(const Vector& a, const Vector& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
-double dot(const Vector& a, const Vector& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-Vector cross(const Vector& a, const Vector& b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
 /// The components of one element; those that the stream has not are 0.
 std::array<double, 4> element(const GeometryData& stream, unsigned i)
 {

@@ -1,0 +1,124 @@
+#pragma once
+#include <krender/platform/Linear.h>
+
+#include <concepts>
+#include <type_traits>
+#include <utility>
+
+/// Conversions from and to the points, vectors and matrices of other mathematics libraries, which need no more than the
+/// usual ways to reach a component:
+///
+///     const auto corner = krLinear::convert<krLinear::Point>(imathVector);
+///     const auto model = krLinear::convert<glm::dmat4>(affineMatrix);
+///
+/// Matrices are copied index by index: [r][c], or (r, c) where there is no subscript, becomes row r, column c. Here a
+/// point is a row vector (p * M) and a translation stands in row 3. For another library that means:
+/// - row vectors, rows first (Imath): nothing to do;
+/// - column vectors, columns first, so that m[3] is the translation (GLM): nothing to do, the two differences cancel;
+/// - column vectors, addressed as (row, column) (Eigen): the caller transposes, `convert<AffineMatrix>(m.transpose())`
+///   and `convert<Eigen::Matrix4d>(affineMatrix).transpose()`.
+namespace krLinear
+{
+
+template <class T>
+concept HasXYZ = std::convertible_to<decltype(std::declval<T>().x + std::declval<T>().y + std::declval<T>().z), double>;
+template <class T>
+concept HasW = std::convertible_to<decltype(std::declval<T>().w), double>;
+template <class T>
+concept HasSubscript = std::convertible_to<decltype(std::declval<T>()[1]), double>;
+template <class T>
+concept HasTwoSubscripts = std::convertible_to<decltype(std::declval<T>()[1][1]), double>;
+template <class T>
+concept HasRowAndColumn = std::convertible_to<decltype(std::declval<T>()(1, 1)), double>;
+
+template <class T>
+concept HasThree = HasXYZ<T> || HasSubscript<T>;
+/// Three numbers, as x, y and z or by subscript. What has a w is none, for without it the point would be another.
+template <class T>
+concept Triple = HasThree<const T&> && !HasW<const T&>;
+/// Four by four numbers, as [r][c] or (r, c).
+template <class T>
+concept Matrix4x4 = HasTwoSubscripts<const T&> || HasRowAndColumn<const T&>;
+
+template <class T>
+concept LibraryTriple =
+    std::same_as<T, PointFlt> || std::same_as<T, Point> || std::same_as<T, Vector> || std::same_as<T, Normal>;
+template <class T>
+concept LibraryMatrix = std::same_as<T, AffineMatrix> || std::same_as<T, ProjMatrix>;
+
+/// What a conversion can make: a class that holds its numbers itself. Views, pointers and arrays on the heap are none.
+template <class T, unsigned count>
+concept Holds = std::is_class_v<T> && std::default_initializable<T> && std::is_trivially_destructible_v<T> &&
+                sizeof(T) >= count * sizeof(float);
+
+template <class From, class To>
+concept OneLibraryTriple = LibraryTriple<From> || LibraryTriple<To>;
+template <class From, class To>
+concept TripleFor = Triple<From> && Triple<To> && OneLibraryTriple<From, To> && Holds<To, 3>;
+template <class From, class To>
+concept OneLibraryMatrix = LibraryMatrix<From> || LibraryMatrix<To>;
+template <class From, class To>
+concept MatrixFor = Matrix4x4<From> && Matrix4x4<To> && OneLibraryMatrix<From, To> && Holds<To, 12>;
+
+namespace conversion
+{
+
+template <Triple T>
+[[nodiscard]] constexpr decltype(auto) component(T& triple, int i)
+{
+    if constexpr (HasXYZ<T&>)
+        return i == 0 ? (triple.x) : i == 1 ? (triple.y) : (triple.z);
+    else
+        return triple[i];
+}
+
+template <Matrix4x4 T>
+[[nodiscard]] constexpr decltype(auto) element(T& matrix, int r, int c)
+{
+    if constexpr (LibraryMatrix<std::remove_const_t<T>>)
+        return matrix(static_cast<unsigned>(r), static_cast<unsigned>(c));
+    else if constexpr (HasTwoSubscripts<T&>)
+        return matrix[r][c];
+    else
+        return matrix(r, c);
+}
+
+/// Assigns with a cast to the type of the place, which may be narrower.
+template <class Place, class Value>
+constexpr void store(Place&& place, const Value& value)
+{
+    place = static_cast<std::remove_cvref_t<Place>>(value);
+}
+
+} // namespace conversion
+
+/// The same three numbers in another type; one of the two types is this library's. A number is cast to the
+/// type that is to hold it.
+template <class To, TripleFor<To> From>
+[[nodiscard]] constexpr To convert(const From& from)
+{
+    To to{};
+    for (int i = 0; i < 3; ++i)
+        conversion::store(conversion::component(to, i), conversion::component(from, i));
+    return to;
+}
+
+/// The same matrix in another type; one of the two types is this library's. An AffineMatrix takes columns 0 to 2 and
+/// gives (0, 0, 0, 1) for column 3: a projection does not fit into it.
+template <class To, MatrixFor<To> From>
+[[nodiscard]] constexpr To convert(const From& from)
+{
+    To to{};
+    for (int r = 0; r < 4; ++r)
+    {
+        for (int c = 0; c < 3; ++c)
+            conversion::store(conversion::element(to, r, c), conversion::element(from, r, c));
+        if constexpr (std::same_as<From, AffineMatrix> && !std::same_as<To, AffineMatrix>)
+            conversion::store(conversion::element(to, r, 3), r == 3 ? 1 : 0);
+        else if constexpr (!std::same_as<To, AffineMatrix>)
+            conversion::store(conversion::element(to, r, 3), conversion::element(from, r, 3));
+    }
+    return to;
+}
+
+} // namespace krLinear
