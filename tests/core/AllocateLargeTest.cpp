@@ -16,14 +16,14 @@ TEST(AllocateLarge, AlignsFromTheThresholdOnAndAnswersNullWhenTheRoundedSizeOver
         std::size_t bytes;
         bool succeeds;
     };
-    for (const Case& c : {Case{1, true},
+    for (const Case& c : {Case{2, true},
                           {kHugePage - 1, true},
                           {kHugePage, true},
                           {kHugePage + 1, true},
                           {kMax - kHugePage + 2, false},
                           {kMax, false}})
     {
-        void* storage = krCore::allocateLarge(c.bytes, 1);
+        void* storage = krCore::allocateLarge(c.bytes, 2);
         EXPECT_EQ(storage != nullptr, c.succeeds) << c.bytes;
         EXPECT_EQ(reinterpret_cast<std::uintptr_t>(storage) % kHugePage, 0u) << c.bytes;
         std::free(storage);

@@ -44,9 +44,10 @@ TEST(Ref, HoldsOneReferenceForEachCopy)
         EXPECT_EQ(probe.references, 1);
         const Ref copy = held;
         EXPECT_EQ(probe.references, 2);
+        const Ref<DerivedProbe>& source = held;
         Ref moved = std::move(held);
         EXPECT_EQ(probe.references, 2);
-        EXPECT_EQ(held, nullptr);
+        EXPECT_EQ(source, nullptr);
         held = copy;
         EXPECT_EQ(probe.references, 3);
         EXPECT_EQ(held, copy);
@@ -54,8 +55,10 @@ TEST(Ref, HoldsOneReferenceForEachCopy)
         EXPECT_EQ(probe.references, 2);
         held = std::move(moved);
         EXPECT_EQ(probe.references, 2);
+        moved = nullptr;
         swap(held, moved);
-        EXPECT_TRUE(!held && moved == &probe);
+        EXPECT_EQ(source, nullptr);
+        EXPECT_EQ(moved, &probe);
     }
     EXPECT_EQ(probe.references, 0);
 }
@@ -98,9 +101,12 @@ TEST(Ref, ConvertsToBaseAndToConst)
         Ref derived(&probe);
         const Ref<const Probe> copy = derived;
         EXPECT_EQ(probe.references, 2);
+        const Ref<DerivedProbe>& source = derived;
         const Ref<Probe> moved = std::move(derived);
         EXPECT_EQ(probe.references, 2);
-        EXPECT_TRUE(moved == copy && !derived);
+        EXPECT_FALSE(source);
+        EXPECT_EQ(moved, &probe);
+        EXPECT_EQ(copy, &probe);
     }
     EXPECT_EQ(probe.references, 0);
     static_assert(!std::convertible_to<Ref<Probe>, Ref<DerivedProbe>>);

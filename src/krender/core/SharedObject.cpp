@@ -11,8 +11,8 @@ std::int32_t SharedObject::unref()
 {
     if (--fReferences > 0)
         return fReferences;
-    // The class's own operator delete frees nothing, so the destructor and the global deallocation run by hand. A base
-    // may stand anywhere in the object that was allocated, hence the cast to the most derived object's start.
+    // The class's own operator delete frees nothing, so the destructor and the global one are called here. The storage
+    // starts where the most derived object does, which need not be where this base stands.
     void* storage = dynamic_cast<void*>(this);
     this->~SharedObject();
     ::operator delete(storage);

@@ -40,8 +40,8 @@ public:
     /// Constructs in storage of the caller. unref() may end the object only where that storage came from the global
     /// operator new; elsewhere the caller calls the destructor.
     static void* operator new(std::size_t, void* storage) noexcept { return storage; }
-    /// Refuses to compile, for a class of stricter alignment than the default too: unref() returns storage to the global
-    /// operator delete of default alignment. (A deleted function would not do: g++ then takes the plain form silently.)
+    /// Does not compile when used, also by plain `new` of an over-aligned class: unref() returns storage to the global
+    /// operator delete of default alignment. (Where this is a deleted function, g++ silently takes the plain form.)
     template <std::same_as<std::nothrow_t>... Tag>
     static void* operator new(std::size_t, std::align_val_t, const Tag&...) noexcept
     {
@@ -49,9 +49,9 @@ public:
         return nullptr;
     }
 
-    /// Reports an illegal delete on standard output and frees nothing: what others still hold a reference to must not
-    /// be pulled from under them. Shared objects end with unref(). A constructor that throws out of plain `new` comes
-    /// here too, and its storage is lost.
+    /// Reports an illegal delete on standard output and frees nothing: others may still hold references to the object.
+    /// Shared objects end with unref(). A constructor that throws out of plain `new` comes here too, and its storage is
+    /// lost.
     static void operator delete(void* object);
     /// Frees the storage after a constructor has thrown out of `new (std::nothrow)`.
     static void operator delete(void* storage, const std::nothrow_t& tag) noexcept;

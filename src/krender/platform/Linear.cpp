@@ -8,7 +8,7 @@ namespace krLinear
 AffineMatrix AffineMatrix::inverse() const noexcept
 {
     const AffineMatrix& m = *this;
-    // The minor of row r, column c, with its sign: taking the other rows and columns cyclically makes the sign come out.
+    // The cofactor of row r, column c: taking the other rows and columns in cyclic order gives the sign.
     const auto cofactor = [&m](unsigned r, unsigned c)
     {
         const unsigned r1 = (r + 1) % 3;

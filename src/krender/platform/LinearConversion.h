@@ -33,7 +33,7 @@ concept HasRowAndColumn = std::convertible_to<decltype(std::declval<T>()(1, 1)),
 
 template <class T>
 concept HasThree = HasXYZ<T> || HasSubscript<T>;
-/// Three numbers, as x, y and z or by subscript. What has a w is none, for without it the point would be another.
+/// Three numbers, as x, y and z or by subscript. A type with a w is refused: without its w a point would be another.
 template <class T>
 concept Triple = HasThree<const T&> && !HasW<const T&>;
 /// Four by four numbers, as [r][c] or (r, c).
@@ -46,10 +46,10 @@ concept LibraryTriple =
 template <class T>
 concept LibraryMatrix = std::same_as<T, AffineMatrix> || std::same_as<T, ProjMatrix>;
 
-/// What a conversion can make: a class that holds its numbers itself. Views, pointers and arrays on the heap are none.
-template <class T, unsigned count>
+/// A class that stores its numbers inside itself, as a result must. Views, pointers and containers on the heap do not.
+template <class T, unsigned Count>
 concept Holds = std::is_class_v<T> && std::default_initializable<T> && std::is_trivially_destructible_v<T> &&
-                sizeof(T) >= count * sizeof(float);
+                sizeof(T) >= Count * sizeof(float);
 
 template <class From, class To>
 concept OneLibraryTriple = LibraryTriple<From> || LibraryTriple<To>;
