@@ -63,24 +63,28 @@ concept MatrixFor = Matrix4x4<From> && Matrix4x4<To> && OneLibraryMatrix<From, T
 namespace conversion
 {
 
-template <Triple T>
-[[nodiscard]] constexpr decltype(auto) component(T& triple, int i)
+// Indices are constants, so that they fit any library's index type without a warning.
+
+template <int I, Triple T>
+[[nodiscard]] constexpr decltype(auto) component(T& triple)
 {
-    if constexpr (HasXYZ<T&>)
-        return i == 0 ? (triple.x) : i == 1 ? (triple.y) : (triple.z);
+    if constexpr (!HasXYZ<T&>)
+        return triple[I];
+    else if constexpr (I == 0)
+        return (triple.x);
+    else if constexpr (I == 1)
+        return (triple.y);
     else
-        return triple[i];
+        return (triple.z);
 }
 
-template <Matrix4x4 T>
-[[nodiscard]] constexpr decltype(auto) element(T& matrix, int r, int c)
+template <int Row, int Column, Matrix4x4 T>
+[[nodiscard]] constexpr decltype(auto) element(T& matrix)
 {
-    if constexpr (LibraryMatrix<std::remove_const_t<T>>)
-        return matrix(static_cast<unsigned>(r), static_cast<unsigned>(c));
-    else if constexpr (HasTwoSubscripts<T&>)
-        return matrix[r][c];
+    if constexpr (HasTwoSubscripts<T&>)
+        return matrix[Row][Column];
     else
-        return matrix(r, c);
+        return matrix(Row, Column);
 }
 
 /// Assigns with a cast to the type of the place, which may be narrower.
@@ -90,16 +94,30 @@ constexpr void store(Place&& place, const Value& value)
     place = static_cast<std::remove_cvref_t<Place>>(value);
 }
 
+template <int Row, int Column, class To, class From>
+constexpr void copyElement(To& to, const From& from)
+{
+    if constexpr (Column == 3 && std::same_as<To, AffineMatrix>)
+        return;
+    else if constexpr (Column == 3 && std::same_as<From, AffineMatrix>)
+        store(element<Row, Column>(to), Row == 3 ? 1 : 0);
+    else
+        store(element<Row, Column>(to), element<Row, Column>(from));
+}
+
 } // namespace conversion
 
-/// The same three numbers in another type; one of the two types is this library's. A number is cast to the
-/// type that is to hold it.
+/// The same three numbers in another type; one of the two types is this library's. Each number is cast to
+/// the type that holds it.
 template <class To, TripleFor<To> From>
 [[nodiscard]] constexpr To convert(const From& from)
 {
     To to{};
-    for (int i = 0; i < 3; ++i)
-        conversion::store(conversion::component(to, i), conversion::component(from, i));
+    const auto copy = [&]<int... I>(std::integer_sequence<int, I...>)
+    {
+        (conversion::store(conversion::component<I>(to), conversion::component<I>(from)), ...);
+    };
+    copy(std::make_integer_sequence<int, 3>());
     return to;
 }
 
@@ -109,15 +127,11 @@ template <class To, MatrixFor<To> From>
 [[nodiscard]] constexpr To convert(const From& from)
 {
     To to{};
-    for (int r = 0; r < 4; ++r)
+    const auto copy = [&]<int... I>(std::integer_sequence<int, I...>)
     {
-        for (int c = 0; c < 3; ++c)
-            conversion::store(conversion::element(to, r, c), conversion::element(from, r, c));
-        if constexpr (std::same_as<From, AffineMatrix> && !std::same_as<To, AffineMatrix>)
-            conversion::store(conversion::element(to, r, 3), r == 3 ? 1 : 0);
-        else if constexpr (!std::same_as<To, AffineMatrix>)
-            conversion::store(conversion::element(to, r, 3), conversion::element(from, r, 3));
-    }
+        (conversion::copyElement<I / 4, I % 4>(to, from), ...);
+    };
+    copy(std::make_integer_sequence<int, 16>());
     return to;
 }
 
