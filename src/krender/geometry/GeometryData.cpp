@@ -3,6 +3,8 @@
 #include <krender/core/IHWMemoryObject.h>
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
