@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -26,9 +27,14 @@ int references(const DrawProcedure* procedure)
 
 TEST(DrawProcedure, RunsThroughItsCallbackAloneWhetherEnabledOrNot)
 {
-    auto* procedure = new DrawProcedure("grid");
+    struct Spare : DrawProcedure
+    {
+        using DrawProcedure::DrawProcedure;
+        [[nodiscard]] bool isClear() const { return !fSpare; }
+    };
+    auto* procedure = new Spare("grid");
     const Draw draw;
-    EXPECT_FALSE(procedure->isEnabled());
+    EXPECT_TRUE(procedure->isClear() && !procedure->isEnabled() && !procedure->userData());
     procedure->execute(draw);
     procedure->setExecuteCallback([](DrawProcedure& p, const DrawProcedureData& data)
                                   { dynamic_cast<const Draw&>(data).ran.push_back(&p); });
@@ -36,7 +42,9 @@ TEST(DrawProcedure, RunsThroughItsCallbackAloneWhetherEnabledOrNot)
     procedure->enable(true);
     EXPECT_TRUE(procedure->isEnabled());
     procedure->execute(draw);
-    EXPECT_EQ(draw.ran, (std::vector{procedure, procedure}));
+    EXPECT_EQ(draw.ran, (std::vector<DrawProcedure*>{procedure, procedure}));
+    procedure->enable(false);
+    EXPECT_FALSE(procedure->isEnabled());
     procedure->unref();
 }
 
@@ -54,6 +62,32 @@ TEST(DrawProcedure, DestroysUserDataOnReplacementAndNullOnlyAtItsEnd)
     EXPECT_EQ(destroyed.size(), 1u);
     procedure->unref();
     EXPECT_EQ(destroyed, (std::vector<void*>{&data, nullptr}));
+}
+
+// What a procedure's end calls may use the list.
+TEST(DrawProcedureList, HoldsNothingOfAProcedureThatEnds)
+{
+    using Drop = void (*)(DrawProcedureList&);
+    const std::pair<const char*, Drop> cases[] = {
+        {"remove", [](DrawProcedureList& list) { list.remove(list.item(1)); }},
+        {"clear", [](DrawProcedureList& list) { list.clear(); }}};
+    for (const auto& [what, drop] : cases)
+    {
+        auto* list = new DrawProcedureList;
+        auto* ending = new DrawProcedure("ending");
+        auto* other = new DrawProcedure("other");
+        for (DrawProcedure* procedure : {other, ending, ending})
+            list->add(procedure, false);
+        ending->setUserData(list, [](void* data)
+                            { return static_cast<DrawProcedureList*>(data)->add(new DrawProcedure("late"), true); });
+        ending->unref();
+        drop(*list);
+        EXPECT_FALSE(list->find("ending")) << what;
+        ASSERT_TRUE(list->find("late")) << what << ": the end of the procedure added it";
+        list->find("late")->unref();
+        list->unref();
+        other->unref();
+    }
 }
 
 TEST(DrawProcedureList, HoldsAReferenceForEveryEntry)
@@ -86,6 +120,8 @@ TEST(DrawProcedureList, HoldsAReferenceForEveryEntry)
     EXPECT_EQ(found->item(0), twin);
     found->unref();
     EXPECT_EQ(list->findAll("axes", *list), 1u) << "a list may be searched into itself";
+    EXPECT_EQ(list->findAll("none", *list), 0u);
+    EXPECT_EQ(order(), "atgga");
 
     EXPECT_TRUE(list->remove(grid));
     EXPECT_EQ(references(grid), 1) << "repeated entries go together, each with its reference";

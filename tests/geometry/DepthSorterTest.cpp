@@ -5,10 +5,14 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <functional>
+#include <iterator>
 #include <numeric>
 #include <random>
+#include <utility>
 #include <vector>
 
 using krLinear::ProjMatrix;
@@ -86,16 +90,18 @@ TEST(DepthSorter, PutsTheMostNegativeFirst)
 
 TEST(DepthSorter, AnswersWithoutWorkWhereThereIsNone)
 {
-    const float position[] = {0, 0, 0};
-    const unsigned filter = 0;
+    const float point[] = {0, 0, 0};
+    const unsigned number = 0;
     unsigned order = 77;
-    const auto sort = [&](unsigned count, const float* points, const unsigned* numbers, unsigned n)
-    { return DepthSorter::sortByDepth(ProjMatrix(1.0), &order, count, points, numbers, n); };
-    EXPECT_TRUE(sort(0, position, nullptr, 0));
-    EXPECT_TRUE(sort(0, position, &filter, 1));
-    EXPECT_TRUE(sort(1, position, &filter, 0));
-    EXPECT_TRUE(sort(0, nullptr, nullptr, 0));
-    EXPECT_FALSE(sort(1, nullptr, nullptr, 0));
+    const auto sort = [](unsigned* places, unsigned count, const float* points, const unsigned* filter, unsigned n)
+    { return DepthSorter::sortByDepth(ProjMatrix(1.0), places, count, points, filter, n); };
+    EXPECT_TRUE(sort(&order, 0, point, nullptr, 0) && sort(&order, 0, point, &number, 1)) << "no points";
+    EXPECT_TRUE(sort(&order, 0, nullptr, nullptr, 0) && sort(nullptr, 0, nullptr, nullptr, 0)) << "no points at all";
+    EXPECT_FALSE(sort(&order, 1, nullptr, nullptr, 0) || sort(&order, 1, nullptr, &number, 0)) << "no positions";
+    EXPECT_TRUE(sort(&order, 1, point, &number, 0) && sort(nullptr, 1, point, &number, 0)) << "an empty filter";
+    EXPECT_TRUE(sort(nullptr, 1, nullptr, &number, 0)) << "an empty filter and nothing else";
+    EXPECT_FALSE(sort(nullptr, 1, point, nullptr, 0) || sort(nullptr, 1, point, &number, 1)) << "no order";
+    EXPECT_FALSE(sort(nullptr, 1, nullptr, nullptr, 0)) << "neither positions nor an order";
     EXPECT_EQ(order, 77u) << "is left alone";
 }
 

@@ -4,6 +4,7 @@
 #include <krender/geometry/GeometryDataIndex.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <initializer_list>
 #include <memory>
 #include <utility>

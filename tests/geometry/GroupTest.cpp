@@ -5,8 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -82,6 +85,21 @@ TEST(GeometryLogicalGroup, AppendedStreamAlsoJoinsTheFirstListOnly)
     EXPECT_EQ(group.data(), (std::vector{early, late}));
     EXPECT_EQ(group.indices()[0]->data(), std::vector{late}) << "there was no list when the other one came";
     EXPECT_TRUE(group.indices()[1]->data().empty());
+
+    // What is in the group already may be appended again, with a reference more.
+    for (const GeometryData* stream : group.data())
+        stream->ref();
+    for (const GeometryDataIndex* list : group.indices())
+        list->ref();
+    const auto lists = group.indices();
+    group.appendData(group.data(), group.indices());
+    EXPECT_EQ(group.data(), (std::vector{early, late, early, late}));
+    EXPECT_EQ(group.indices(), (std::vector{lists[0], lists[1], lists[0], lists[1]}));
+    const GeometryData* last = newStream(GeometryData::color, 1, {0});
+    const GeometryDataIndex* lastList = newList(GeometryDataIndex::lines, 0);
+    group.appendData({last}, {lastList});
+    EXPECT_EQ(group.data().back(), last);
+    EXPECT_EQ(group.indices().back(), lastList);
 }
 
 TEST(GeometryLogicalGroup, FindsTheFirstMatchOfEveryKey)
@@ -105,7 +123,7 @@ TEST(GeometryLogicalGroup, FindsTheFirstMatchOfEveryKey)
     for (Attachment* attachment : {new Attachment("other"), tag, new Attachment("tag")})
         group.appendData(attachment);
     EXPECT_EQ(group.customData(std::string("tag").c_str()), tag);
-    EXPECT_EQ(group.customData("none"), nullptr);
+    EXPECT_TRUE(!group.customData("none") && !group.customData(nullptr));
     EXPECT_FALSE(tag->dirty(nullptr));
 }
 
@@ -126,6 +144,7 @@ TEST(Geometry, ReusesGroupsByTextAndAppendsWithoutLooking)
 
     // A group that was taken out leaves a slot that nothing trips over.
     EXPECT_EQ(geometry->takeGroup(1).get(), named);
+    EXPECT_TRUE(!geometry->takeGroup(1) && !geometry->takeGroup(3)) << "an empty slot, and one past the end";
     EXPECT_EQ(geometry->createOrReuseLogicalGroup("part"), geometry->groups()[2].get());
     EXPECT_EQ(geometry->totalNumberOfPrimitives(), 0u);
     geometry->deleteGeometryCache(true, true);

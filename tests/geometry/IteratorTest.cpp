@@ -6,7 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdint>
 #include <tuple>
+#include <vector>
 
 namespace
 {
@@ -44,13 +47,19 @@ TEST(GeometryLogicalIterator, VisitsTheListsInOrder)
     GeometryLogicalGroup group(nullptr);
     group.appendData({}, {newList(GeometryDataIndex::points, 0), newList(GeometryDataIndex::lines, 0)});
     GeometryLogicalIterator iterator(&group);
-    EXPECT_EQ(iterator.dataIndexPointer(), group.indices()[0]);
-    iterator.next();
-    EXPECT_EQ(iterator.dataIndexPointer(), group.indices()[1]);
-    iterator.next();
-    iterator.next();
-    EXPECT_TRUE(iterator.isDone()) << "there is nothing past the end";
-    EXPECT_TRUE(GeometryLogicalIterator(nullptr).isDone());
+    for (int round = 0; round < 2; ++round)
+    {
+        EXPECT_EQ(iterator.dataIndexPointer(), group.indices()[0]);
+        iterator.next();
+        EXPECT_EQ(iterator.dataIndexPointer(), group.indices()[1]);
+        EXPECT_FALSE(iterator.isDone());
+        iterator.next();
+        iterator.next();
+        EXPECT_TRUE(iterator.isDone()) << "there is nothing past the end";
+        iterator.reset(&group);
+    }
+    iterator.reset(nullptr);
+    EXPECT_TRUE(iterator.isDone() && GeometryLogicalIterator().isDone() && GeometryLogicalIterator(nullptr).isDone());
 }
 
 TEST(GeometryDataIterator, PointsAtTheElementsOfTheEntries)
@@ -75,6 +84,16 @@ TEST(GeometryDataIterator, ReadsEntriesAs64BitValues)
     EXPECT_EQ(iterator.computeIndex(2), 2 * 0x400000003u);
 }
 
+TEST(GeometryDataIterator, RefusesAnElementOutOfReach)
+{
+    const Held<GeometryData> stream(newStream(GeometryData::color, 4, {}));
+    const Held<GeometryDataIndex> list(new GeometryDataIndex(GeometryDataIndex::points, 1, {stream.get()},
+                                                             newArray({0u, 1u << 28}), nullptr, nullptr));
+    const GeometryDataIterator iterator(list.get(), nullptr);
+    EXPECT_EQ(iterator.computeIndex(4), std::uint64_t{1} << 62);
+    EXPECT_EQ(iterator.color(), nullptr) << "its place in bytes does not fit";
+}
+
 TEST(GeometryDataIterator, EndsWithItsRange)
 {
     const Held<GeometryDataIndex> list(newList(GeometryDataIndex::points, 5));
@@ -86,15 +105,21 @@ TEST(GeometryDataIterator, EndsWithItsRange)
             ++n;
         return n;
     };
+    const auto range = [&iterator]
+    { return std::tuple(iterator.useRange(), iterator.rangeBegin(), iterator.rangeEnd(), iterator.position()); };
     EXPECT_TRUE(iterator.setRange(2, 4));
+    EXPECT_EQ(range(), std::tuple(true, 2, 4, 0));
     EXPECT_EQ(steps(), 4) << "a range does not move the position";
+    EXPECT_TRUE(iterator.setRange(1, 5)) << "the list's own end";
     EXPECT_FALSE(iterator.setRange(2, 6)) << "past the list's end";
+    EXPECT_EQ(range(), std::tuple(false, 1, 5, 4));
     EXPECT_EQ(steps(), 1) << "the walk goes on to the list's end";
-    EXPECT_TRUE(iterator.setRange(0, 3));
+    EXPECT_TRUE(iterator.setRange(2, 3));
     iterator.reset(list.get(), nullptr);
-    EXPECT_EQ(steps(), 5) << "a reset forgets the range";
+    EXPECT_EQ(range(), std::tuple(false, 0, 0, 0));
+    EXPECT_EQ(steps(), 5) << "a reset drops the range";
     iterator.reset(nullptr, nullptr);
-    EXPECT_TRUE(iterator.isDone());
+    EXPECT_TRUE(iterator.isDone() && GeometryDataIterator().isDone());
 }
 
 TEST(GeometryDataIterator, FillsASlotForEveryKindOfStream)
@@ -113,6 +138,16 @@ TEST(GeometryDataIterator, FillsASlotForEveryKindOfStream)
     EXPECT_EQ(*iterator.binormal(), 501);
     EXPECT_EQ(*iterator.userData(), 601);
     EXPECT_EQ(*iterator.color(), 701);
+
+    const Walked bare({0}, {});
+    iterator.reset(bare.list, nullptr);
+    EXPECT_FALSE(iterator.useNormal()) << "a reset leaves the choice";
+    for (const auto value :
+         {&GeometryDataIterator::vertex, &GeometryDataIterator::normal, &GeometryDataIterator::weight,
+          &GeometryDataIterator::binormal, &GeometryDataIterator::userData, &GeometryDataIterator::color})
+        EXPECT_EQ((iterator.*value)(), nullptr) << "a reset empties the slots";
+    iterator.setUseNormal(true);
+    EXPECT_EQ(iterator.normal(), nullptr);
 }
 
 TEST(GeometryDataIterator, ChoosesSlotsByTextureSet)

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 TEST(GeometryMonitor, FirstStreamAfterAMarkStillCountsAsClean)
 {
     const std::uint32_t generator = IResource::fsUniqueIDGenerator;
@@ -31,10 +33,14 @@ TEST(GeometryMonitor, FirstStreamAfterAMarkStillCountsAsClean)
         EXPECT_FALSE(other.isDirty(*third, group));
         EXPECT_TRUE(monitor.isDirty(*third, group));
         monitor.markClean(group);
-        EXPECT_FALSE(monitor.isDirty(*third, group)) << "a mark moves on";
+        EXPECT_FALSE(monitor.isDirty(*third, group)) << "a second mark moves the first one on";
+        const Held<GeometryData> fourth(newStream(GeometryData::vertex, 1, {0}));
+        const Held<GeometryData> fifth(newStream(GeometryData::vertex, 1, {0}));
+        EXPECT_FALSE(monitor.isDirty(*fourth, group));
+        EXPECT_TRUE(monitor.isDirty(*fifth, group) && other.isDirty(*fifth, group));
 
         group.reset();
-        EXPECT_TRUE(monitor.isDirty(*before, group)) << "a group that was emptied is unknown again";
+        EXPECT_TRUE(monitor.isDirty(*before, group)) << "a group that was emptied has no marks";
     }
     IResource::fsUniqueIDGenerator = generator;
 }

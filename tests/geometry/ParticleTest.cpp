@@ -1,10 +1,18 @@
 #include "geometry/Fixtures.h"
 
+#include <krender/geometry/ParticleData.h>
 #include <krender/geometry/ParticleDataIterator.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <string_view>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 using krLinear::ProjMatrix;
 
@@ -70,6 +78,25 @@ TEST(ParticleData, RefsTheStreamsOfTheConstructorAndAdoptsAddedOnes)
     EXPECT_EQ(alive, 2) << "the caller's references on the first two are left";
 }
 
+TEST(ParticleData, StartsWhiteAsPoints)
+{
+    struct Spare : ParticleData
+    {
+        using ParticleData::ParticleData;
+        [[nodiscard]] bool isClear() const { return fReserved == 0 && !fSpare; }
+    };
+    const Held<GeometryData> stream(newNumbered(100, 1, 3, ""));
+    const Held<Spare> particles(new Spare(ParticleData::trail, 2.5f, *stream, *stream, nullptr, nullptr, nullptr));
+    EXPECT_TRUE(particles->isClear() && particles->size() == 2.5f);
+    EXPECT_EQ(particles->color(), (std::array{1.0f, 1.0f, 1.0f, 1.0f}));
+    const std::array color{0.1f, 0.2f, 0.3f, 0.4f};
+    particles->setColor(color.data());
+    EXPECT_EQ(particles->color(), color);
+    EXPECT_TRUE(particles->index()->primitiveType() == GeometryDataIndex::points && particles->index()->count() == 0);
+    particles->setDrawType(GeometryDataIndex::lineStrip);
+    EXPECT_EQ(particles->index()->primitiveType(), GeometryDataIndex::lineStrip);
+}
+
 TEST(ParticleData, NumbersTheStreamsThatAreGiven)
 {
     const std::tuple<const char*, int, int, int> cases[] = {{"", -1, -1, -1}, {"n", 2, -1, -1}, {"c", -1, 2, -1},
@@ -93,8 +120,6 @@ TEST(ParticleData, NumbersTheStreamsThatAreGiven)
         EXPECT_EQ(at(iterator.normal(), 2), normal < 0 ? 0 : 301);
         EXPECT_EQ(at(iterator.color(), 3), color < 0 ? 0 : 401);
         EXPECT_EQ(at(iterator.alpha(), 0), color < 0 || alpha < 0 ? 0 : 501) << "alpha comes with colours only";
-        EXPECT_EQ(iterator.userData(1), iterator.velocity());
-        EXPECT_EQ(iterator.userData(5), nullptr);
     }
 }
 
@@ -116,15 +141,34 @@ TEST(ParticleData, SortsAllParticlesOrThoseOfAFilter)
     const Order filter = {1, 3};
     EXPECT_TRUE(particles->sortByDepth(ProjMatrix(1.0), filter.data(), 2));
     EXPECT_EQ(walk(), (Order{1, 0, 0, 0})) << "places in the filter, and 0 up to the number of particles";
-    particles->sortByDepth(ProjMatrix(1.0), filter.data(), 0);
-    EXPECT_EQ(particles->sortOrder(), nullptr) << "an empty filter forgets the order";
-    EXPECT_FALSE(particles->sorted());
-    EXPECT_TRUE(particles->sortByDepth(ProjMatrix(1.0), nullptr, 0));
-    particles->removeSortByDepth();
-    EXPECT_EQ(walk(), Order());
+    EXPECT_FALSE(particles->sortByDepth(ProjMatrix(1.0), filter.data(), 0));
+    EXPECT_EQ(particles->sortOrder(), nullptr) << "an empty filter drops the order";
+    EXPECT_TRUE(!particles->sorted() && particles->sortedCount() == 4);
 
-    const auto none = makeParticles(ParticleData::single, newStream(GeometryData::vertex, 3, {}), 0);
-    EXPECT_FALSE(none->sortByDepth(ProjMatrix(1.0), nullptr, 0));
+    EXPECT_TRUE(particles->sortByDepth(ProjMatrix(1.0), nullptr, 0));
+    EXPECT_TRUE(particles->sortByDepth(ProjMatrix(1.0), particles->sortOrder(), 4)) << "by its own order";
+    EXPECT_EQ(walk(), (Order{0, 1, 2, 3})) << "which was sorted already";
+    EXPECT_TRUE(particles->sortByDepth(ProjMatrix(1.0), particles->sortOrder() + 1, 2)) << "or by a part of it";
+    const Order twice = {1, 3, 1, 3, 1};
+    EXPECT_TRUE(particles->sortByDepth(ProjMatrix(1.0), twice.data(), 5)) << "a filter may be longer than the stream";
+    EXPECT_EQ(particles->sortOrder()[4] % 2, 0u) << "the nearest is number 1, in an even place";
+    particles->removeSortByDepth();
+    EXPECT_TRUE(!particles->sorted() && !particles->sortOrder() && particles->sortedCount() == 0);
+}
+
+TEST(ParticleData, HasNoOrderWhenASortFails)
+{
+    const std::pair<const char*, GeometryData*> cases[] = {
+        {"no positions", newStream(GeometryData::vertex, 3, {})},
+        {"no array of positions",
+         new GeometryData("", GeometryData::vertex, GeometryData::float32, 3, 4, nullptr, false, false)}};
+    for (const auto& [what, positions] : cases)
+    {
+        const auto particles = makeParticles(ParticleData::single, positions, 4);
+        EXPECT_FALSE(particles->sortByDepth(ProjMatrix(1.0), nullptr, 0)) << what;
+        EXPECT_TRUE(!particles->sorted() && !particles->sortOrder()) << what;
+        EXPECT_EQ(particles->sortedCount(), positions->count()) << what;
+    }
 }
 
 TEST(ParticleDataIterator, CountsByTypeAndFilter)
@@ -156,14 +200,53 @@ TEST(ParticleDataIterator, KeepsPositionsPerParticleWhenResetToSinglePositions)
     const auto clusters = makeParticles(ParticleData::cluster, newNumbered(100, 6, 3, "position"), 3);
     const auto singles = makeParticles(ParticleData::single, newNumbered(100, 6, 3, "position"), 6);
     ParticleDataIterator iterator(*clusters, nullptr, 0);
+    iterator.next();
     iterator.reset(*singles, nullptr, 0);
+    EXPECT_EQ(iterator.current(), 0u);
     EXPECT_EQ(iterator.positionsPerParticle(), 2u);
     EXPECT_EQ(ParticleDataIterator(*singles, nullptr, 0).positionsPerParticle(), 1u);
 }
 
+TEST(ParticleDataIterator, StepsByTheElementsOfEachStream)
+{
+    const Held<GeometryData> colors(newNumbered(400, 3, 3, "color"));
+    const Held<ParticleData> particles(
+        new ParticleData(ParticleData::single, 1.0f, *colors, *colors, nullptr, colors.get(), nullptr));
+    // Element type, components, bytes from one particle to the next.
+    const std::tuple<int, unsigned, unsigned> cases[] = {{0, 3, 3}, {1, 2, 8}, {2, 1, 8}, {3, 4, 4}, {4, 1, 1},
+                                                         {5, 3, 6}, {6, 1, 2}, {7, 2, 8}, {8, 1, 4}};
+    char data[3 * 8] = {};
+    const auto addData = [&particles](int type, unsigned components, void* array)
+    {
+        particles->addData(*new GeometryData("", GeometryData::userData, static_cast<GeometryData::ElementType>(type),
+                                             components, 3, array, false, false));
+    };
+    for (const auto& [type, components, bytes] : cases)
+        addData(type, components, data);
+    addData(GeometryData::float32, 1, nullptr);
+    addData(GeometryData::float64, 0xFFFFFFFFu, data);
+
+    const unsigned filter[] = {2, 0xFFFFFFFFu};
+    ParticleDataIterator iterator(*particles, filter, 2);
+    EXPECT_EQ(iterator.color(), static_cast<float*>(colors->data()) + 6) << "colours of three components";
+    for (unsigned stream = 3; const auto& [type, components, bytes] : cases)
+        EXPECT_EQ(iterator.userData(stream++), data + 2 * bytes) << "of element type " << type;
+    EXPECT_EQ(iterator.userData(12), nullptr) << "no array";
+    iterator.next();
+    EXPECT_EQ(iterator.userData(13), nullptr) << "its place in bytes does not fit";
+    EXPECT_EQ(iterator.userData(14), nullptr) << "no stream";
+}
+
 TEST(CeilPow2, RoundsUp)
 {
-    for (const auto& [n, power] :
-         {std::pair(0u, 1u), {1u, 1u}, {2u, 2u}, {3u, 4u}, {5u, 8u}, {8u, 8u}, {1u << 31, 1u << 31}})
+    for (const auto& [n, power] : {std::pair(0u, 1u),
+                                   {1u, 1u},
+                                   {2u, 2u},
+                                   {3u, 4u},
+                                   {5u, 8u},
+                                   {8u, 8u},
+                                   {9u, 16u},
+                                   {1u << 31, 1u << 31},
+                                   {(1u << 31) + 1, 0u}})
         EXPECT_EQ(ceilPow2(n), power) << n;
 }

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <memory>
 #include <tuple>
+#include <utility>
 
 // The memory checkers see what is released, and as which type.
 TEST(GeometryData, ReleasesOwnedArraysOfEveryTypeButOpaque)
@@ -24,6 +27,17 @@ TEST(GeometryData, ReleasesOwnedArraysOfEveryTypeButOpaque)
     EXPECT_EQ(kept[1], 'b');
 }
 
+TEST(GeometryData, CopiesItsName)
+{
+    char name[] = "uv";
+    const Held<GeometryData> stream(
+        new GeometryData(name, GeometryData::textureCoord, GeometryData::float32, 2, 0, nullptr, false, false));
+    name[0] = 'x';
+    EXPECT_STREQ(stream->streamName(), "uv");
+    EXPECT_STREQ(stream->name(), "") << "the resource's name is another one";
+    EXPECT_TRUE(stream->setIndex == 0 && !stream->hanger());
+}
+
 TEST(GeometryData, AlwaysOwnsItsHanger)
 {
     int hangers = 0;
@@ -35,6 +49,23 @@ TEST(GeometryData, AlwaysOwnsItsHanger)
     EXPECT_EQ(hangers, 1) << "the first one went when it was replaced, the second one stayed when hung again";
     stream.reset();
     EXPECT_EQ(hangers, 0);
+}
+
+TEST(GeometryDataIndex, TakesItsRangeFromTheFullFormOnly)
+{
+    const unsigned start = 3;
+    const unsigned end = 5;
+    const std::tuple<const char*, GeometryDataIndex*, unsigned, unsigned> cases[] = {
+        {"both given", new GeometryDataIndex(GeometryDataIndex::lines, 7, {}, nullptr, &end, &start), 3, 5},
+        {"no end", new GeometryDataIndex(GeometryDataIndex::lines, 7, {}, nullptr, nullptr, &start), 3, 7},
+        {"no start", new GeometryDataIndex(GeometryDataIndex::lines, 7, {}, nullptr, &end, nullptr), 0, 5},
+        {"short form", new GeometryDataIndex(GeometryDataIndex::lines, 7, nullptr), 0, 0}};
+    for (const auto& [what, made, rangeStart, rangeEnd] : cases)
+    {
+        const Held<GeometryDataIndex> list(made);
+        EXPECT_EQ(std::pair(list->rangeStart(), list->rangeEnd()), std::pair(rangeStart, rangeEnd)) << what;
+        EXPECT_EQ(list->widenedIndices(), nullptr) << what << ": a count, but no indices";
+    }
 }
 
 TEST(GeometryDataIndex, ShortListsDrawTheirIdWithoutTheGuardAgainstZero)
