@@ -35,9 +35,7 @@ struct Walked
 /// A stream of the elements `base` and `base` + 1.
 GeometryData* newMarked(GeometryData::DataType type, float base, int setIndex = 0)
 {
-    GeometryData* stream = newStream(type, 1, {base, base + 1});
-    stream->setIndex = setIndex;
-    return stream;
+    return newStream(type, 1, {base, base + 1}, setIndex);
 }
 
 } // namespace
@@ -46,20 +44,20 @@ TEST(GeometryLogicalIterator, VisitsTheListsInOrder)
 {
     GeometryLogicalGroup group(nullptr);
     group.appendData({}, {newList(GeometryDataIndex::points, 0), newList(GeometryDataIndex::lines, 0)});
-    GeometryLogicalIterator iterator(&group);
+    GeometryLogicalIterator iterator;
     for (int round = 0; round < 2; ++round)
     {
-        EXPECT_EQ(iterator.dataIndexPointer(), group.indices()[0]);
-        iterator.next();
-        EXPECT_EQ(iterator.dataIndexPointer(), group.indices()[1]);
-        EXPECT_FALSE(iterator.isDone());
-        iterator.next();
-        iterator.next();
-        EXPECT_TRUE(iterator.isDone()) << "there is nothing past the end";
+        EXPECT_TRUE(iterator.isDone());
         iterator.reset(&group);
+        for (const GeometryDataIndex* list : group.indices())
+        {
+            EXPECT_TRUE(iterator.dataIndexPointer() == list && !iterator.isDone());
+            iterator.next();
+        }
+        iterator.next(); // stays at the end
     }
     iterator.reset(nullptr);
-    EXPECT_TRUE(iterator.isDone() && GeometryLogicalIterator().isDone() && GeometryLogicalIterator(nullptr).isDone());
+    EXPECT_TRUE(iterator.isDone() && !GeometryLogicalIterator(&group).isDone());
 }
 
 TEST(GeometryDataIterator, PointsAtTheElementsOfTheEntries)
@@ -77,19 +75,12 @@ TEST(GeometryDataIterator, PointsAtTheElementsOfTheEntries)
 
 TEST(GeometryDataIterator, ReadsEntriesAs64BitValues)
 {
-    const Held<GeometryDataIndex> list(new GeometryDataIndex(GeometryDataIndex::points, 2, newArray({1u, 2u, 3u, 4u})));
-    GeometryDataIterator iterator(list.get(), nullptr);
-    EXPECT_EQ(iterator.computeIndex(1), 0x200000001u);
-    iterator.next();
-    EXPECT_EQ(iterator.computeIndex(2), 2 * 0x400000003u);
-}
-
-TEST(GeometryDataIterator, RefusesAnElementOutOfReach)
-{
     const Held<GeometryData> stream(newStream(GeometryData::color, 4, {}));
-    const Held<GeometryDataIndex> list(new GeometryDataIndex(GeometryDataIndex::points, 1, {stream.get()},
-                                                             newArray({0u, 1u << 28}), nullptr, nullptr));
-    const GeometryDataIterator iterator(list.get(), nullptr);
+    const Held<GeometryDataIndex> list(new GeometryDataIndex(GeometryDataIndex::points, 2, {stream.get()},
+                                                             newArray({1u, 2u, 0u, 1u << 28}), nullptr, nullptr));
+    GeometryDataIterator iterator(list.get(), nullptr);
+    EXPECT_EQ(iterator.computeIndex(3), 3 * 0x200000001u);
+    iterator.next();
     EXPECT_EQ(iterator.computeIndex(4), std::uint64_t{1} << 62);
     EXPECT_EQ(iterator.color(), nullptr) << "its place in bytes does not fit";
 }
@@ -98,9 +89,8 @@ TEST(GeometryDataIterator, EndsWithItsRange)
 {
     const Held<GeometryDataIndex> list(newList(GeometryDataIndex::points, 5));
     GeometryDataIterator iterator(list.get(), nullptr);
-    const auto steps = [&iterator]
+    const auto steps = [&iterator](int n = 0)
     {
-        int n = 0;
         for (; !iterator.isDone(); iterator.next())
             ++n;
         return n;
@@ -122,32 +112,29 @@ TEST(GeometryDataIterator, EndsWithItsRange)
     EXPECT_TRUE(iterator.isDone() && GeometryDataIterator().isDone());
 }
 
-TEST(GeometryDataIterator, FillsASlotForEveryKindOfStream)
+TEST(GeometryDataIterator, FillsASlotForEveryKindOfStreamAndEmptiesThemOnReset)
 {
     const Walked walked({1}, {newMarked(GeometryData::vertex, 900), newMarked(GeometryData::vertex, 100),
                               newMarked(GeometryData::normal, 200), newMarked(GeometryData::alternateNormal, 300),
                               newMarked(GeometryData::weight, 400), newMarked(GeometryData::binormal, 500),
                               newMarked(GeometryData::userData, 600), newMarked(GeometryData::color, 700),
                               newMarked(GeometryData::tangentSpaceCorrection, 999), nullptr});
-    GeometryDataIterator iterator(walked.list, nullptr);
-    EXPECT_EQ(*iterator.vertex(), 101) << "the later one of two";
-    EXPECT_EQ(*iterator.normal(), 201);
-    iterator.setUseNormal(false);
-    EXPECT_EQ(*iterator.normal(), 301);
-    EXPECT_EQ(*iterator.weight(), 401);
-    EXPECT_EQ(*iterator.binormal(), 501);
-    EXPECT_EQ(*iterator.userData(), 601);
-    EXPECT_EQ(*iterator.color(), 701);
-
     const Walked bare({0}, {});
-    iterator.reset(bare.list, nullptr);
-    EXPECT_FALSE(iterator.useNormal()) << "a reset leaves the choice";
-    for (const auto value :
-         {&GeometryDataIterator::vertex, &GeometryDataIterator::normal, &GeometryDataIterator::weight,
-          &GeometryDataIterator::binormal, &GeometryDataIterator::userData, &GeometryDataIterator::color})
-        EXPECT_EQ((iterator.*value)(), nullptr) << "a reset empties the slots";
-    iterator.setUseNormal(true);
-    EXPECT_EQ(iterator.normal(), nullptr);
+    using Iterator = GeometryDataIterator;
+    const std::tuple<float* (Iterator::*)() const noexcept, bool, float> cases[] = {
+        {&Iterator::vertex, true, 101}, // the later one of two
+        {&Iterator::normal, true, 201},   {&Iterator::normal, false, 301},  {&Iterator::weight, true, 401},
+        {&Iterator::binormal, true, 501}, {&Iterator::userData, true, 601}, {&Iterator::color, true, 701}};
+    for (const auto& [value, useNormal, expected] : cases)
+    {
+        Iterator iterator(walked.list, nullptr);
+        EXPECT_TRUE(iterator.useNormal());
+        iterator.setUseNormal(useNormal);
+        EXPECT_EQ(*(iterator.*value)(), expected);
+        iterator.reset(bare.list, nullptr);
+        EXPECT_EQ(iterator.useNormal(), useNormal) << "a reset leaves the choice";
+        EXPECT_EQ((iterator.*value)(), nullptr);
+    }
 }
 
 TEST(GeometryDataIterator, ChoosesSlotsByTextureSet)

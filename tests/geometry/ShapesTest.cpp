@@ -24,26 +24,14 @@ std::string namesOf(const auto& streams)
     return names;
 }
 
-void print(std::ostream& out, const GeometryDataIndex& list)
+/// Prints rows of values with six decimals.
+void print(std::ostream& out, const auto* values, unsigned rows, unsigned width)
 {
-    out << "list of type " << list.primitiveType() << " over" << namesOf(list.data()) << '\n';
-    const unsigned corners = list.primitiveType() == GeometryDataIndex::quads ? 4 : 3;
-    for (unsigned i = 0; i < list.count(); ++i)
-        out << list.indices()[i] << (i % corners == corners - 1 ? '\n' : ' ');
+    for (unsigned i = 0; i < rows * width; ++i)
+        out << std::round(1e6 * values[i]) / 1e6 + 0.0 << (i % width == width - 1 ? '\n' : ' ');
 }
 
-void print(std::ostream& out, const GeometryData& stream)
-{
-    EXPECT_TRUE(stream.elementType() == GeometryData::float32 && stream.ownsData() && !stream.secondary());
-    const unsigned components = stream.elementSize();
-    out << "stream " << stream.streamName() << ": type " << stream.dataType() << ", set " << stream.setIndex << ", "
-        << stream.count() << " x " << components << '\n';
-    for (unsigned i = 0; i < stream.count() * components; ++i)
-        out << std::round(1e6 * static_cast<const float*>(stream.data())[i]) / 1e6 + 0.0
-            << (i % components == components - 1 ? '\n' : ' ');
-}
-
-/// The groups with their lists, then every stream once, with six decimals.
+/// The groups with their lists, a row for each face, then every stream once, a row for each element.
 std::string text(const Geometry& geometry)
 {
     std::ostringstream groups;
@@ -53,10 +41,20 @@ std::string text(const Geometry& geometry)
     {
         groups << "group " << group->name() << ':' << namesOf(group->data()) << '\n';
         for (const GeometryDataIndex* list : group->indices())
-            print(groups, *list);
+        {
+            const unsigned corners = list->primitiveType() == GeometryDataIndex::quads ? 4 : 3;
+            groups << "list of type " << list->primitiveType() << " over" << namesOf(list->data()) << '\n';
+            print(groups, list->indices(), list->count() / corners, corners);
+        }
         for (const GeometryData* stream : group->data())
             if (printed.insert(stream).second)
-                print(streams, *stream);
+            {
+                EXPECT_TRUE(stream->elementType() == GeometryData::float32 && stream->ownsData() &&
+                            !stream->secondary());
+                streams << "stream " << stream->streamName() << ": type " << stream->dataType() << ", set "
+                        << stream->setIndex << ", " << stream->count() << " x " << stream->elementSize() << '\n';
+                print(streams, static_cast<const float*>(stream->data()), stream->count(), stream->elementSize());
+            }
     }
     return groups.str() + streams.str();
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <tuple>
@@ -55,17 +56,16 @@ TEST(GeometryDataIndex, TakesItsRangeFromTheFullFormOnly)
 {
     const unsigned start = 3;
     const unsigned end = 5;
-    const std::tuple<const char*, GeometryDataIndex*, unsigned, unsigned> cases[] = {
-        {"both given", new GeometryDataIndex(GeometryDataIndex::lines, 7, {}, nullptr, &end, &start), 3, 5},
-        {"no end", new GeometryDataIndex(GeometryDataIndex::lines, 7, {}, nullptr, nullptr, &start), 3, 7},
-        {"no start", new GeometryDataIndex(GeometryDataIndex::lines, 7, {}, nullptr, &end, nullptr), 0, 5},
-        {"short form", new GeometryDataIndex(GeometryDataIndex::lines, 7, nullptr), 0, 0}};
-    for (const auto& [what, made, rangeStart, rangeEnd] : cases)
+    const auto expectRange = [](GeometryDataIndex* made, unsigned rangeStart, unsigned rangeEnd)
     {
         const Held<GeometryDataIndex> list(made);
-        EXPECT_EQ(std::pair(list->rangeStart(), list->rangeEnd()), std::pair(rangeStart, rangeEnd)) << what;
-        EXPECT_EQ(list->widenedIndices(), nullptr) << what << ": a count, but no indices";
-    }
+        EXPECT_EQ(std::pair(list->rangeStart(), list->rangeEnd()), std::pair(rangeStart, rangeEnd));
+        EXPECT_EQ(list->widenedIndices(), nullptr) << "there is a count, but there are no indices";
+    };
+    expectRange(new GeometryDataIndex(GeometryDataIndex::lines, 7, {}, nullptr, &end, &start), 3, 5);
+    expectRange(new GeometryDataIndex(GeometryDataIndex::lines, 7, {}, nullptr, nullptr, &start), 3, 7);
+    expectRange(new GeometryDataIndex(GeometryDataIndex::lines, 7, {}, nullptr, &end, nullptr), 0, 5);
+    expectRange(new GeometryDataIndex(GeometryDataIndex::lines, 7, nullptr), 0, 0);
 }
 
 TEST(GeometryDataIndex, ShortListsDrawTheirIdWithoutTheGuardAgainstZero)
@@ -78,10 +78,8 @@ TEST(GeometryDataIndex, ShortListsDrawTheirIdWithoutTheGuardAgainstZero)
     IResource::fsUniqueIDGenerator = 0;
     const Held<GeometryData> stream(newStream(GeometryData::vertex, 1, {}));
     EXPECT_EQ(std::exchange(IResource::fsUniqueIDGenerator, before), 2u);
-    EXPECT_EQ(last->id(), 0xFFFFFFFFu);
-    EXPECT_EQ(wrapped->id(), 1u);
-    EXPECT_EQ(shortList->id(), 0u);
-    EXPECT_EQ(stream->id(), 1u);
+    EXPECT_EQ((std::array{last->id(), wrapped->id(), shortList->id(), stream->id()}),
+              (std::array{0xFFFFFFFFu, 1u, 0u, 1u}));
 }
 
 TEST(GeometryDataIndex, DeletesOnlyWhatItOwns)
@@ -91,9 +89,12 @@ TEST(GeometryDataIndex, DeletesOnlyWhatItOwns)
     const std::unique_ptr<unsigned[]> indices(newArray({0u, 1u}));
     {
         const Held<GeometryDataIndex> list(new GeometryDataIndex(GeometryDataIndex::lines, 2, indices.get()));
-        list->setHanger(new Hanger(hangers));
+        auto* owned = new Hanger(hangers);
+        list->setHanger(owned);
+        list->setHanger(owned);
+        EXPECT_EQ(hangers, 2) << "an owned hanger stays when it is hung again";
         list->setHanger(nullptr);
-        EXPECT_EQ(hangers, 1) << "an owned hanger goes when it is replaced";
+        EXPECT_EQ(hangers, 1) << "and goes when it is replaced";
 
         list->setOwnsIndices(false);
         list->setHanger(&own);

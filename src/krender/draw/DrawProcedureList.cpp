@@ -54,8 +54,6 @@ bool DrawProcedureList::insertAt(DrawProcedure* procedure, unsigned position, bo
 
 bool DrawProcedureList::remove(DrawProcedure* procedure)
 {
-    if (!procedure)
-        return false;
     // The entries leave the list before they unref the procedure: what its end calls may use the list.
     const auto leaving = std::ranges::stable_partition(fProcedures, [procedure](const Ref<DrawProcedure>& entry)
                                                        { return entry.get() != procedure; });

@@ -119,10 +119,10 @@ void orderByDepth(const float* depths, std::uint32_t count, std::uint32_t* order
 {
     // Both checks end at the first pair that is out of order, so random depths pay little for them.
     const auto ascending = [](float a, float b) { return keyOf(a) < keyOf(b); };
-    const auto descending = [](float a, float b) { return keyOf(b) < keyOf(a); };
+    const auto notDescending = [](float a, float b) { return keyOf(a) <= keyOf(b); };
     if (std::is_sorted(depths, depths + count, ascending))
         std::iota(order, order + count, 0u);
-    else if (std::is_sorted(depths, depths + count, descending))
+    else if (std::adjacent_find(depths, depths + count, notDescending) == depths + count)
         for (std::uint32_t i = 0; i < count; ++i)
             order[i] = count - 1 - i;
     else if (count <= kFew)
