@@ -132,8 +132,9 @@ TEST(ParticleData, SortsAllParticlesOrThoseOfAFilter)
     EXPECT_EQ(particles->sortOrder(), nullptr) << "an empty filter drops the order";
     EXPECT_TRUE(!particles->sorted() && particles->sortedCount() == 4);
 
-    EXPECT_TRUE(particles->sortByDepth(ProjMatrix(1.0), nullptr, 0));
-    EXPECT_TRUE(particles->sortByDepth(ProjMatrix(1.0), particles->sortOrder(), 4)) << "by its own order";
+    EXPECT_TRUE(particles->sortByDepth(ProjMatrix(1.0), nullptr, 0) &&
+                particles->sortByDepth(ProjMatrix(1.0), particles->sortOrder(), 4))
+        << "by its own order";
     EXPECT_EQ(walk(), (Order{0, 1, 2, 3})) << "which was sorted already";
     EXPECT_TRUE(particles->sortByDepth(ProjMatrix(1.0), particles->sortOrder() + 1, 2)) << "or by a part of it";
     const Order twice = {1, 3, 1, 3, 1};
