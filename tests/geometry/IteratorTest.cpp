@@ -21,9 +21,8 @@ struct Walked
         : group(nullptr, streams, {})
     {
         const auto count = static_cast<unsigned>(entries.size());
-        const Held<GeometryDataIndex> narrow(
-            new GeometryDataIndex(GeometryDataIndex::points, count, newArray(entries)));
-        list = new GeometryDataIndex(GeometryDataIndex::points, count, streams, narrow->widenedIndices().release(),
+        const GeometryDataIndex narrow(GeometryDataIndex::points, count, newArray(entries));
+        list = new GeometryDataIndex(GeometryDataIndex::points, count, streams, narrow.widenedIndices().release(),
                                      nullptr, nullptr);
         group.appendData({}, {list});
     }

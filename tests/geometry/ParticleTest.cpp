@@ -219,7 +219,7 @@ TEST(ParticleDataIterator, StepsByTheElementsOfEachStream)
     ParticleDataIterator iterator(*particles, filter, 2);
     EXPECT_EQ(iterator.color(), static_cast<float*>(colors->data()) + 6) << "colours of three components";
     for (unsigned stream = 3; const auto& [type, components, bytes] : cases)
-        EXPECT_EQ(iterator.userData(stream++), data + 2 * bytes) << "of element type " << type;
+        EXPECT_EQ(iterator.userData(stream++), data + std::size_t{2} * bytes) << "of element type " << type;
     EXPECT_EQ(iterator.userData(12), nullptr) << "no array";
     iterator.next();
     EXPECT_EQ(iterator.userData(13), nullptr) << "its place in bytes does not fit";

@@ -12,11 +12,12 @@
 #include <sstream>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace
 {
 
-std::string namesOf(const auto& streams)
+std::string namesOf(const std::vector<const GeometryData*>& streams)
 {
     std::string names;
     for (const GeometryData* stream : streams)
@@ -25,7 +26,8 @@ std::string namesOf(const auto& streams)
 }
 
 /// Prints rows of values with six decimals.
-void print(std::ostream& out, const auto* values, unsigned rows, unsigned width)
+template <class T>
+void print(std::ostream& out, const T* values, unsigned rows, unsigned width)
 {
     for (unsigned i = 0; i < rows * width; ++i)
         out << std::round(1e6 * values[i]) / 1e6 + 0.0 << (i % width == width - 1 ? '\n' : ' ');

@@ -55,11 +55,12 @@ bool DrawProcedureList::insertAt(DrawProcedure* procedure, unsigned position, bo
 bool DrawProcedureList::remove(DrawProcedure* procedure)
 {
     // The entries leave the list before they unref the procedure: what its end calls may use the list.
-    const auto leaving = std::ranges::stable_partition(fProcedures, [procedure](const Ref<DrawProcedure>& entry)
-                                                       { return entry.get() != procedure; });
-    const std::vector<Ref<DrawProcedure>> removed(std::move_iterator(leaving.begin()),
-                                                  std::move_iterator(leaving.end()));
-    fProcedures.erase(leaving.begin(), leaving.end());
+    const auto leaving =
+        std::stable_partition(fProcedures.begin(), fProcedures.end(),
+                              [procedure](const Ref<DrawProcedure>& entry) { return entry.get() != procedure; });
+    const std::vector<Ref<DrawProcedure>> removed(std::make_move_iterator(leaving),
+                                                  std::make_move_iterator(fProcedures.end()));
+    fProcedures.erase(leaving, fProcedures.end());
     return !removed.empty();
 }
 

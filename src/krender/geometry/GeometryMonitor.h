@@ -24,7 +24,7 @@ public:
     void markClean(GeometryLogicalGroup& group) const;
 
     /// The id of the next monitor; the first one gets 0.
-    static std::uint32_t gNextFreeId;
+    static std::uint32_t gNextFreeId; // NOLINT(readability-identifier-naming): an interface's name
 
 private:
     std::uint32_t fId;
