@@ -5,6 +5,7 @@
 #include <krender/core/IHWMemoryObject.h>
 #include <krender/core/IResource.h>
 #include <krender/core/Ref.h>
+#include <krender/core/RefVector.h>
 #include <krender/core/SharedObject.h>
 #include <krender/draw/DrawProcedure.h>
 #include <krender/draw/DrawProcedureData.h>
