@@ -2,16 +2,47 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
+#include <string>
 
-/// The library's window numbers before any window was constructed.
-static const std::int32_t countAtStart = gWindowCount;
+namespace
+{
+
+/// The next window number before any window was constructed.
+const std::int32_t kCountAtStart = gWindowCount;
+
+/// A host's own kind of window.
+struct HostWindow : SimpleWindow
+{
+    int create(char* name, unsigned, unsigned, MessageHandler*, void*) override
+    {
+        title = name;
+        return 7;
+    }
+    using SimpleWindow::create;
+
+    std::string title;
+};
+
+} // namespace
+
+TEST(WithoutDisplay, AHostsOverrideOfCreateIsCalledForConstTextToo)
+{
+    HostWindow window;
+    EXPECT_EQ(window.create("const", 320, 200, nullptr, nullptr), 7);
+    EXPECT_EQ(window.title, "const");
+    char name[] = "changeable";
+    EXPECT_EQ(static_cast<ISimpleWindow&>(window).create(name, 320, 200, nullptr, nullptr), 7);
+    EXPECT_EQ(window.title, "changeable");
+}
 
 TEST(WithoutDisplay, TheLibrarySaysThatThereIsNoneAndOnlyCreationEndsTheProcess)
 {
     unsetenv("DISPLAY");
     EXPECT_FALSE(SimpleWindow::displayAvailable());
-    EXPECT_EQ(countAtStart, 1);
+    EXPECT_EQ(kCountAtStart, 1);
     const std::int32_t next = gWindowCount;
     SimpleWindow first;
     EXPECT_EQ(first.windowNumber(), next);
