@@ -28,15 +28,14 @@ Colour blend(const Colour& a, const Colour& b, double share)
 
 Colour grey(double value) { return {value, value, value, 1}; }
 
-/// Takes a reference on a new array and fills it.
+/// Fills a new array.
 /// @param colourAt  the colour at a column, row and slice
 template <class Array, class ColourAt>
-Shared<Array> filled(Array* array, const ColourAt& colourAt)
+Ref<Array> filled(Array* array, const ColourAt& colourAt)
 {
-    array->ref();
-    Shared<Array> held(array);
+    Ref<Array> held(array);
     auto* pixel = static_cast<std::uint8_t*>(array->data());
-    if (pixel == nullptr)
+    if (!pixel)
         throw std::bad_alloc();
     for (unsigned z = 0; z < array->depth(); ++z)
         for (unsigned y = 0; y < array->height(); ++y)
@@ -173,20 +172,20 @@ const std::vector<std::string>& builtInPictureNames()
     return kNames;
 }
 
-Shared<PixelArray2D> builtInPicture(const std::string& name)
+Ref<PixelArray2D> builtInPicture(const std::string& name)
 {
     const auto* const found =
         std::find_if(kPictures.begin(), kPictures.end(), [&](const NamedPicture& p) { return p.name == name; });
     return filled(new PixelArray2D(pictureFormat(), kSide, kSide), found->colourAt);
 }
 
-Shared<PixelArray1D> builtInRamp()
+Ref<PixelArray1D> builtInRamp()
 {
     return filled(new PixelArray1D(pictureFormat(), kSide),
                   [](unsigned x, unsigned, unsigned) { return grey(double{1} * x / (kSide - 1)); });
 }
 
-Shared<PixelArray3D> builtInNoise()
+Ref<PixelArray3D> builtInNoise()
 {
     return filled(new PixelArray3D(pictureFormat(), kVolumeSide, kVolumeSide, kVolumeSide),
                   [](unsigned x, unsigned y, unsigned z) {
@@ -195,7 +194,7 @@ Shared<PixelArray3D> builtInNoise()
                   });
 }
 
-Shared<PixelArrayCubeMap> builtInSurroundings()
+Ref<PixelArrayCubeMap> builtInSurroundings()
 {
     return filled(new PixelArrayCubeMap(pictureFormat(), kCubeSide, kCubeSide),
                   [](unsigned x, unsigned y, unsigned face) { return surroundings(faceDirection(x, y, face)); });

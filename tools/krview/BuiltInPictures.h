@@ -1,6 +1,5 @@
 #pragma once
-#include "Shared.h"
-
+#include <krender/core/Ref.h>
 #include <krender/pixels/PixelArray1D.h>
 #include <krender/pixels/PixelArray2D.h>
 #include <krender/pixels/PixelArray3D.h>
@@ -15,9 +14,9 @@
 [[nodiscard]] const std::vector<std::string>& builtInPictureNames();
 
 /// The picture of one of these names.
-[[nodiscard]] Shared<PixelArray2D> builtInPicture(const std::string& name);
+[[nodiscard]] Ref<PixelArray2D> builtInPicture(const std::string& name);
 /// From dark to light.
-[[nodiscard]] Shared<PixelArray1D> builtInRamp();
-[[nodiscard]] Shared<PixelArray3D> builtInNoise();
+[[nodiscard]] Ref<PixelArray1D> builtInRamp();
+[[nodiscard]] Ref<PixelArray3D> builtInNoise();
 /// A clear sky with its sun over a tiled floor.
-[[nodiscard]] Shared<PixelArrayCubeMap> builtInSurroundings();
+[[nodiscard]] Ref<PixelArrayCubeMap> builtInSurroundings();

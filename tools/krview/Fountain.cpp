@@ -41,10 +41,10 @@ float numberOf(unsigned particle, unsigned which)
 }
 
 /// A stream of zeros for so many particles.
-Shared<GeometryData> emptyStream(const char* name, GeometryData::DataType type, unsigned components, unsigned count)
+Ref<GeometryData> emptyStream(const char* name, GeometryData::DataType type, unsigned components, unsigned count)
 {
-    return Shared<GeometryData>(new GeometryData(name, type, GeometryData::float32, components, count,
-                                                 new float[std::size_t{components} * count](), true, false));
+    return Ref<GeometryData>::adopt(new GeometryData(name, type, GeometryData::float32, components, count,
+                                                     new float[std::size_t{components} * count](), true, false));
 }
 
 } // namespace
@@ -55,7 +55,7 @@ Fountain::Fountain(unsigned count, Geometry& geometry) : fGeometry(geometry)
     const auto velocities = emptyStream("velocity", GeometryData::userData, 3, count);
     const auto colours = emptyStream("color", GeometryData::color, 3, count);
     const auto alpha = emptyStream("alpha", GeometryData::userData, 1, count);
-    fParticles.reset(
+    fParticles = Ref<ParticleData>::adopt(
         new ParticleData(ParticleData::single, kSize, *positions, *velocities, nullptr, colours.get(), alpha.get()));
 
     // The discs change from frame to frame, but not which corners make one and where in a picture they lie.

@@ -1,6 +1,5 @@
 #pragma once
-#include "Shared.h"
-
+#include <krender/core/Ref.h>
 #include <krender/geometry/Geometry.h>
 #include <krender/geometry/ParticleData.h>
 #include <krender/platform/Linear.h>
@@ -27,5 +26,5 @@ private:
     void writeDiscs(const krLinear::AffineMatrix& view);
 
     Geometry& fGeometry;
-    Shared<ParticleData> fParticles;
+    Ref<ParticleData> fParticles;
 };

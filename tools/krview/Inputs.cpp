@@ -15,8 +15,15 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cstring>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
 #include <filesystem>
+#include <limits>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <variant>
 
 using krTools::inQuotes;
 
@@ -25,7 +32,7 @@ namespace
 
 [[noreturn]] void fail(const InputValue& value, const std::string& text)
 {
-    throw InputError(value.origin, value.asker + ": " + text);
+    throw InputError(value.origin, value.place + ": " + text);
 }
 
 /// How many numbers a value has; 0 for what takes no numbers.
@@ -101,6 +108,24 @@ std::string likelyStream(const ProgramInput& input)
     return input.type == kFloat2 ? "textureCoord" : "";
 }
 
+/// Whether a number can be a component of a value of that type.
+bool fits(double number, DataType type)
+{
+    if (dataTypeNumFloats(type) > 0)
+        return std::abs(number) <= std::numeric_limits<float>::max();
+    if (type == kBool)
+        return number == 0 || number == 1;
+    return number == std::trunc(number) && number >= std::numeric_limits<GLint>::min() &&
+           number <= std::numeric_limits<GLint>::max();
+}
+
+/// A number in as few digits as tell it from others.
+std::string written(double number)
+{
+    std::array<char, 32> text{};
+    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
+}
+
 /// The numbers of a value, as many as the type takes.
 std::vector<double> numbersOf(const InputValue& value, const ProgramInput& input)
 {
@@ -109,6 +134,10 @@ std::vector<double> numbersOf(const InputValue& value, const ProgramInput& input
     if (!numbers || numbers->size() != count)
         fail(value, inQuotes(input.name) + " is of type " + dataTypeName(input.type) + " and wants " +
                         (count == 1 ? "a number" : std::to_string(count) + " numbers"));
+    for (const double number : *numbers)
+        if (!fits(number, input.type))
+            fail(value, inQuotes(input.name) + " is of type " + dataTypeName(input.type) + " and cannot be " +
+                            written(number));
     return *numbers;
 }
 
@@ -154,7 +183,7 @@ void setNumbers(GLint location, DataType type, const std::vector<double>& number
 
 /// Heights as normals. The last column and row of a normal map have no neighbours to take slopes from, so the map is made
 /// from heights that go on with the first ones, and cut back: it then repeats without a seam.
-Shared<PixelArray2D> normalMap(const PixelArray2D& heights, float scale)
+Ref<PixelArray2D> normalMap(const PixelArray2D& heights, float scale)
 {
     const auto copyRows = [](const PixelArray2D& from, PixelArray2D& to)
     {
@@ -164,10 +193,10 @@ Shared<PixelArray2D> normalMap(const PixelArray2D& heights, float scale)
             for (unsigned x = 0; x < to.width(); ++x)
                 *target++ = source[std::size_t{from.width()} * (y % from.height()) + x % from.width()];
     };
-    Shared<PixelArray2D> larger = newPicture(heights.width() + 1, heights.height() + 1);
+    Ref<PixelArray2D> larger = newPicture(heights.width() + 1, heights.height() + 1);
     copyRows(heights, *larger);
     (void)larger->convertToNormalMap(scale); // it never says true
-    Shared<PixelArray2D> normals = newPicture(heights.width(), heights.height());
+    Ref<PixelArray2D> normals = newPicture(heights.width(), heights.height());
     copyRows(*larger, *normals);
     return normals;
 }
@@ -207,7 +236,7 @@ Inputs::Inputs(const Scene& scene, const Material& material)
 
 void Inputs::addUniform(const ProgramInput& input, const InputValue* value)
 {
-    Uniform uniform{input.name, input.type, {}, nullptr};
+    Uniform uniform{input.name, input.type, {}, {}};
     if (isSampler(input.type))
         uniform.texture = texture(input, value);
     else
@@ -233,7 +262,7 @@ void Inputs::addAttribute(const ProgramInput& input, const InputValue* value)
     fAttributes.push_back(std::move(attribute));
 }
 
-Shared<Texture> Inputs::texture(const ProgramInput& input, const InputValue* value)
+Ref<Texture> Inputs::texture(const ProgramInput& input, const InputValue* value)
 {
     const auto* named = value ? std::get_if<NamedValue>(&value->value) : nullptr;
     if (value && (!named || input.type != kSampler2D))
@@ -262,7 +291,7 @@ Shared<Texture> Inputs::texture(const ProgramInput& input, const InputValue* val
     const NamedValue picture =
         named ? *named : NamedValue{isNormalMap ? "noise" : "checker", "", isNormalMap ? kBuiltInScale : 0};
     const std::vector<std::string>& builtIn = builtInPictureNames();
-    Shared<PixelArray2D> pixels;
+    Ref<PixelArray2D> pixels;
     if (std::find(builtIn.begin(), builtIn.end(), picture.name) != builtIn.end())
         pixels = builtInPicture(picture.name);
     else

@@ -32,7 +32,7 @@ private:
         std::string name;
         DataType type;
         std::vector<double> numbers;
-        Shared<Texture> texture; ///< for a sampler
+        Ref<Texture> texture; ///< for a sampler
     };
     struct Attribute
     {
@@ -43,7 +43,7 @@ private:
 
     void addUniform(const ProgramInput& input, const InputValue* value);
     void addAttribute(const ProgramInput& input, const InputValue* value);
-    [[nodiscard]] Shared<Texture> texture(const ProgramInput& input, const InputValue* value);
+    [[nodiscard]] Ref<Texture> texture(const ProgramInput& input, const InputValue* value);
 
     std::vector<Uniform> fUniforms;
     std::vector<Attribute> fAttributes;

@@ -45,8 +45,8 @@ std::vector<SceneLight> suitableLights(const StatementCompound& body)
 {
     const SceneLight sky{"sky", "skyLight", "the light that comes with every scene"};
     if (blockCount(body) > 1)
-        return {{"eye", "headLight", sky.asker}, sky};
-    return {{"sun", "directionalLight", sky.asker}, sky};
+        return {{"eye", "headLight", sky.place}, sky};
+    return {{"sun", "directionalLight", sky.place}, sky};
 }
 
 } // namespace
@@ -75,7 +75,7 @@ bool Material::findLights(const Scene& scene)
     bool ok = true;
     for (const SceneLight& light : scene.lights ? *scene.lights : suitableLights(fSpec->body()))
     {
-        const ShadingNodeSpec* spec = fLibraries.findLight(light.function, light.asker);
+        const ShadingNodeSpec* spec = fLibraries.findLight(light.function, light.place);
         ok &= spec != nullptr;
         fLights.push_back({spec, light.key.c_str()});
     }

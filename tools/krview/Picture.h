@@ -1,6 +1,5 @@
 #pragma once
-#include "Shared.h"
-
+#include <krender/core/Ref.h>
 #include <krender/pixels/PixelArray2D.h>
 
 #include <string>
@@ -9,10 +8,10 @@
 [[nodiscard]] const krSysPixelFormat& pictureFormat();
 
 /// A picture of uninitialised pixels, the lowest row first, as the graphics interface has it.
-[[nodiscard]] Shared<PixelArray2D> newPicture(unsigned width, unsigned height);
+[[nodiscard]] Ref<PixelArray2D> newPicture(unsigned width, unsigned height);
 
 /// Reads a PNG file. Throws a krTools::FileError.
-[[nodiscard]] Shared<PixelArray2D> readPng(const std::string& path);
+[[nodiscard]] Ref<PixelArray2D> readPng(const std::string& path);
 
 /// Writes a PNG file without the picture's alpha, whole or not at all. Throws a krTools::FileError.
 void writePng(const std::string& path, const PixelArray2D& picture);

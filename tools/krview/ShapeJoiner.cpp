@@ -1,9 +1,9 @@
 #include "ShapeJoiner.h"
 
-#include "Shared.h"
 #include "Streams.h"
 #include "Vector3.h"
 
+#include <krender/core/Ref.h>
 #include <krender/geometry/GeometryLogicalIterator.h>
 #include <krender/platform/Linear.h>
 
@@ -62,8 +62,8 @@ std::vector<Face> readFaces(const GeometryLogicalGroup& group)
         const GeometryDataIndex& list = *lists.dataIndexPointer();
         // Iterators read 64-bit entries. The end of a list drops the hangers of its streams; a shape as it comes from
         // its builder has none.
-        const Shared<GeometryDataIndex> wide(new GeometryDataIndex(list.primitiveType(), list.count(), list.data(),
-                                                                   list.widenedIndices().release(), nullptr, nullptr));
+        const auto wide = Ref<GeometryDataIndex>::adopt(new GeometryDataIndex(
+            list.primitiveType(), list.count(), list.data(), list.widenedIndices().release(), nullptr, nullptr));
         const std::size_t size = cornersPerFace(list.primitiveType());
         faces.resize(list.count() / size, Face(size));
         constexpr unsigned kSets[] = {0, 1};

@@ -27,7 +27,7 @@ Stage::Stage()
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    // Surfaces make way for the lines that lie in them.
+    // Surfaces are drawn a little farther away than the lines that lie in them.
     glEnable(GL_POLYGON_OFFSET_FILL);
     glPolygonOffset(1, 1);
 }
@@ -89,12 +89,12 @@ std::vector<std::string> Stage::files() const
     return files;
 }
 
-void Stage::draw(View& view, double seconds)
+void Stage::draw(View& view, int width, int height, double seconds)
 {
-    glViewport(0, 0, view.width(), view.height());
+    glViewport(0, 0, width, height);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     drawBackground();
-    aim(view);
+    aim(view, static_cast<double>(width) / height);
     fGrid->cull(fCamera.frustum());
     if (fFountain)
         fFountain->update(seconds, fCamera.viewMatrix());
@@ -102,19 +102,18 @@ void Stage::draw(View& view, double seconds)
         fUpload.update(*group);
     drawObjects();
 
-    const FrameData frame(fCamera, fGeometry, *fGrid, view);
+    const FrameData frame(fCamera, fGeometry, *fGrid);
     for (unsigned i = 0; DrawProcedure* procedure = fOverlays->item(i); ++i)
         if (procedure->isEnabled())
             procedure->execute(frame);
 }
 
-void Stage::aim(View& view)
+void Stage::aim(View& view, double aspect)
 {
-    // The planes stand as close around the objects as the eye lets them, which spares the depths' accuracy.
+    // Planes as close around the objects as they can be make the best use of the depth buffer's precision.
     const double distance = view.distance();
     const double reach = fGrid->radius() + view.translation().length();
-    fCamera.setPerspective(view.opening(), static_cast<double>(view.width()) / view.height(),
-                           std::max(kNearest * distance, distance - reach), distance + reach);
+    fCamera.setPerspective(view.opening(), aspect, std::max(kNearest * distance, distance - reach), distance + reach);
     fCamera.setViewMatrix(view.viewMatrix());
     fCamera.bind();
 }

@@ -1,6 +1,5 @@
 #pragma once
-#include "Shared.h"
-
+#include <krender/core/Ref.h>
 #include <krender/pixels/IHWTexture.h>
 #include <krender/pixels/IPixelArray.h>
 
@@ -12,9 +11,9 @@ class Texture : public IHWTexture
 public:
     /// @param type    how the pixels are laid out
     /// @param pixels  in pictureFormat(); borrowed for the call
-    [[nodiscard]] static Shared<Texture> upload(TextureType type, const IPixelArray& pixels);
+    [[nodiscard]] static Ref<Texture> upload(TextureType type, const IPixelArray& pixels);
     /// A depth map without anything in it, through which every place is lit.
-    [[nodiscard]] static Shared<Texture> emptyShadowMap(TextureType type);
+    [[nodiscard]] static Ref<Texture> emptyShadowMap(TextureType type);
     ~Texture() override;
 
     bool bind() override;
