@@ -111,10 +111,10 @@ std::string likelyStream(const ProgramInput& input)
 /// Whether a number can be a component of a value of that type.
 bool fits(double number, DataType type)
 {
-    if (dataTypeNumFloats(type) > 0)
-        return std::abs(number) <= std::numeric_limits<float>::max();
     if (type == kBool)
         return number == 0 || number == 1;
+    if (dataTypeNumFloats(type) > 0)
+        return std::abs(number) <= std::numeric_limits<float>::max();
     return number == std::trunc(number) && number >= std::numeric_limits<GLint>::min() &&
            number <= std::numeric_limits<GLint>::max();
 }
