@@ -1,5 +1,5 @@
 #include "Image.h"
-#include "Program.h"
+#include "Krview.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -140,19 +139,11 @@ protected:
     {
         XEvent event = {};
         event.type = type;
-        if (type == MotionNotify)
-        {
-            event.xmotion.window = drawn;
-            event.xmotion.x = x;
-            event.xmotion.y = y;
-        }
-        else
-        {
-            event.xbutton.window = drawn;
+        event.xbutton.window = drawn;
+        event.xbutton.x = x; // a MotionNotify has its place at the same offsets
+        event.xbutton.y = y;
+        if (type != MotionNotify)
             event.xbutton.button = button;
-            event.xbutton.x = x;
-            event.xbutton.y = y;
-        }
         send(event);
     }
     void send(XEvent& event)
@@ -179,15 +170,7 @@ protected:
     bool manageWindows(const char* name)
     {
         windowManager = launch({name});
-        const Atom check = XInternAtom(user, "_NET_SUPPORTING_WM_CHECK", False);
-        const auto isReady = [&]
-        {
-            int count = 0;
-            Atom* const atoms = XListProperties(user, DefaultRootWindow(user), &count);
-            const bool found = std::find(atoms, atoms + count, check) != atoms + count;
-            XFree(atoms);
-            return found;
-        };
+        const auto isReady = [&] { return XGetSelectionOwner(user, XInternAtom(user, "WM_S0", False)) != None; };
         bool ended = false;
         EXPECT_TRUE(waitFor([&] { return (ended = ::waitpid(windowManager, nullptr, WNOHANG) != 0) || isReady(); }));
         windowManager = ended ? 0 : windowManager;
@@ -278,8 +261,8 @@ TEST_P(Managed, GetsTheKeyboardWhereverThePointerIs)
     EXPECT_EQ(status(), 0);
 
     // Larger than the screen: the window manager makes the window smaller.
-    const Outcome outcome = place.run(KRVIEW_PROGRAM, {"--material", "material.krs", "--size", "1500x1200", "--frames",
-                                                       "9", "--screenshot", "picture.png"});
+    const Outcome outcome =
+        krview(place, "--material material.krs --size 1500x1200 --frames 9 --screenshot picture.png");
     EXPECT_EQ(outcome.err, "");
     const Image picture = readImage(place.path() / "picture.png");
     EXPECT_EQ(std::pair(picture.width, picture.height), std::pair(1500U, 1200U));

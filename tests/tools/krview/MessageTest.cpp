@@ -1,65 +1,29 @@
-#include "Program.h"
+#include "Krview.h"
 
 #include <gtest/gtest.h>
 
 #include <map>
-#include <sstream>
 #include <string>
-#include <vector>
 
 namespace
 {
 
 const std::map<std::string, std::string> kSources{
     {"broken.krs", "material broken(float3 gWorldNormal, out float4 outRGBA)\n{\n    outRGBA = 1;;\n}\n"},
-    {"untyped.krs", R"(material untyped(uniform float3 tint, float3 gWorldNormal, out float4 outRGBA)
-{
+    {"untyped.krs", R"(material untyped(uniform float3 tint, float3 gWorldNormal, out float4 outRGBA) {
     float3 received = tint;
-    illuminance
-    {
+    illuminance {
         received += gLightDiffuseColor;
-        received += gLightDifuseColor;
-    }
-    outRGBA = float4(received, 1.0);
-}
-)"},
-    {"lamp.krs", R"(light lamp(uniform float3 color,
-    out float3 outLightWorldDir, out float3 outLightAmbientColor,
-    out float3 outLightDiffuseColor, out float3 outLightSpecularColor)
-{
-    outLightDiffuseColor = colour;
-}
-)"},
-    {"odd.krs", R"(material odd(
-    uniform float3 tint,
-    uniform wrong,
-    out float4 outRGBA)
-{
-    outRGBA = float4(tint, 1.0);
-}
-)"},
-    {"typed.krs", R"(material typed(uniform int steps, uniform bool flag, uniform float size, out float4 outRGBA)
-{
+        received += gLightDifuseColor; }
+    outRGBA = float4(received, 1.0); })"},
+    {"lamp.krs", R"(light lamp(uniform float3 color, out float3 outLightWorldDir,
+    out float3 outLightAmbientColor, out float3 outLightDiffuseColor, out float3 outLightSpecularColor) {
+    outLightDiffuseColor = colour; })"},
+    {"odd.krs", "material odd(\n    uniform wrong,\n    out float4 outRGBA) { outRGBA = wrong; }\n"},
+    {"typed.krs", R"(material typed(uniform int steps, uniform bool flag, uniform float size, out float4 outRGBA) {
     outRGBA = float4(size, size, size, 1.0);
-    if (flag) outRGBA = float4(1.0, 0.0, 0.0, 1.0) / float(steps);
-}
-)"},
+    if (flag) outRGBA /= float(steps); })"},
 };
-
-void writeSources(const Workplace& place)
-{
-    for (const auto& [name, text] : kSources)
-        place.write(name, text);
-}
-
-std::vector<std::string> wordsOf(const std::string& line)
-{
-    std::istringstream text(line);
-    std::vector<std::string> words;
-    for (std::string word; text >> word;)
-        words.push_back(word);
-    return words;
-}
 
 struct RejectedScene
 {
@@ -78,7 +42,7 @@ TEST_P(RejectedScenes, GetAMessage)
     const std::string text = GetParam().text;
     place.write("scene.json",
                 text[0] == '{' ? text : R"({"material": ")" KRENDER_SHARE R"(/materials/phong.krs", )" + text + "}");
-    const Outcome outcome = place.run(KRVIEW_PROGRAM, {"scene.json", "--frames", "1"});
+    const Outcome outcome = krview(place, "scene.json --frames 1");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err.find(std::string("scene.json:") + GetParam().message), 0U) << outcome.err;
@@ -123,9 +87,10 @@ class RejectedCommands : public testing::TestWithParam<RejectedCommand>
 TEST_P(RejectedCommands, GetAMessage)
 {
     const Workplace place;
-    writeSources(place);
+    for (const auto& [name, text] : kSources)
+        place.write(name, text);
     place.write("scene.json", R"({"material": "typed.krs", "lights": [{"key": "a", "function": "pointLigt"}]})");
-    const Outcome outcome = place.run(KRVIEW_PROGRAM, wordsOf(GetParam().arguments));
+    const Outcome outcome = krview(place, GetParam().arguments);
     EXPECT_EQ(outcome.status, GetParam().status);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err.find(GetParam().message), 0U) << outcome.err;
@@ -158,12 +123,12 @@ const RejectedCommand kRejectedCommands[] = {
     {"UnknownLight", "scene.json", 1,
      "krview: error: lights[0]: the libraries have no function \"pointLigt\"; did you mean pointLight"},
     {"EmptyStatement", "--material broken.krs", 1, "broken.krs:3:17: error: empty statement"},
-    {"BadHeader", "--material odd.krs", 1, "odd.krs:3:"},
+    {"BadHeader", "--material odd.krs", 1, "odd.krs:2:"},
     {"DriverErrorInTheMaterial", "--material untyped.krs --light a=headLight --light b=skyLight", 1,
-     "untyped.krs:7:9: error: the driver rejects \"received += gLightDifuseColor;\" in line "},
+     "untyped.krs:5:9: error: the driver rejects \"received += gLightDifuseColor;\" in line "},
     {"DriverErrorInALight",
      "--material " KRENDER_SHARE "/materials/lambert.krs --lib lamp.krs --light eye=headLight --light a=lamp", 1,
-     "lamp.krs:5:5: error: the driver rejects \"outLightDiffuseColor = colour;\""},
+     "lamp.krs:3:5: error: the driver rejects \"outLightDiffuseColor = colour;\""},
     // Use
     {"ParticleGrid", "--shape particles --grid 2", 1, "krview: error: particles are sorted by depth as one object"},
     {"UnknownOption", "--shap cube", 2, "krview: error: "},
@@ -187,7 +152,7 @@ TEST(Files, MayBeginWithAByteOrderMark)
     const Workplace place;
     place.write("typed.krs", "\xef\xbb\xbf" + kSources.at("typed.krs"));
     place.write("scene.json", "\xef\xbb\xbf{\"material\": \"typed.krs\", \"inputs\": {\"flag\": true, \"steps\": -5}}");
-    const Outcome outcome = place.run(KRVIEW_PROGRAM, {"scene.json", "--set", "size=1e-999", "--frames", "1"});
+    const Outcome outcome = krview(place, "scene.json --set size=1e-999 --frames 1");
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.status, 0);
 }
