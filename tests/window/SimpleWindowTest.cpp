@@ -36,7 +36,7 @@ struct Recorder : MessageHandler
 /// requests into the queue: no test waits by the clock.
 class SimpleWindows : public testing::Test
 {
-protected:
+public:
     void SetUp() override
     {
         XInitThreads(); // one of the tests shares the connection with a thread
@@ -144,13 +144,14 @@ TEST_F(SimpleWindows, ShareTheLibrarysApplicationOrLiveInTheHosts)
         EXPECT_EQ(XtParent(wrapper.widget), parent);
         EXPECT_EQ(WindowWrapper(wrapper.widget, 0, display).window, wrapper.window);
         EXPECT_EQ(sizeOf(wrapper.window), std::pair(50, 40));
-        EXPECT_STREQ(XtName(wrapper.widget), "second");
+        EXPECT_EQ(XtNameToWidget(parent, "second"), wrapper.widget);
         EXPECT_EQ(SimpleWindow::getWindow(wrapper.window), &second);
         EXPECT_EQ(SimpleWindow::getHandler(wrapper.window), &handler);
         const Window secondId = wrapper.window;
         EXPECT_TRUE(exists(secondId));
         owner.reset();
         EXPECT_FALSE(exists(secondId)) << "the X window outlives its object";
+        EXPECT_EQ(XtNameToWidget(parent, "second"), nullptr) << "the widget does";
     }
     XtDestroyWidget(hostShell);
 }

@@ -80,14 +80,14 @@ public:
     static int processEvent(_XEvent* event);
 
     /// Does nothing; for hosts that must register a toolkit callback.
-    static void WndProc(_WidgetRec* widget, char* clientData, char* callData);
+    static void WndProc(_WidgetRec* widget, char* clientData, char* callData); // NOLINT(readability-identifier-naming)
 
     /// 1 for the first window of the process, and so on.
     [[nodiscard]] std::int32_t windowNumber() const noexcept { return fWindowNumber; }
 
     /// The windows by their X window id. It also holds null for unknown ids that were asked for, and the addresses of
     /// windows that have ended.
-    static std::map<unsigned long, SimpleWindow*> fWindowsMap;
+    static std::map<unsigned long, SimpleWindow*> fWindowsMap; // NOLINT(readability-identifier-naming)
 
 protected:
     /// Free for derived classes; never read here.

@@ -38,7 +38,7 @@ bool waitFor(const std::function<bool()>& holds)
 /// krview in the background, and another client of its display in the part of the user.
 class Viewer : public testing::Test
 {
-protected:
+public:
     void SetUp() override
     {
         place.write("material.krs", kMaterial);
@@ -110,7 +110,7 @@ protected:
     {
         char* name = nullptr;
         XFetchName(user, window, &name);
-        const std::string title = name ? name : "";
+        std::string title = name ? name : "";
         XFree(name);
         return title;
     }

@@ -2,13 +2,23 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <string>
 
 namespace
 {
 
-const std::map<std::string, std::string> kSources{
+struct NamedSource
+{
+    const char* name;
+    const char* text;
+};
+
+constexpr NamedSource kTyped{
+    "typed.krs", R"(material typed(uniform int steps, uniform bool flag, uniform float size, out float4 outRGBA) {
+    outRGBA = float4(size, size, size, 1.0);
+    if (flag) outRGBA /= float(steps); })"};
+
+constexpr NamedSource kSources[] = {
     {"broken.krs", "material broken(float3 gWorldNormal, out float4 outRGBA)\n{\n    outRGBA = 1;;\n}\n"},
     {"untyped.krs", R"(material untyped(uniform float3 tint, float3 gWorldNormal, out float4 outRGBA) {
     float3 received = tint;
@@ -20,9 +30,7 @@ const std::map<std::string, std::string> kSources{
     out float3 outLightAmbientColor, out float3 outLightDiffuseColor, out float3 outLightSpecularColor) {
     outLightDiffuseColor = colour; })"},
     {"odd.krs", "material odd(\n    uniform wrong,\n    out float4 outRGBA) { outRGBA = wrong; }\n"},
-    {"typed.krs", R"(material typed(uniform int steps, uniform bool flag, uniform float size, out float4 outRGBA) {
-    outRGBA = float4(size, size, size, 1.0);
-    if (flag) outRGBA /= float(steps); })"},
+    kTyped,
 };
 
 struct RejectedScene
@@ -48,7 +56,7 @@ TEST_P(RejectedScenes, GetAMessage)
     EXPECT_EQ(outcome.err.find(std::string("scene.json:") + GetParam().message), 0U) << outcome.err;
 }
 
-const RejectedScene kRejectedScenes[] = {
+constexpr RejectedScene kRejectedScenes[] = {
     {"NotJson", "{\n  \"material\": \"a.krs\",\n  \"grid\": }\n", "3:11: error: syntax error"},
     {"NumberTooLarge", R"({"material": "a.krs", "spacing": 1e999})", " error: number overflow parsing '1e999'"},
     {"UnknownKey", R"("shap": "cube")", " error: unknown key \"shap\"; did you mean shape?"},
@@ -97,7 +105,7 @@ TEST_P(RejectedCommands, GetAMessage)
     EXPECT_LT(outcome.err.size(), 400U);
 }
 
-const RejectedCommand kRejectedCommands[] = {
+constexpr RejectedCommand kRejectedCommands[] = {
     // Inputs
     {"NumbersForAPicture", "--material " KRENDER_SHARE "/materials/textured.krs --set colorMap=1,2", 1,
      "krview: error: --set colorMap=1,2: \"colorMap\" is of type sampler2D and wants a picture"},
@@ -150,7 +158,7 @@ INSTANTIATE_TEST_SUITE_P(Krview, RejectedCommands, testing::ValuesIn(kRejectedCo
 TEST(Files, MayBeginWithAByteOrderMark)
 {
     const Workplace place;
-    place.write("typed.krs", "\xef\xbb\xbf" + kSources.at("typed.krs"));
+    place.write("typed.krs", std::string("\xef\xbb\xbf") + kTyped.text);
     place.write("scene.json", "\xef\xbb\xbf{\"material\": \"typed.krs\", \"inputs\": {\"flag\": true, \"steps\": -5}}");
     const Outcome outcome = krview(place, "scene.json --set size=1e-999 --frames 1");
     EXPECT_EQ(outcome.err, "");

@@ -9,13 +9,13 @@
 namespace
 {
 
-const std::string kLambert = "--material " KRENDER_SHARE "/materials/lambert.krs";
-const std::string kFountain = KRENDER_SHARE "/scenes/fountain.json";
+constexpr const char* kLambert = "--material " KRENDER_SHARE "/materials/lambert.krs";
+constexpr const char* kFountain = KRENDER_SHARE "/scenes/fountain.json";
 
 /// What a run prints about itself.
-std::map<std::string, long> statsOf(const std::string& arguments)
+std::map<std::string, long> statsOf(const std::string& scene, const std::string& arguments)
 {
-    const Outcome outcome = krview(Workplace(), arguments + " --size 64x64 --stats");
+    const Outcome outcome = krview(Workplace(), scene + arguments + " --size 64x64 --stats");
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     std::map<std::string, long> stats;
     std::istringstream lines(outcome.out);
@@ -27,8 +27,8 @@ std::map<std::string, long> statsOf(const std::string& arguments)
 
 TEST(Uploads, OfAnUnchangedShapeHappenOnce)
 {
-    auto first = statsOf(kLambert + " --frames 1");
-    auto last = statsOf(kLambert + " --frames 6");
+    auto first = statsOf(kLambert, " --frames 1");
+    auto last = statsOf(kLambert, " --frames 6");
     EXPECT_EQ(last["frames"], 6);
     EXPECT_EQ(first["uploads"], 6) << "four streams and two lists";
     EXPECT_EQ(last["uploads"], first["uploads"]);
@@ -37,8 +37,8 @@ TEST(Uploads, OfAnUnchangedShapeHappenOnce)
 
 TEST(Uploads, OfParticlesAreWhatMoves)
 {
-    auto first = statsOf(kFountain + " --frames 1");
-    auto last = statsOf(kFountain + " --frames 6");
+    auto first = statsOf(kFountain, " --frames 1");
+    auto last = statsOf(kFountain, " --frames 6");
     EXPECT_EQ(first["uploads"], 2 + 4) << "texture coordinates and the list stay";
     EXPECT_EQ(last["uploads"], 2 + 6 * 4);
     EXPECT_EQ(last["device bytes"], first["device bytes"]) << "old copies stay on the device";
@@ -46,8 +46,8 @@ TEST(Uploads, OfParticlesAreWhatMoves)
 
 TEST(Culling, LeavesOutWhatIsNotInView)
 {
-    EXPECT_EQ(statsOf(kLambert + " --frames 1 --grid 1")["culled"], 0);
-    auto stats = statsOf(kLambert + " --frames 1 --grid 30");
+    EXPECT_EQ(statsOf(kLambert, " --frames 1 --grid 1")["culled"], 0);
+    auto stats = statsOf(kLambert, " --frames 1 --grid 30");
     EXPECT_EQ(stats["objects"], 900);
     EXPECT_GT(stats["culled"], 450) << "the eye is within the grid, and at least half of it is behind";
     EXPECT_LT(stats["culled"], 900);
