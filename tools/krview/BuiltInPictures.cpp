@@ -45,7 +45,7 @@ Ref<Array> filled(Array* array, const ColourAt& colourAt)
     return held;
 }
 
-/// A number from 0 to 1 that depends on a place of the lattice alone.
+/// A pseudo-random number from 0 to 1 for each point of the lattice.
 double latticeValue(unsigned x, unsigned y, unsigned z)
 {
     std::uint32_t hash = x * 0x8da6b343u + y * 0xd8163841u + z * 0xcb1ab31fu;
@@ -54,7 +54,7 @@ double latticeValue(unsigned x, unsigned y, unsigned z)
     return (hash >> 8) / double{1 << 24};
 }
 
-/// Value noise of some octaves that repeats from 0 to 1 on every axis.
+/// Value noise in several octaves, with a period of 1 on every axis.
 double noise(double x, double y, double z, unsigned cells, unsigned octaves)
 {
     double sum = 0;
@@ -90,7 +90,7 @@ double noise(double x, double y, double z, unsigned cells, unsigned octaves)
 
 Colour checker(unsigned x, unsigned y, unsigned)
 {
-    // As many squares as the built-in shapes have sides. Alpha is the strength of highlights to the shipped materials.
+    // As many squares as the built-in shapes have sides. The shipped materials read alpha as the strength of highlights.
     constexpr unsigned kSquares = 10;
     return (x * kSquares / kSide + y * kSquares / kSide) % 2 == 0 ? Colour{0.93, 0.88, 0.78, 0.3}
                                                                   : Colour{0.13, 0.33, 0.55, 1};
@@ -107,7 +107,7 @@ Colour skyPixel(unsigned x, unsigned y, unsigned)
     return blend({0.25, 0.5, 0.85, 0.3}, {1, 1, 1, 0.3}, std::clamp(4 * cloud - 1.7, 0.0, 1.0));
 }
 
-/// What is seen from the middle of the surroundings.
+/// The colour of the surroundings in a direction.
 Colour surroundings(const Direction& direction)
 {
     constexpr Direction kSun{0.45, 0.6, 0.66};
@@ -127,7 +127,7 @@ Colour surroundings(const Direction& direction)
     return blend(sky, grey(1), std::clamp(std::pow(std::max(towardsSun, 0.0), 60.0) * 1.5, 0.0, 1.0));
 }
 
-/// The direction of a pixel of a face, the faces being +x, -x, +y, -y, +z, -z as the graphics interface lays them out.
+/// The direction of a pixel of a cube face, in the face order of OpenGL: +x, -x, +y, -y, +z, -z.
 Direction faceDirection(unsigned column, unsigned row, unsigned face)
 {
     const double s = (2.0 * column + 1) / kCubeSide - 1;

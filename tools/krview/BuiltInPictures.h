@@ -8,15 +8,16 @@
 #include <string>
 #include <vector>
 
-/// The pictures that need no file. All of them repeat without a seam.
+// Pictures that need no file. All of them tile without a seam.
 
-/// "checker", "noise" and "sky".
+/// The names of the two-dimensional ones: "checker", "noise" and "sky".
 [[nodiscard]] const std::vector<std::string>& builtInPictureNames();
 
-/// The picture of one of these names.
+/// The picture with one of these names.
 [[nodiscard]] Ref<PixelArray2D> builtInPicture(const std::string& name);
-/// From dark to light.
+/// Black to white.
 [[nodiscard]] Ref<PixelArray1D> builtInRamp();
+/// Grey noise.
 [[nodiscard]] Ref<PixelArray3D> builtInNoise();
-/// A clear sky with its sun over a tiled floor.
+/// A clear sky with a sun over a tiled floor.
 [[nodiscard]] Ref<PixelArrayCubeMap> builtInSurroundings();

@@ -7,6 +7,6 @@ class Camera : public IHWCamera
 public:
     void bind() override;
 
-    /// The eye's place in the scene.
+    /// The position of the eye in the scene.
     [[nodiscard]] krLinear::Point eye() const;
 };

@@ -35,7 +35,7 @@ namespace
     throw InputError(value.origin, value.place + ": " + text);
 }
 
-/// How many numbers a value has; 0 for what takes no numbers.
+/// The number of components of a type; 0 for samplers and whatever else takes no numbers.
 std::size_t numberCount(DataType type)
 {
     if (dataTypeNumFloats(type) > 0)
@@ -53,21 +53,22 @@ bool endsWith(const std::string& name, std::string_view end)
                       [&](char b, char a) { return isSame(a, b); });
 }
 
-/// A value for inputs whose name ends so.
+/// The default value of inputs whose names end in `nameEnd`.
 struct NamedDefault
 {
     const char* nameEnd;
     std::array<double, 4> numbers;
 };
 
-/// What the inputs of lights mean is told by their names alone.
+/// Only the name of a light's input tells what it means.
 constexpr std::array kLightDefaults{
     NamedDefault{"position", {3, 4, 5, 1}},      NamedDefault{"direction", {-0.8, 1.3, 1.7, 0}},
     NamedDefault{"axis", {3, 4, 5, 0}},          NamedDefault{"decay", {0, 0, 0, 0}},
     NamedDefault{"color", {0.9, 0.88, 0.82, 1}}, NamedDefault{"width", {0.3, 0.3, 0.3, 0.3}},
 };
 
-/// Materials are written to look well with numbers in the middle of 0 to 1 and bright colours.
+/// The values for inputs that the user does not set: numbers in the middle of 0 to 1 and bright colours suit most
+/// materials.
 std::vector<double> defaultNumbers(const ProgramInput& input)
 {
     const std::size_t count = numberCount(input.type);
@@ -88,7 +89,7 @@ std::vector<double> defaultNumbers(const ProgramInput& input)
     return std::vector<double>(count, count < 3 ? 0.5 : 0.7);
 }
 
-/// The stream that a per-vertex input most likely stands for, told by its name and type; empty when none is.
+/// The stream that a per-vertex input most likely means, by its name and type; empty when there is none.
 std::string likelyStream(const ProgramInput& input)
 {
     const auto contains = [&](std::string_view part)
@@ -119,7 +120,7 @@ bool fits(double number, DataType type)
            number <= std::numeric_limits<GLint>::max();
 }
 
-/// A number in as few digits as tell it from others.
+/// A number in as few digits as identify it.
 std::string written(double number)
 {
     std::array<char, 32> text{};
@@ -169,7 +170,7 @@ void setNumbers(GLint location, DataType type, const std::vector<double>& number
         return glUniform3iv(location, 1, ints.data());
     case kInt4:
         return glUniform4iv(location, 1, ints.data());
-    // Matrices are written row by row, and multiply vectors from the left.
+    // Scenes give matrices row by row, and they multiply column vectors.
     case kMatrix2:
         return glUniformMatrix2fv(location, 1, GL_TRUE, floats.data());
     case kMatrix3:
@@ -181,8 +182,8 @@ void setNumbers(GLint location, DataType type, const std::vector<double>& number
     }
 }
 
-/// Heights as normals. The last column and row of a normal map have no neighbours to take slopes from, so the map is made
-/// from heights that go on with the first ones, and cut back: it then repeats without a seam.
+/// Turns heights into normals. The slopes of the last row and column need neighbours, so the heights are first extended
+/// by their first row and column and the map is cut back afterwards: it then tiles without a seam.
 Ref<PixelArray2D> normalMap(const PixelArray2D& heights, float scale)
 {
     const auto copyRows = [](const PixelArray2D& from, PixelArray2D& to)
@@ -195,13 +196,13 @@ Ref<PixelArray2D> normalMap(const PixelArray2D& heights, float scale)
     };
     Ref<PixelArray2D> larger = newPicture(heights.width() + 1, heights.height() + 1);
     copyRows(heights, *larger);
-    (void)larger->convertToNormalMap(scale); // it never says true
+    (void)larger->convertToNormalMap(scale); // its answer is always false
     Ref<PixelArray2D> normals = newPicture(heights.width(), heights.height());
     copyRows(*larger, *normals);
     return normals;
 }
 
-/// Brings a picture to sides that every driver of this kind takes: powers of two, and not too large.
+/// Resizes a picture to sides that every OpenGL 2.1 driver takes: powers of two within the limit of the driver.
 void fitToDriver(PixelArray2D& picture)
 {
     GLint greatest = 0;
@@ -285,7 +286,7 @@ Ref<Texture> Inputs::texture(const ProgramInput& input, const InputValue* value)
         break;
     }
 
-    // A map of normals is told by its name; any picture of heights does for one.
+    // The name tells a normal map. Its default is made from a picture of heights.
     constexpr float kBuiltInScale = 12;
     const bool isNormalMap = input.name.find("ormal") != std::string::npos;
     const NamedValue picture =

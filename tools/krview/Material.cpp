@@ -39,8 +39,8 @@ std::size_t blockCount(const StatementCompound& statements)
     return count;
 }
 
-/// Lights for a scene that names none. Each illuminance block declares the inputs of its lights, so that a material with
-/// several takes lights without inputs.
+/// Lights for a scene that names none. Each illuminance block declares the inputs of its lights, so a material with
+/// several blocks gets lights without inputs.
 std::vector<SceneLight> suitableLights(const StatementCompound& body)
 {
     const SceneLight sky{"sky", "skyLight", "the light that comes with every scene"};

@@ -18,7 +18,7 @@ public:
     }
 
     Camera& camera;
-    const Geometry& geometry; ///< its lists have their device copies
+    const Geometry& geometry; ///< with device copies of its lists
     const ObjectGrid& grid;
 };
 

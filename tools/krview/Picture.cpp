@@ -15,11 +15,11 @@ namespace
 class PictureFormat : public krColorFormatRGBAFixed8
 {
 public:
-    /// Pixel arrays go by the pixel type, and 2 stands for the 8-bit routines.
+    /// Pixel type 2 selects the 8-bit routines of the pixel arrays.
     PictureFormat() : krColorFormatRGBAFixed8(2) {}
 };
 
-/// The control record of libpng, released at the end.
+/// Owns the control record of libpng.
 class Png
 {
 public:

@@ -4,10 +4,10 @@
 
 #include <string>
 
-/// The format of every picture here: 8-bit RGBA, of the pixel type whose arrays can be resized and turned into normals.
+/// The format of all pictures: 8-bit RGBA, with the pixel type whose arrays can be resized and turned into normals.
 [[nodiscard]] const krSysPixelFormat& pictureFormat();
 
-/// A picture of uninitialised pixels, the lowest row first, as the graphics interface has it.
+/// A picture of uninitialised pixels, the lowest row first as in OpenGL.
 [[nodiscard]] Ref<PixelArray2D> newPicture(unsigned width, unsigned height);
 
 /// Reads a PNG file. Throws a krTools::FileError.

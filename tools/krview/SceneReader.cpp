@@ -190,7 +190,7 @@ bool readFile(const std::string& path, Scene& scene)
     }
     catch (const nlohmann::json::parse_error& error)
     {
-        // The text is "... at line 3, column 7: ...", and only what follows the place is new.
+        // The text is "... at line 3, column 7: ..."; the place is printed already.
         const std::string_view text = error.what();
         const std::size_t place = text.find(": ");
         krTools::Findings findings;
@@ -201,7 +201,7 @@ bool readFile(const std::string& path, Scene& scene)
     }
     catch (const nlohmann::json::out_of_range& error)
     {
-        // The text begins with a name in brackets.
+        // The text begins with the name of the error in brackets.
         const std::string_view text = error.what();
         throw InputError(path, std::string(text.substr(std::min(text.find("] ") + 2, text.size()))));
     }
@@ -218,7 +218,7 @@ std::pair<std::string, std::string> assignment(const std::string& option, const 
     return {text.substr(0, equals), text.substr(equals + 1)};
 }
 
-/// Numbers with commas between them, NaN and infinity among them; nothing when the text is something else.
+/// Numbers with commas between them, which may be NaN or infinite; nothing when the text is something else.
 std::optional<std::vector<double>> numbersOf(const std::string& text)
 {
     std::vector<double> numbers;

@@ -10,7 +10,7 @@
 namespace
 {
 
-constexpr double kNearest = 0.02; // of the distance
+constexpr double kNearest = 0.02; // the nearest front plane, as a share of the distance
 
 std::array<GLfloat, 16> asFloats(const krLinear::ProjMatrix& matrix)
 {
@@ -154,7 +154,7 @@ void Stage::drawObjects()
     glUniform4f(fProgram->uniform("gEyePos"), static_cast<GLfloat>(eye.x), static_cast<GLfloat>(eye.y),
                 static_cast<GLfloat>(eye.z), 1);
 
-    // Particles are in order from back to front, and blended.
+    // Particles are sorted from back to front and blended.
     if (fFountain)
     {
         glEnable(GL_BLEND);

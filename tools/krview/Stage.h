@@ -10,7 +10,7 @@
 #include <optional>
 #include <string>
 
-/// All that is drawn, and its drawing. A context is current as long as it lives.
+/// Holds and draws the scene. An OpenGL context must be current while it lives.
 class Stage
 {
 public:
@@ -28,10 +28,10 @@ public:
 
     /// Whether the scene looks different from moment to moment.
     [[nodiscard]] bool isMoving() const noexcept { return fFountain.has_value(); }
-    /// What is on the stage, such as "phong on sphere".
+    /// The material and the shape, such as "phong on sphere".
     [[nodiscard]] std::string description() const;
     [[nodiscard]] const DrawProcedureList& overlays() const noexcept { return *fOverlays; }
-    /// The files that the scene came from, its pictures included.
+    /// The files that the scene was read from, its pictures included.
     [[nodiscard]] std::vector<std::string> files() const;
     [[nodiscard]] const ObjectGrid& grid() const noexcept { return *fGrid; }
     [[nodiscard]] const MeshUpload& upload() const noexcept { return fUpload; }

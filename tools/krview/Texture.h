@@ -5,14 +5,14 @@
 
 #include <epoxy/gl.h>
 
-/// A pixel array's copy in the graphics card.
+/// The device copy of a pixel array.
 class Texture : public IHWTexture
 {
 public:
-    /// @param type    how the pixels are laid out
+    /// @param type    the kind of texture, which must match the kind of array
     /// @param pixels  in pictureFormat(); borrowed for the call
     [[nodiscard]] static Ref<Texture> upload(TextureType type, const IPixelArray& pixels);
-    /// A depth map without anything in it, through which every place is lit.
+    /// A depth map of the greatest depth, with which nothing lies in shadow.
     [[nodiscard]] static Ref<Texture> emptyShadowMap(TextureType type);
     ~Texture() override;
 
