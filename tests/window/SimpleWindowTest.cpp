@@ -142,7 +142,11 @@ TEST_F(SimpleWindows, ShareTheLibrarysApplicationOrLiveInTheHosts)
         ASSERT_EQ(second.create("second", 50, 40, &handler, given), 0);
         const WindowWrapper& wrapper = *second.windowWrapper();
         EXPECT_EQ(XtParent(wrapper.widget), parent);
-        EXPECT_EQ(WindowWrapper(wrapper.widget, 0, display).window, wrapper.window);
+        WindowWrapper copy(wrapper.widget, 0, display);
+        EXPECT_EQ(copy.window, wrapper.window);
+        copy.setFBWindow(7);
+        copy.release();
+        EXPECT_TRUE(!copy.widget && copy.window == 0 && !copy.display && copy.framebufferWindow == 0);
         EXPECT_EQ(sizeOf(wrapper.window), std::pair(50, 40));
         EXPECT_EQ(XtNameToWidget(parent, "second"), wrapper.widget);
         EXPECT_EQ(SimpleWindow::getWindow(wrapper.window), &second);
@@ -240,6 +244,10 @@ TEST_F(SimpleWindows, KeysButtonsAndCirculationAreIgnored)
     send({{UnmapNotify, framebuffer}, {UnmapNotify, id}, {UnmapNotify, id}});
     EXPECT_EQ(processQueued(), 1);
     EXPECT_EQ(dispatched, std::vector<long>{UnmapNotify}) << "the toolkit gets the rest, of known windows";
+    SimpleWindow::fWindowsMap[id] = nullptr;
+    send({{UnmapNotify, id}});
+    EXPECT_EQ(processQueued(), 1);
+    EXPECT_EQ(dispatched.size(), 1U) << "of the toolkit's windows, only those in the map count";
 }
 
 TEST_F(SimpleWindows, FirstEventIsHandledTwiceAndTheLastNotAtAll)
