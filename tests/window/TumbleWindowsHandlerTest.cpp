@@ -1,3 +1,4 @@
+#include <krender/platform/Linear.h>
 #include <krender/window/TumbleWindowsHandler.h>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 #pragma once
+#include <krender/platform/Linear.h>
 #include <krender/spatial/IHWCamera.h>
 
 /// A camera that loads its matrices into OpenGL.

@@ -3,6 +3,8 @@
 
 #include <epoxy/gl.h>
 
+#include <cstdint>
+
 class GeometryData;
 class GeometryDataIndex;
 

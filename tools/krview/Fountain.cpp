@@ -3,12 +3,17 @@
 #include "Streams.h"
 #include "Vector3.h"
 
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/geometry/GeometryLogicalGroup.h>
 #include <krender/geometry/ParticleDataIterator.h>
 
 #include <array>
 #include <cmath>
-#include <memory>
+#include <cstddef>
+#include <cstdint>
 #include <numbers>
+#include <vector>
 
 namespace
 {

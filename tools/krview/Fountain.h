@@ -3,8 +3,7 @@
 #include <krender/geometry/Geometry.h>
 #include <krender/geometry/ParticleData.h>
 #include <krender/platform/Linear.h>
-
-#include <vector>
+#include <krender/spatial/AABoundingBox.h>
 
 /// A fountain of particles, each drawn as a small disc that faces the eye and is shaded like a ball.
 class Fountain

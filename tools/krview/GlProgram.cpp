@@ -2,11 +2,19 @@
 
 #include "ProgramOrigins.h"
 
+#include <common/Findings.h>
+
 #include <algorithm>
+#include <cstddef>
+#include <cstdio>
 #include <map>
+#include <optional>
 #include <regex>
 #include <set>
 #include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 using krTools::Severity;
 

@@ -4,6 +4,7 @@
 #include <epoxy/gl.h>
 
 #include <memory>
+#include <string>
 
 /// A material's vertex and fragment programs, compiled and linked by the driver.
 class GlProgram

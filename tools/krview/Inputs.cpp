@@ -10,13 +10,17 @@
 #include <common/NearNames.h>
 #include <common/Source.h>
 
+#include <krender/geometry/GeometryData.h>
 #include <krender/geometry/ParticleData.h>
+#include <krender/pixels/IHWTexture.h>
+#include <krender/pixels/PixelArray2D.h>
 
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <limits>

@@ -3,6 +3,9 @@
 #include "Scene.h"
 #include "Texture.h"
 
+#include <krender/core/Ref.h>
+#include <krender/shading/DataType.h>
+
 #include <string>
 #include <vector>
 

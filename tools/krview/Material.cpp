@@ -8,6 +8,9 @@
 #include <krender/shadergen/GlslMaterialCompiler.h>
 #include <krender/shading/Statement.h>
 
+#include <cstddef>
+#include <string_view>
+
 using krShadingDag::ShadingAttribute;
 using krShadingDag::ShadingNodeSpec;
 using krShadingDag::StatementCompound;

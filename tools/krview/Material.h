@@ -4,6 +4,8 @@
 #include <common/Libraries.h>
 
 #include <krender/shadergen/LightSpec.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/ShadingNodeSpec.h>
 
 #include <memory>
 #include <optional>

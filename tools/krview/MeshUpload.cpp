@@ -2,9 +2,11 @@
 
 #include "DeviceBuffer.h"
 
+#include <krender/geometry/GeometryData.h>
 #include <krender/geometry/GeometryDataIndex.h>
 #include <krender/geometry/GeometryLogicalIterator.h>
 
+#include <cstddef>
 #include <memory>
 
 void MeshUpload::update(GeometryLogicalGroup& group)

@@ -3,6 +3,10 @@
 #include "DeviceBuffer.h"
 #include "Streams.h"
 
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/platform/Linear.h>
+
 #include <array>
 
 namespace

@@ -7,6 +7,9 @@
 
 #include <png.h>
 
+#include <cstddef>
+#include <new>
+#include <utility>
 #include <vector>
 
 namespace

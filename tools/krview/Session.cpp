@@ -15,6 +15,7 @@
 #include <common/Source.h>
 
 #include <krender/core/IHWMemoryObject.h>
+#include <krender/draw/DrawProcedure.h>
 
 #include <chrono>
 #include <cstdio>
@@ -23,6 +24,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <system_error>
 
 using Clock = std::chrono::steady_clock;
 

@@ -4,14 +4,20 @@
 #include "Vector3.h"
 
 #include <krender/core/Ref.h>
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/geometry/GeometryLogicalGroup.h>
 #include <krender/geometry/GeometryLogicalIterator.h>
 #include <krender/platform/Linear.h>
+#include <krender/spatial/AABoundingBox.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <map>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace

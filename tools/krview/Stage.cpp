@@ -4,8 +4,13 @@
 #include "ShapeJoiner.h"
 #include "Streams.h"
 
+#include <krender/draw/DrawProcedure.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/platform/Linear.h>
+
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace
 {

@@ -6,9 +6,13 @@
 #include "Overlays.h"
 #include "View.h"
 
+#include <krender/core/Ref.h>
+#include <krender/draw/DrawProcedureList.h>
+
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 /// Holds and draws the scene. An OpenGL context must be current while it lives.
 class Stage

@@ -1,9 +1,11 @@
 #pragma once
 #include <krender/geometry/Geometry.h>
 #include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
 #include <krender/geometry/GeometryDataIterator.h>
 
 #include <array>
+#include <cstddef>
 #include <string>
 #include <vector>
 

@@ -3,6 +3,7 @@
 #include "GlFeatures.h"
 
 #include <array>
+#include <cstddef>
 #include <initializer_list>
 
 namespace

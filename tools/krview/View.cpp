@@ -1,5 +1,7 @@
 #include "View.h"
 
+#include <krender/platform/Linear.h>
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
