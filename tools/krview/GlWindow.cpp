@@ -106,7 +106,7 @@ void GlWindow::createChild(unsigned width, unsigned height)
         throw DisplayError("the display has no frame buffer of true colours with depths");
     XSetWindowAttributes attributes = {};
     attributes.colormap = x.colours = XCreateColormap(x.display, x.shell, visual->visual, AllocNone);
-    attributes.event_mask = ExposureMask | KeyPressMask | ButtonPressMask | ButtonReleaseMask | ButtonMotionMask;
+    attributes.event_mask = ExposureMask | ButtonPressMask | ButtonReleaseMask | ButtonMotionMask;
     x.child = XCreateWindow(x.display, x.shell, 0, 0, width, height, 0, visual->depth, InputOutput, visual->visual,
                             CWColormap | CWBorderPixel | CWEventMask, &attributes);
     XFree(visual);
@@ -124,8 +124,8 @@ void GlWindow::createChild(unsigned width, unsigned height)
 void GlWindow::selectShellEvents()
 {
     X& x = *fX;
-    // A window manager gives the keyboard focus to the shell if it asks for it. Key events then go to the child while the
-    // pointer is in it, and otherwise to the shell.
+    // A window manager gives the keyboard focus to the shell if it asks for it. Key events come to the shell even while
+    // the pointer is in the child, which does not select them.
     XWindowAttributes shell = {};
     XGetWindowAttributes(x.display, x.shell, &shell);
     XSelectInput(x.display, x.shell, shell.your_event_mask | KeyPressMask);

@@ -18,7 +18,7 @@ extern KRENDER_EXPORT std::int32_t gWindowCount;
 /// keeps the child as large as itself. Without a child the handler is not called.
 ///
 /// Keyboard. The shell does not ask window managers for the keyboard focus. A host that reads keys sets the input hint
-/// itself (XSetWMHints with InputHint and True) and selects KeyPressMask on the shell and on the child.
+/// itself (XSetWMHints with InputHint and True) and selects KeyPressMask on the shell.
 ///
 /// Displays. A window with the host's application shell lives on that shell's display. Otherwise the first create() opens
 /// an application of the library's own, once a process, on the display that the environment variable DISPLAY names.

@@ -285,6 +285,14 @@ TEST_F(Viewer, EndsWhenItsWindowIsClosed)
     EXPECT_EQ(status(), 0);
 }
 
+TEST_F(Viewer, EndsWhenItsWindowIsDestroyed)
+{
+    start({"--material", "material.krs"});
+    XDestroyWindow(user, shell);
+    XFlush(user);
+    EXPECT_EQ(status(), 0);
+}
+
 TEST_F(Viewer, KeepsThePictureWhenASourceBreaks)
 {
     start({"--material", "material.krs", "--watch"});

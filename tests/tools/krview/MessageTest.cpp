@@ -3,22 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 namespace
 {
 
-struct NamedSource
-{
-    const char* name;
-    const char* text;
-};
-
-constexpr NamedSource kTyped{
-    "typed.krs", R"(material typed(uniform int steps, uniform bool flag, uniform float size, out float4 outRGBA) {
+constexpr const char* kTyped = R"(material typed(uniform int steps, uniform bool flag, uniform float size,
+    out float4 outRGBA) {
     outRGBA = float4(size, size, size, 1.0);
-    if (flag) outRGBA /= float(steps); })"};
+    if (flag) outRGBA /= float(steps); })";
 
-constexpr NamedSource kSources[] = {
+constexpr std::pair<const char*, const char*> kSources[] = {
     {"broken.krs", "material broken(float3 gWorldNormal, out float4 outRGBA)\n{\n    outRGBA = 1;;\n}\n"},
     {"untyped.krs", R"(material untyped(uniform float3 tint, float3 gWorldNormal, out float4 outRGBA) {
     float3 received = tint;
@@ -30,7 +25,7 @@ constexpr NamedSource kSources[] = {
     out float3 outLightAmbientColor, out float3 outLightDiffuseColor, out float3 outLightSpecularColor) {
     outLightDiffuseColor = colour; })"},
     {"odd.krs", "material odd(\n    uniform wrong,\n    out float4 outRGBA) { outRGBA = wrong; }\n"},
-    kTyped,
+    {"typed.krs", kTyped},
 };
 
 struct RejectedScene
@@ -158,7 +153,7 @@ INSTANTIATE_TEST_SUITE_P(Krview, RejectedCommands, testing::ValuesIn(kRejectedCo
 TEST(Files, MayBeginWithAByteOrderMark)
 {
     const Workplace place;
-    place.write("typed.krs", std::string("\xef\xbb\xbf") + kTyped.text);
+    place.write("typed.krs", std::string("\xef\xbb\xbf") + kTyped);
     place.write("scene.json", "\xef\xbb\xbf{\"material\": \"typed.krs\", \"inputs\": {\"flag\": true, \"steps\": -5}}");
     const Outcome outcome = krview(place, "scene.json --set size=1e-999 --frames 1");
     EXPECT_EQ(outcome.err, "");
@@ -168,14 +163,15 @@ TEST(Files, MayBeginWithAByteOrderMark)
 TEST(WithoutADisplay, SaysSoAndNothingElse)
 {
     const Workplace place;
-    const Outcome none = place.run(KRVIEW_PROGRAM, {}, {.environment = {{"DISPLAY", ""}}});
-    EXPECT_EQ(none.status, 2);
-    EXPECT_EQ(none.err, "krview: error: there is no display: DISPLAY is not set\n");
-    EXPECT_EQ(none.out, "");
-    const Outcome wrong = place.run(KRVIEW_PROGRAM, {}, {.environment = {{"DISPLAY", ":98765"}}});
-    EXPECT_EQ(wrong.status, 2);
-    EXPECT_EQ(wrong.err, "krview: error: cannot open the display \":98765\"\n");
-
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "krview: error: there is no display: DISPLAY is not set\n"},
+        {":98765", "krview: error: cannot open the display \":98765\"\n"}};
+    for (const auto& [display, message] : cases)
+    {
+        const Outcome outcome = place.run(KRVIEW_PROGRAM, {}, {.environment = {{"DISPLAY", display}}});
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.out + outcome.err, message);
+    }
     const Outcome help = place.run(KRVIEW_PROGRAM, {"--help"}, {.environment = {{"DISPLAY", ""}}});
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(help.out.find("--screenshot"), std::string::npos);

@@ -39,19 +39,9 @@ void expectGoodToLookAt(const Image& image)
     EXPECT_GT(spread.mean, 20);
     EXPECT_LT(spread.mean, 210);
     EXPECT_GT(spread.deviation, 12) << "it is flat";
-    std::size_t lit = 0;
-    std::size_t blownOut = 0;
-    std::size_t speckles = 0; // pixels much darker than all beside them
-    for (std::size_t i = image.width; i + image.width < brightness.size(); ++i)
-    {
-        lit += brightness[i] > 90 ? 1 : 0;
-        blownOut += brightness[i] > 250 ? 1 : 0;
-        const double darkest =
-            std::min({brightness[i - 1], brightness[i + 1], brightness[i - image.width], brightness[i + image.width]});
-        speckles += brightness[i] < darkest - 40 ? 1 : 0;
-    }
-    EXPECT_GT(lit, brightness.size() / 100);
-    EXPECT_LT(blownOut, brightness.size() / 10);
+    std::size_t speckles = 0; // pixels much darker than those beside them
+    for (std::size_t i = 1; i + 1 < brightness.size(); ++i)
+        speckles += brightness[i] < std::min(brightness[i - 1], brightness[i + 1]) - 40 ? 1 : 0;
     EXPECT_LT(speckles, brightness.size() / 250) << "NaN leaves black pixels";
 }
 
