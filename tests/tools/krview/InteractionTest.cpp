@@ -10,8 +10,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -224,6 +226,16 @@ TEST_F(Viewer, DoesWhatTheUserAsksFor)
     EXPECT_NE(turned.bytes, before.bytes) << "dragging does not tumble";
     press(XK_r);
     EXPECT_EQ(save().bytes, before.bytes) << "a reset does not restore the view";
+    std::vector<std::vector<std::uint8_t>> seen{before.bytes};
+    for (const KeySym key : {XK_a, XK_w})
+    {
+        press(key);
+        const Image shown = save();
+        EXPECT_EQ(std::count(seen.begin(), seen.end(), shown.bytes), 0) << "a key shows nothing new";
+        seen.push_back(shown.bytes);
+        press(key);
+        EXPECT_EQ(save().bytes, before.bytes);
+    }
 
     const auto background = [](const Image& image) { return image.at(60, 8); };
     for (int i = 0; i < 6; ++i)
@@ -295,7 +307,7 @@ TEST_F(Viewer, EndsWhenItsWindowIsDestroyed)
 
 TEST_F(Viewer, KeepsThePictureWhenASourceBreaks)
 {
-    start({"--material", "material.krs", "--watch"});
+    start({"--material", "material.krs", "--watch", "--stats"});
     const Image before = save();
     ASSERT_EQ(before.width, 120u);
 
@@ -311,6 +323,8 @@ TEST_F(Viewer, KeepsThePictureWhenASourceBreaks)
     EXPECT_EQ(save().at(60, 45), (Image::Pixel{255, 0, 0}));
     press(XK_q);
     EXPECT_EQ(status(), 0);
+    const std::string out = place.read("out");
+    EXPECT_LT(std::stol(out.substr(out.find("frames ") + 7)), 50) << "frames without anything new to see";
 }
 
 } // namespace
