@@ -93,7 +93,7 @@ TEST_P(RejectedCommands, GetAMessage)
     for (const auto& [name, text] : kSources)
         place.write(name, text);
     place.write("scene.json", R"({"material": "typed.krs", "lights": [{"key": "a", "function": "pointLigt"}]})");
-    const Outcome outcome = krview(place, GetParam().arguments);
+    const Outcome outcome = krview(place, std::string(GetParam().arguments) + " --frames 1");
     EXPECT_EQ(outcome.status, GetParam().status);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err.find(GetParam().message), 0U) << outcome.err;
@@ -153,8 +153,10 @@ INSTANTIATE_TEST_SUITE_P(Krview, RejectedCommands, testing::ValuesIn(kRejectedCo
 TEST(Files, MayBeginWithAByteOrderMark)
 {
     const Workplace place;
-    place.write("typed.krs", std::string("\xef\xbb\xbf") + kTyped);
-    place.write("scene.json", "\xef\xbb\xbf{\"material\": \"typed.krs\", \"inputs\": {\"flag\": true, \"steps\": -5}}");
+    place.write("typed.krs",
+                std::string("\xef\xbb\xbfmaterial first(out float4 outRGBA) { outRGBA = nothing; }\n") + kTyped);
+    place.write("scene.json",
+                "\xef\xbb\xbf{\"material\": \"typed.krs:typed\", \"inputs\": {\"flag\": true, \"steps\": -5}}");
     const Outcome outcome = krview(place, "scene.json --set size=1e-999 --frames 1");
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.status, 0);
