@@ -8,6 +8,9 @@
 #include <krender/shadergen/GlslMaterialCompiler.h>
 #include <krender/shading/Statement.h>
 
+#include <cstddef>
+#include <string_view>
+
 using krShadingDag::ShadingAttribute;
 using krShadingDag::ShadingNodeSpec;
 using krShadingDag::StatementCompound;
@@ -39,14 +42,14 @@ std::size_t blockCount(const StatementCompound& statements)
     return count;
 }
 
-/// Lights for a scene that names none. Each illuminance block declares the inputs of its lights, so that a material with
-/// several takes lights without inputs.
+/// Lights for a scene that names none. Each illuminance block declares the inputs of its lights, so a material with
+/// several blocks gets lights without inputs.
 std::vector<SceneLight> suitableLights(const StatementCompound& body)
 {
     const SceneLight sky{"sky", "skyLight", "the light that comes with every scene"};
     if (blockCount(body) > 1)
-        return {{"eye", "headLight", sky.asker}, sky};
-    return {{"sun", "directionalLight", sky.asker}, sky};
+        return {{"eye", "headLight", sky.place}, sky};
+    return {{"sun", "directionalLight", sky.place}, sky};
 }
 
 } // namespace
@@ -75,7 +78,7 @@ bool Material::findLights(const Scene& scene)
     bool ok = true;
     for (const SceneLight& light : scene.lights ? *scene.lights : suitableLights(fSpec->body()))
     {
-        const ShadingNodeSpec* spec = fLibraries.findLight(light.function, light.asker);
+        const ShadingNodeSpec* spec = fLibraries.findLight(light.function, light.place);
         ok &= spec != nullptr;
         fLights.push_back({spec, light.key.c_str()});
     }

@@ -1,4 +1,3 @@
-#include "GlWindow.h"
 #include "InputError.h"
 #include "Options.h"
 #include "Session.h"
@@ -8,7 +7,11 @@
 #include <common/SourceReader.h>
 #include <common/UsageError.h>
 
+#include <cstdio>
+#include <exception>
 #include <new>
+#include <optional>
+#include <string>
 
 namespace
 {
