@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <ostream>
 #include <string>
 
 using namespace krShadingDag;
@@ -262,6 +263,7 @@ struct SourceText
     StatementType type;
     const char* text;
     const char* tokens;
+    friend void PrintTo(const SourceText& row, std::ostream* out) { *out << row.name; }
 };
 class StatementTokens : public testing::TestWithParam<SourceText>
 {
