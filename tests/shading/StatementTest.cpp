@@ -107,6 +107,7 @@ TEST(StatementPrinting, IndentsAnew)
         const char* expected;
     } cases[] = {
         {"  a\n    b\n\n  c", "\ta\n  \tb\n\n\tc"}, // deeper blanks come out before the prefix
+        {" a\n  \n  b", "\ta\n \n \tb"},
         {"", ""},
         {" \t ", ""},
         {"a\n   ", "\ta\n   "},
