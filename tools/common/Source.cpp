@@ -75,10 +75,19 @@ std::string readAll(const std::string& path, const std::string& name)
     }
 }
 
+std::string withoutByteOrderMark(std::string bytes)
+{
+    constexpr std::string_view kMark = "\xef\xbb\xbf";
+    if (bytes.starts_with(kMark))
+        bytes.erase(0, kMark.size());
+    return bytes;
+}
+
 } // namespace
 
 Source::Source(const std::string& path)
-    : Source(path == "-" ? "<stdin>" : path, readAll(path, path == "-" ? "standard input" : "'" + path + "'"))
+    : Source(path == "-" ? "<stdin>" : path,
+             withoutByteOrderMark(readAll(path, path == "-" ? "standard input" : "'" + path + "'")))
 {
 }
 

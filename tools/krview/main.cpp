@@ -5,7 +5,6 @@
 
 #include <common/ExitStatus.h>
 #include <common/Findings.h>
-#include <common/SourceReader.h>
 #include <common/UsageError.h>
 
 #include <new>
@@ -21,11 +20,7 @@ void printError(const std::string& origin, const char* text)
 int run(int argc, char** argv)
 {
     const std::optional<Options> options = readOptions(argc, argv);
-    if (!options)
-        return krTools::kDone;
-    int status = krTools::kCannotRun;
-    krTools::runOnLargeStack([&] { status = showScene(*options); });
-    return status;
+    return options ? showScene(*options) : krTools::kDone;
 }
 
 } // namespace
