@@ -46,8 +46,7 @@ std::optional<std::vector<LightSpec>> findLights(const std::vector<std::string>&
         if (!light)
             continue;
         if (light->body().findStatement(krShadingDag::StatementType::Illuminance))
-            libraries.add(*light, Severity::Warning,
-                          kWarnings[static_cast<std::size_t>(Warning::IlluminanceInLight)].name,
+            libraries.add(*light, Severity::Warning, warningInfo(Warning::IlluminanceInLight).name,
                           "the illuminance block of light " + inQuotes(function) + " stays in the program as it is");
         lights.push_back({light, key.c_str()});
     }
@@ -63,7 +62,7 @@ void checkLightOptions(const std::vector<std::string>& options)
         const std::size_t equals = std::min(option.find('='), option.size());
         const std::string_view key = std::string_view(option).substr(0, equals);
         if (equals + 1 >= option.size() || !krTools::isName(key))
-            throw krTools::UsageError("--light " + option + ": KEY=FUNCTION is wanted, the key being a name");
+            throw krTools::UsageError("--light " + option + ": this is not KEY=FUNCTION with a name for its key");
     }
 }
 

@@ -86,10 +86,12 @@ void addCheck(CLI::App& app, Command& command)
         bool list = false;
     };
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App* checkApp = app.add_subcommand("check", "Parse sources and report errors and traps");
+    CLI::App* checkApp =
+        app.add_subcommand("check", "Report errors in sources, and code that does something else than it seems to");
     checkApp->add_option("files", arguments->options.files, "the sources; \"-\" for standard input")->type_name("FILE");
     checkApp
-        ->add_option("-W", arguments->warnings, "-Wno-NAME silences a warning, -WNAME wants it, -Werror fails on any")
+        ->add_option("-W", arguments->warnings,
+                     "-Wno-NAME switches a warning off, -WNAME on, -Werror turns warnings into errors")
         ->type_name("NAME")
         ->allow_extra_args(false);
     checkApp->add_flag("--list-warnings", arguments->list, "print the names of all warnings");
