@@ -27,7 +27,7 @@ const Fault kGlslFaults[] = {
     {"lost type name", kFragment, "#define float3 vec3\n", ""},
     {"too few components", kFragment, "gWorldNormal = var_gWorldNormal", "gWorldNormal = var_gWorldNormal.xy"},
     {"undeclared input", kVertex, "\tattribute vec3 gObjTangent;\n", ""},
-    {"stages that disagree", kVertex, "varying vec3 var_gWorldTangent;", "varying vec4 var_gWorldTangent;"},
+    {"stages that disagree", kVertex, "void main()", "uniform float gEyePos;\nvoid main()"},
 };
 
 const Fault kCgFaults[] = {

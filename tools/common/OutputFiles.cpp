@@ -105,7 +105,7 @@ void writeStream(const std::string& path, std::string_view text)
         fail(path, error);
 }
 
-/// Folders that are made where they are missing, and removed again unless they are kept.
+/// Folders that are made where they are missing. At the end those that are still empty are removed again.
 class NewFolders
 {
 public:
@@ -130,7 +130,6 @@ public:
                 fail(path, errno);
         }
     }
-    void keep() { fMade.clear(); }
 
 private:
     std::vector<std::string> fMade; ///< outer ones first
@@ -160,7 +159,6 @@ void OutputFiles::publish(MissingFolders missing) const
 
     for (const auto& file : staged)
         file->publish();
-    folders.keep();
 }
 
 } // namespace krTools
