@@ -4,6 +4,7 @@
 
 #include <common/Expansion.h>
 #include <common/MaterialReader.h>
+#include <common/Preamble.h>
 
 #include <krender/shadergen/GlslMaterialCompiler.h>
 #include <krender/shading/Statement.h>
@@ -19,18 +20,9 @@ using krShadingDag::StatementType;
 namespace
 {
 
-/// What the programs expect ahead of them. The compiler maps the language's float types and larger matrices itself.
-constexpr std::string_view kPreamble = R"(#version 120
-#define vec1 float
-#define int2 ivec2
-#define int3 ivec3
-#define int4 ivec4
-#define matrix2 mat2
-)";
-
 krTools::Source programSource(const char* name, const krString::CString& text)
 {
-    return {name, std::string(kPreamble).append(text.view())};
+    return {name, std::string(krTools::kGlsl120Preamble).append(text.view())};
 }
 
 std::size_t blockCount(const StatementCompound& statements)
