@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -42,6 +43,7 @@ struct Target
     const char* name;
     scenes::Compile compiler;
     const char* result;
+    friend void PrintTo(const Target& target, std::ostream* out) { *out << target.name; }
 };
 
 class EachTarget : public testing::TestWithParam<Target>

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <ostream>
 #include <string>
 
 using namespace krShadingDag;
@@ -106,6 +107,7 @@ TEST(StatementPrinting, IndentsAnew)
         const char* expected;
     } cases[] = {
         {"  a\n    b\n\n  c", "\ta\n  \tb\n\n\tc"}, // deeper blanks come out before the prefix
+        {" a\n  \n  b", "\ta\n \n \tb"},
         {"", ""},
         {" \t ", ""},
         {"a\n   ", "\ta\n   "},
@@ -262,6 +264,7 @@ struct SourceText
     StatementType type;
     const char* text;
     const char* tokens;
+    friend void PrintTo(const SourceText& row, std::ostream* out) { *out << row.name; }
 };
 class StatementTokens : public testing::TestWithParam<SourceText>
 {

@@ -5,6 +5,9 @@
 
 using krLinear::ProjMatrix;
 
+// Assignment copies the frustum's planes; the frustum's own copy constructor does not.
+IHWCamera::IHWCamera(const IHWCamera& other) : IHWCamera() { *this = other; }
+
 IHWCamera::~IHWCamera() = default;
 
 void IHWCamera::bind() {}
