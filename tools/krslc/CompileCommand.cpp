@@ -79,7 +79,10 @@ ProgramPair generate(const ShadingNodeSpec& material, const std::vector<LightSpe
 {
     krString::CString vertex;
     krString::CString fragment;
-    (isGlsl ? compileMaterialToGlsl : compileMaterialToCg)(material, lights, vertex, fragment);
+    if (isGlsl)
+        compileMaterialToGlsl(material, lights, vertex, fragment);
+    else
+        compileMaterialToCg(material, lights, vertex, fragment);
 
     const std::string base = baseOf(options, material);
     const auto program = [&](const krString::CString& text, const char* stage, const std::string& ownFile)
