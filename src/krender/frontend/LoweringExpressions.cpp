@@ -371,22 +371,20 @@ void Lowering::editConstruct(const Expr& expr, TextEdits& edits, Wrap& wrap)
 {
     const Type type = expr.toFloat ? kIntType : expr.type;
     const std::string word = typeName(type);
-    replaceWord(expr, word, typeText(type), edits);
-    if (!isCg())
-        return;
-    if (type.isMatrix())
-    {
-        editCgMatrix(expr, edits, wrap);
-        return;
-    }
     const bool isFilled = type.isVector() && !expr.first->next && expr.first->type.isScalar();
-    if (isFilled)
+    if (isCg() && type.isMatrix())
+        editCgMatrix(expr, edits, wrap);
+    else if (isCg() && isFilled)
     {
         replaceWord(expr, word, concat({"((", typeText(type), ")"}), edits);
         wrap.after = std::string(")");
-        return;
     }
-    cutLastArgument(expr);
+    else
+    {
+        replaceWord(expr, word, typeText(type), edits);
+        if (isCg())
+            cutLastArgument(expr);
+    }
 }
 
 void Lowering::cutLastArgument(const Expr& expr)
@@ -426,6 +424,7 @@ void Lowering::editCgMatrix(const Expr& expr, TextEdits& edits, Wrap& wrap)
         replaceWord(expr, word, name, edits);
         return;
     }
+    replaceWord(expr, word, type, edits);
     wrap.before = std::string("transpose("); // a constructor takes rows there
     wrap.after = std::string(")");
 }

@@ -152,10 +152,17 @@ void Lowering::editSimple(const Stmt& statement, TextEdits& edits)
 bool Lowering::keepsConst(const Stmt& statement) const
 {
     // The targets want values that they can work out themselves; whether a call is one of these they see differently.
+    // "%" becomes a call where the target has none.
+    bool keeps = true;
+    ExprWalk walk;
     for (const Symbol* variable = statement.variables; variable; variable = variable->next)
+    {
         if (!variable->value)
             return false;
-    return true;
+        if (!isCg())
+            walk(variable->initializer, [&](const Expr* e) { keeps &= e->op != TokenKind::Percent; });
+    }
+    return keeps;
 }
 
 void Lowering::editDeclaration(const Stmt& statement, TextEdits& edits)

@@ -243,7 +243,7 @@ static_assert(std::is_sorted(kCgWords.begin(), kCgWords.end()));
 /// Cg's names of vectors and matrices: float3, half4x4, bool2.
 bool isCgShape(std::string_view word) noexcept
 {
-    constexpr std::array<std::string_view, 5> kScalars{"bool", "fixed", "float", "half", "int"};
+    constexpr std::array<std::string_view, 6> kScalars{"bool", "double", "fixed", "float", "half", "int"};
     const auto isCount = [](char c) { return c >= '1' && c <= '4'; };
     return std::any_of(kScalars.begin(), kScalars.end(),
                        [&](std::string_view scalar)

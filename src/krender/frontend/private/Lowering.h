@@ -88,7 +88,7 @@ public:
     void collectCalls(const Function& shader, std::unordered_set<std::string>& names);
     /// The same, with what its functions call.
     void collectAllCalls(const Function& shader, std::unordered_set<std::string>& names);
-    /// Adds the names that lowering puts into a function's text, where the source has others.
+    /// Adds the names of functions that lowering puts into a function's text, where the source has others or none.
     void collectInserted(const Function& function, std::unordered_set<std::string>& names);
     /// The name of an input in the program, but for a light's key.
     [[nodiscard]] const std::string& nameOf(const Symbol& symbol);
