@@ -39,6 +39,17 @@ struct Compiled
     std::vector<std::uint32_t> code;
 };
 
+/// Gives the "%" of ints the sign of the dividend, as Cg and HLSL have it: glslang takes the sign of the divisor.
+void mendRemainders(std::vector<std::uint32_t>& code)
+{
+    constexpr std::size_t kHeaderWords = 5;
+    constexpr std::uint32_t kSMod = 139;
+    constexpr std::uint32_t kSRem = 138;
+    for (std::size_t i = kHeaderWords; i < code.size(); i += code[i] >> 16)
+        if ((code[i] & 0xFFFFu) == kSMod)
+            code[i] -= kSMod - kSRem;
+}
+
 Compiled compileHlsl(EShLanguage stage, const std::string& source)
 {
     Process::need();
@@ -63,6 +74,7 @@ Compiled compileHlsl(EShLanguage stage, const std::string& source)
 
     Compiled compiled;
     glslang::GlslangToSpv(*program.getIntermediate(stage), compiled.code);
+    mendRemainders(compiled.code);
     spvtools::SpirvTools tools(SPV_ENV_VULKAN_1_0);
     tools.SetMessageConsumer([&](spv_message_level_t, const char*, const spv_position_t&, const char* message)
                              { compiled.faults += std::string(message) + '\n'; });

@@ -1,4 +1,5 @@
 #define POSITION SV_Position
+#define float1 float2 // glslang takes float1 for a scalar, and a scalar has no ".x" that could be written
 #define matrix cgMatrix
 
 struct CgMatrices
