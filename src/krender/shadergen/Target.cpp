@@ -124,7 +124,7 @@ constexpr std::array kGlslWords = std::to_array<std::string_view>({
 });
 static_assert(std::is_sorted(kGlslWords.begin(), kGlslWords.end()));
 
-/// Cg: its keywords, those of C++ that it keeps, and the macros of the programs.
+/// Cg: its keywords, those of C++ that it keeps, the macros of the programs, and what these call.
 constexpr std::array kCgWords = std::to_array<std::string_view>({
     "asm",
     "asm_fragment",
@@ -153,6 +153,15 @@ constexpr std::array kCgWords = std::to_array<std::string_view>({
     "enum",
     "explicit",
     "extern",
+    "f1texcompare1D",
+    "f1texcompare2D",
+    "f4tex1D",
+    "f4tex1Dproj",
+    "f4tex2D",
+    "f4tex2Dproj",
+    "f4tex3D",
+    "f4tex3Dproj",
+    "f4texCUBE",
     "false",
     "fixed",
     "float",
