@@ -540,7 +540,8 @@ private:
 
     Text texture(unsigned depth)
     {
-        if (chance(60) || visible("sky") == nullptr)
+        const Variable* sky = visible("sky");
+        if (chance(60) || !sky || sky->type.base != 'c')
             return {chance(70) ? "texture2D(grain, " + operand({'f', 2}, depth) + ")"
                                : "texture2DProj(grain, float3(" + operand({'f', 2}, depth) + ", 1.5))"};
         return {"textureCube(sky, " + operand({'f', 3}, depth) + ")"};
@@ -878,9 +879,10 @@ private:
         const std::string value = operand(kFloat, 1);
         const std::string first = operand(kBool, 2, 4);
         const std::string second = operand(kBool, 2, 4);
-        const std::string name = newName();
+        const unsigned kind = below(6);
+        const std::string name = kind == 5 ? "n" + std::to_string(fNumber++) : newName();
         fLocked.erase(x);
-        switch (below(6))
+        switch (kind)
         {
         case 0:
             line("bool " + name + " = " + first + " && " + step + ";");
