@@ -19,6 +19,14 @@ void appendType(std::string& key, const Type& type)
     key += static_cast<char>('0' + type.size);
 }
 
+/// Whether it is a column of a matrix, or some of its components; one that is indexed is no problem.
+bool isPartOfColumn(const Expr* value) noexcept
+{
+    while (value->kind == ExprKind::Swizzle)
+        value = value->first;
+    return value->kind == ExprKind::Index && value->first->type.isMatrix();
+}
+
 std::string list(const Expr* call)
 {
     std::string text;
@@ -242,7 +250,7 @@ void Checker::applyFunction(Expr* call, Function& declared)
         call->hasEffect = true;
         if (!checkStorable(value))
             call->type = kNoType;
-        else if (value->kind == ExprKind::Index && value->first->type.isMatrix())
+        else if (isPartOfColumn(value))
             fDiagnostics.report(Message::ColumnAsOutput, value->range());
         else
             noteStored(value, argument->kind == SymbolKind::Inout);

@@ -141,9 +141,11 @@ bool Lowering::replaceWhole(Expr* expr, TextEdits& edits)
 {
     if (!isCg())
         return false;
-    const auto isColumn = [](const Expr& e) { return e.kind == ExprKind::Index && e.first->type.isMatrix(); };
-    const auto isColumnTarget = [&](const Expr& e)
-    { return isColumn(e) || (e.kind == ExprKind::Swizzle && isColumn(*e.first)); };
+    const auto isColumnTarget = [](const Expr& e)
+    {
+        const Expr& whole = withoutSwizzles(e);
+        return whole.kind == ExprKind::Index && whole.first->type.isMatrix();
+    };
     const bool isLogical = expr->kind == ExprKind::Binary && (expr->op == TokenKind::And || expr->op == TokenKind::Or);
     const bool steps = (expr->kind == ExprKind::Unary || expr->kind == ExprKind::Postfix) &&
                        (expr->op == TokenKind::PlusPlus || expr->op == TokenKind::MinusMinus);
@@ -161,7 +163,7 @@ bool Lowering::replaceWhole(Expr* expr, TextEdits& edits)
         if (expr->kind == ExprKind::Postfix)
             text = concat({"(", text, isPlus ? " - 1.0)" : " + 1.0)"});
     }
-    else if (expr->kind == ExprKind::Index && isColumn(*expr->first))
+    else if (expr->kind == ExprKind::Index && isColumnTarget(*expr->first))
         text = swappedElement(expr);
     else
         return false;

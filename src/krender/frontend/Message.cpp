@@ -91,7 +91,7 @@ constexpr std::array kRows{
     Row{Message::OnlyDeclared, {"only-declared", kError, "'%1' is declared, but has no body"}},
     Row{Message::Recursion, {"recursion", kError, "'%1' calls itself"}},
     Row{Message::ColumnAsOutput,
-        {"column-as-output", kError, "a column of a matrix cannot be an out argument: use a variable"}},
+        {"column-as-output", kError, "a column of a matrix, or a part of it, cannot be an out argument: use a variable"}},
     Row{Message::LightValueOutside, {"light-value-outside", kError, "'%1' is known within illuminance alone"}},
     Row{Message::NoOutputHere,
         {"output-not-here", kError, "'output' is the value of a function with a result, and of nothing else"}},

@@ -72,6 +72,9 @@ struct LoweredShader
     std::unordered_map<const krShadingDag::Statement*, TextOrigin> origins;
 };
 
+/// What the swizzles of an expression pick from.
+[[nodiscard]] const Expr& withoutSwizzles(const Expr& expr) noexcept;
+
 /// Turns functions of one module into what a target takes. The writer's text stays but for single tokens.
 class Lowering
 {
