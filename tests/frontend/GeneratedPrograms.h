@@ -1,5 +1,6 @@
 #pragma once
 #include "ProgramGenerator.h"
+#include "shadergen/Canvas.h"
 
 #include <krender/frontend/Program.h>
 #include <krender/shadergen/Target.h>
@@ -22,3 +23,13 @@ struct CompiledSource
 
 /// Everything that is wrong with a source that ought to be right, with its programs; empty when nothing is.
 [[nodiscard]] std::string faultsOf(const std::string& source);
+
+/// The fragment programs, one behind the other, for messages.
+[[nodiscard]] std::string textsOf(const CompiledSource& compiled);
+
+/// The part of the pixels in which the targets' pictures differ by more than two levels, from 0 to 1; negative where a
+/// picture cannot be drawn here. Throws std::runtime_error with the driver's messages.
+[[nodiscard]] double pictureDifference(Canvas& canvas, const CompiledSource& compiled);
+
+/// Pictures that differ no more count as the same: a step magnifies a last bit.
+inline constexpr double kSamePicture = 0.005;

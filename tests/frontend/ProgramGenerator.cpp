@@ -30,7 +30,10 @@ std::string nameOf(Type type)
         return "sampler2D";
     if (type.base == 'v')
         return "void";
-    const std::string stem = type.base == 'f' ? "float" : type.base == 'i' ? "int" : type.base == 'b' ? "bool" : "matrix";
+    const std::string stem = type.base == 'f'   ? "float"
+                             : type.base == 'i' ? "int"
+                             : type.base == 'b' ? "bool"
+                                                : "matrix";
     return type.size == 1 ? stem : stem + std::to_string(type.size);
 }
 
@@ -236,10 +239,10 @@ bool gives(char result, Type type)
 
 // Names that targets reserve, declare or give a function, and plain ones that programs of ours use.
 constexpr std::array<std::string_view, 40> kOddNames{
-    "sample",  "half",     "input",   "texture", "buffer",    "fixed",  "vec3",   "mat2",    "fract",        "frac",
-    "lerp",    "mix",      "rsqrt",   "step",    "dot",       "any",    "mul",    "fmod",    "tex2D",        "f4tex2D",
-    "ddx",     "float4x4", "double",  "main",    "IN",        "OUT",    "packed", "varying", "attribute",    "kr_mod",
-    "gl_pos",  "value_1",  "in",      "matrix",  "technique", "choice", "all",    "not",     "modelViewProj", "xyz"};
+    "sample", "half",     "input",  "texture", "buffer",    "fixed",  "vec3",   "mat2",    "fract",         "frac",
+    "lerp",   "mix",      "rsqrt",  "step",    "dot",       "any",    "mul",    "fmod",    "tex2D",         "f4tex2D",
+    "ddx",    "float4x4", "double", "main",    "IN",        "OUT",    "packed", "varying", "attribute",     "kr_mod",
+    "gl_pos", "value_1",  "in",     "matrix",  "technique", "choice", "all",    "not",     "modelViewProj", "xyz"};
 
 class Generator
 {
@@ -328,7 +331,8 @@ private:
             const bool hides = chance(50) && !fVariables.empty() && fScope > 1;
             const std::string name(hides ? pick(fVariables).name : std::string(pick(kOddNames)));
             const Variable* outer = visible(name);
-            if (!fLocked.contains(name) && !name.starts_with("out") && (!outer || outer->scope < fScope) && !std::exchange(fHiding, true))
+            if (!fLocked.contains(name) && !name.starts_with("out") && (!outer || outer->scope < fScope) &&
+                !std::exchange(fHiding, true))
                 return name;
         }
         return "v" + std::to_string(fNumber++);
@@ -376,7 +380,7 @@ private:
 
     Text literal(Type type)
     {
-        constexpr std::array<std::string_view, 12> kFloats{"0.5",  ".25", "1.",    "0.75f", "2.5e-1", "1.25",
+        constexpr std::array<std::string_view, 12> kFloats{"0.5", ".25", "1.",   "0.75f", "2.5e-1", "1.25",
                                                            "0.0", "1.5", "5E-1", "0.1",   "0.9",    "12.5e-01"};
         constexpr std::array<std::string_view, 6> kInts{"0", "1", "2", "3", "7", "0x5"};
         if (type == kFloat)
@@ -496,10 +500,7 @@ private:
     }
 
     /// A value for a place that would turn an int into a float.
-    std::string wanted(Type type, unsigned depth)
-    {
-        return operand(type == kFloat && chance(15) ? kInt : type, depth);
-    }
+    std::string wanted(Type type, unsigned depth) { return operand(type == kFloat && chance(15) ? kInt : type, depth); }
 
     Text expression(Type type, unsigned depth)
     {
@@ -707,7 +708,8 @@ private:
         else if (isNumber && fLoops == 0 && chance(15))
             line(chance(50) ? to->text + (chance(50) ? "++;" : "--;") : "++" + to->text + ";");
         else if (to->type.base == 'm' && chance(30))
-            line(to->text + (chance(50) ? " *= " + operand(kFloat, 1, 9) + " * 0.1;" : " *= " + tame(to->type) + " / 4;"));
+            line(to->text +
+                 (chance(50) ? " *= " + operand(kFloat, 1, 9) + " * 0.1;" : " *= " + tame(to->type) + " / 4;"));
         else if (to->type.base == 'f' && to->type.size > 1 && !to->isColumn && chance(20))
             line(to->text + " *= " + tame({'m', to->type.size}) + " * 0.25;");
         else if (const auto other = target(); other && other->type == to->type && other->root != to->root && chance(40))
@@ -869,13 +871,14 @@ private:
     /// Statements whose order of effects the language fixes.
     void effect()
     {
-        const auto list = variables([](const Variable& v) { return v.isWritable && v.type == kFloat && v.length == 0; });
+        const auto list =
+            variables([](const Variable& v) { return v.isWritable && v.type == kFloat && v.length == 0; });
         if (list.empty() || visible("clamp"))
             return;
         const std::string x = pick(list)->name;
         fLocked.insert(x);
-        const std::string step = "(" + x + " = clamp(" + x + " + " + operand(kFloat, 2, 7) + ", -1, 1)) > " +
-                                 literal(kFloat).text;
+        const std::string step =
+            "(" + x + " = clamp(" + x + " + " + operand(kFloat, 2, 7) + ", -1, 1)) > " + literal(kFloat).text;
         const std::string value = operand(kFloat, 1);
         const std::string first = operand(kBool, 2, 4);
         const std::string second = operand(kBool, 2, 4);
@@ -1078,7 +1081,8 @@ private:
         if (chance(30) && !fFunctions.empty())
             function.name = fFunctions.back().name;
         else if (chance(20))
-            function.name = std::string(pick(std::array<std::string_view, 6>{"sample", "half", "tex2D", "noise", "main", "vec3"}));
+            function.name =
+                std::string(pick(std::array<std::string_view, 6>{"sample", "half", "tex2D", "noise", "main", "vec3"}));
         const auto isSame = [&](const Function& f)
         {
             return f.name == function.name &&
@@ -1103,10 +1107,10 @@ private:
                 provided();
                 for (const Parameter& parameter : function.parameters)
                 {
-                    const std::string name =
-                        parameter.type.base == 's' ? "grain"
-                        : chance(20)               ? std::string(pick(kOddNames)) + "_" + std::to_string(fNumber++)
-                                                   : "p" + std::to_string(fNumber++);
+                    const std::string name = parameter.type.base == 's' ? "grain"
+                                             : chance(20)
+                                                 ? std::string(pick(kOddNames)) + "_" + std::to_string(fNumber++)
+                                                 : "p" + std::to_string(fNumber++);
                     const char* mode = parameter.mode == 'o' ? "out " : parameter.mode == 'b' ? "inout " : "";
                     head += (head.ends_with('(') ? "" : ", ") + (mode + nameOf(parameter.type)) + " " + name;
                     declared += (declared.ends_with('(') ? "" : ", ") + (mode + nameOf(parameter.type)) + " q" +
@@ -1143,7 +1147,8 @@ private:
     {
         if (!chance(30))
             return "";
-        return " [[ string label = \"The " + name + "\", float min = 0, float max = " + std::to_string(from(1, 4)) + " ]]";
+        return " [[ string label = \"The " + name + "\", float min = 0, float max = " + std::to_string(from(1, 4)) +
+               " ]]";
     }
 
     std::string uniform(const std::string& name, Type type)
@@ -1212,8 +1217,8 @@ private:
                 }
                 statements(3);
                 statements(3);
-                for (const Variable* v : variables([](const Variable& one)
-                                                   { return one.type.base == 'f' && one.length == 0 && one.scope > 0; }))
+                for (const Variable* v : variables(
+                         [](const Variable& one) { return one.type.base == 'f' && one.length == 0 && one.scope > 0; }))
                     if (v->name != "outRGBA" && !visible("dot") && chance(60))
                         line("outRGBA += float4(0.2 * dot(" + v->name + ", " + v->name + "), 0.1, 0.3, 0.0);");
                 line("outRGBA = float4(abs(sin(outRGBA.rgb)), 1.0);");

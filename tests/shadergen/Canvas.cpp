@@ -131,9 +131,10 @@ using Names = std::map<std::string, std::string>;
 
 std::string authorsName(const std::string& name, const Names& names)
 {
-    const std::string plain = plainName(name);
-    const auto given = names.find(plain);
-    return given == names.end() ? plain : given->second;
+    for (const std::string& known : {name, plainName(name)})
+        if (const auto given = names.find(known); given != names.end())
+            return given->second;
+    return plainName(name);
 }
 
 void setUniforms(GLuint program, const Names& names)
@@ -147,7 +148,7 @@ void setUniforms(GLuint program, const Names& names)
         switch (type)
         {
         case GL_INT:
-            return glUniform1i(location, static_cast<GLint>(10.0f * vector[0]));
+            return glUniform1i(location, vector[0] < 0.6f ? 1 : 2);
         case GL_FLOAT:
             return glUniform1f(location, vector[0]);
         case GL_FLOAT_VEC2:
