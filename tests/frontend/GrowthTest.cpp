@@ -215,6 +215,12 @@ const Construct kConstructs[] = {
          return material("    float a = u;\n" +
                          repeat(n, [](auto) { return "    outRGBA.r = u > 0.5 && (a += 1.0) > 2.0 ? a : u;\n"; }));
      }},
+    {"LongChainsOfXor", 4,
+     [](unsigned n)
+     {
+         return material(repeat(
+             n, [](auto) { return "    if (u > 0" + repeat(400, [](auto) { return " ^^ u > 1"; }) + ") discard;\n"; }));
+     }},
     {"MaterialThatCallsManyFunctions", 200,
      [](unsigned n)
      {

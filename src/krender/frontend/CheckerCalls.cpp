@@ -2,6 +2,7 @@
 #include "krender/frontend/private/NearNames.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace krFrontend
 {
@@ -237,7 +238,7 @@ void Checker::applyFunction(Expr* call, Function& declared)
     call->type = function.result;
     function.isCalled = true;
     call->hasEffect |= function.discards;
-    if (fFunction && std::find(fFunction->calls.begin(), fFunction->calls.end(), &function) == fFunction->calls.end())
+    if (fFunction && std::exchange(function.lastCaller, fFunction) != fFunction)
         fFunction->calls.push_back(&function);
     Expr* value = call->first;
     for (const Symbol* argument = function.arguments; argument && value; argument = argument->next, value = value->next)

@@ -85,9 +85,7 @@ std::string Lowering::render(Expr* expr)
 
 void Lowering::wrapArgument(const Expr& argument, std::string_view before, std::string_view after)
 {
-    const auto known = std::find_if(fArgumentWraps.begin(), fArgumentWraps.end(),
-                                    [&](const auto& entry) { return entry.first == &argument; });
-    Wrap& wrap = known == fArgumentWraps.end() ? fArgumentWraps.emplace_back(&argument, Wrap()).second : known->second;
+    Wrap& wrap = fArgumentWraps[&argument];
     wrap.before = concat({before, wrap.before});
     wrap.after += after;
 }
@@ -103,8 +101,7 @@ void Lowering::edit(Expr* root, TextEdits& edits)
     std::vector<Open> open;
     const auto enter = [&](Expr* expr)
     {
-        const auto asked = std::find_if(fArgumentWraps.begin(), fArgumentWraps.end(),
-                                        [&](const auto& entry) { return entry.first == expr; });
+        const auto asked = fArgumentWraps.find(expr);
         Wrap outer;
         if (asked != fArgumentWraps.end())
         {

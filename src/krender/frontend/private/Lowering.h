@@ -174,9 +174,9 @@ private:
     ProgramFunctions& fProgram;
     TargetLanguage fLanguage;
     ExprWalk fWalk;
-    std::unordered_map<const Symbol*, std::string> fNames;    // those that differ from the source, and asked-for ones
-    std::vector<std::pair<const Expr*, Wrap>> fArgumentWraps; // of arguments that are yet to be visited
-    std::string fReturnText;                                  // what a "return;" becomes
+    std::unordered_map<const Symbol*, std::string> fNames; // those that differ from the source, and asked-for ones
+    std::unordered_map<const Expr*, Wrap> fArgumentWraps;  // of arguments that are yet to be visited
+    std::string fReturnText;                               // what a "return;" becomes
     std::unordered_map<const Statement*, TextOrigin>* fOrigins = nullptr; // of the statements that are being made
 };
 
