@@ -43,7 +43,7 @@ struct Target
     const char* name;
     scenes::Compile compiler;
     const char* result;
-    friend void PrintTo(const Target& target, std::ostream* out) { *out << target.name; }
+    friend std::ostream& operator<<(std::ostream& out, const Target& target) { return out << target.name; }
 };
 
 class EachTarget : public testing::TestWithParam<Target>

@@ -264,7 +264,7 @@ struct SourceText
     StatementType type;
     const char* text;
     const char* tokens;
-    friend void PrintTo(const SourceText& row, std::ostream* out) { *out << row.name; }
+    friend std::ostream& operator<<(std::ostream& out, const SourceText& row) { return out << row.name; }
 };
 class StatementTokens : public testing::TestWithParam<SourceText>
 {
