@@ -126,6 +126,12 @@ TEST(Tokenizer, ReadsNumbers)
         {"1e-;", 1.0f, 1, false},
         {"2.e3;", 2000.0f, 2000, false},
         {"16777217;", 16777216.0f, 16777216, false}, // by way of a float
+        {"0.1;", 0.1f, 0, true},
+        {"123456789012345;", 123456789012345.0f, 123456788103168, false},
+        {"1234567890123.45;", 1234567890123.45f, 1234567954432, false},
+        {"8388609.5;", 8388610.0f, 8388610, false},
+        {"18446744073709551615;", 0x1p64f, UINT64_MAX, false},
+        {"16777217.0000000001;", 16777216.0f, 16777216, false}, // by way of a double
         {"1e30;", 1e30f, UINT64_MAX, true},
         {"1e999;", HUGE_VALF, UINT64_MAX, true},
         {"1e-999;", 0.0f, 0, false},
@@ -179,4 +185,27 @@ TEST(Tokenizer, CutsSourceText)
     EXPECT_STREQ(tokenizer.stringify(3, 2).asChar(), "");
     EXPECT_STREQ(tokenizer.stringify(3, 3).asChar(), "h");
     EXPECT_STREQ(tokenizer.stringify(11, 99).asChar(), "a;") << "nothing beyond the source";
+    EXPECT_STREQ(tokenizer.stringify(13, 99).asChar(), "");
+    EXPECT_STREQ(tokenizer.stringify(0, 0xFFFFFFFF).asChar(), "") << "a last place of -1";
+    EXPECT_STREQ(tokenizer.stringify(-1, 1).asChar(), "al");
+    EXPECT_STREQ(tokenizer.stringify(0x100000008, 0x10000000A).asChar(), "bet") << "the low 32 bits, from the first";
+    EXPECT_STREQ(tokenizer.stringify(8, 0x20000000A).asChar(), "bet") << "to the last";
+}
+
+TEST(Tokenizer, ResetsTheRecordOfATokenThatItCannotRead)
+{
+    for (const char* end : {" ", "abc", "12", "+", "\"a\""})
+    {
+        Token token = firstOf(" 2.5;");
+        token.dataType = kFloat3;
+        Tokenizer tokenizer;
+        tokenizer.openString(end);
+        EXPECT_THROW(tokenizer.nextToken(&token), Exception);
+        EXPECT_EQ(token.type, TokenType::Unknown) << end;
+        EXPECT_EQ(token.text.length(), 0u) << end;
+        EXPECT_EQ(token.position, 0u) << end;
+        EXPECT_EQ(token.intValue, 1u) << end;
+        EXPECT_EQ(token.floatValue, 0.0f) << end;
+        EXPECT_EQ(token.dataType, kInvalidType) << end;
+    }
 }
