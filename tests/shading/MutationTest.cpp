@@ -15,6 +15,7 @@
 #include <iterator>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -70,46 +71,18 @@ private:
     unsigned below(std::size_t limit) { return static_cast<unsigned>(fRandom() % limit); }
     const std::string& pick(const std::vector<std::string>& from) { return from[below(from.size())]; }
 
-    std::string piece()
+    const std::string& piece()
     {
-        static constexpr std::string_view pieces[] = {";",
-                                                      "{",
-                                                      "}",
-                                                      "(",
-                                                      ")",
-                                                      "//",
-                                                      "/*",
-                                                      "*/",
-                                                      "\"",
-                                                      "\n",
-                                                      " ",
-                                                      "if",
-                                                      "if(",
-                                                      "else",
-                                                      "out",
-                                                      "e",
-                                                      ".",
-                                                      "1e+5",
-                                                      "2.x",
-                                                      "&",
-                                                      "\xff",
-                                                      "float3",
-                                                      "=",
-                                                      "-",
-                                                      "void",
-                                                      ":",
-                                                      "vertex",
-                                                      "operator",
-                                                      "illuminance",
-                                                      "#",
-                                                      "99999999999999999999",
-                                                      "0.1e-50",
-                                                      "&&",
-                                                      "\t",
-                                                      "a",
-                                                      "\r\n",
-                                                      std::string_view("\0", 1)};
-        return std::string(pieces[below(std::size(pieces))]);
+        static const std::vector<std::string> pieces = []
+        {
+            std::istringstream words(
+                "; { } ( ) // /* */ \" if if( else out e . 1e+5 2.x & \xff float3 = - void : vertex "
+                "operator illuminance # 99999999999999999999 0.1e-50 && a");
+            std::vector<std::string> all{"\n", " ", "\t", "\r\n", std::string(1, '\0')};
+            all.insert(all.end(), std::istream_iterator<std::string>(words), {});
+            return all;
+        }();
+        return pick(pieces);
     }
 
     void edit(std::string& text)
