@@ -317,6 +317,10 @@ TEST(Parser, CarriesNothingFromOneParseToTheNext)
     EXPECT_FALSE(parser.parseString("float h(void b);", &spec));
     EXPECT_FALSE(parser.parseString("color i(float b);", &spec));
     EXPECT_STREQ(parser.errorString().asChar(), "error Unrecognized return data type or shader type: color\n");
+    EXPECT_FALSE(parser.parseString("float j(float b) { { illuminance { } if (b) if (b;", &spec));
+    ASSERT_TRUE(parser.parseString("float j(float b) { x; }", &spec)) << "no block is open any more";
+    EXPECT_EQ(tree(spec->body()), "4[2'x;' ] ");
+    delete spec;
     EXPECT_FALSE(parser.parseString("", &spec)) << "the end of the source";
     ASSERT_TRUE(parser.parseString("float k(float c);", &spec));
     delete spec;

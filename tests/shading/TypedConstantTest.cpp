@@ -145,11 +145,13 @@ TEST(TypedConstant, AssignsOneToFourComponents)
     constant.assignFloats(4, 9, 9, 9, 9);
     constant.assignFloats(3, 1, 2, 3, 4);
     EXPECT_EQ(constant.type(), kFloat3);
+    constant.setFloat(3, 5.0f);
     EXPECT_EQ(constant.getFloat(3), 9.0f) << "what is not counted is not written";
-    constant.setFloat(3, 9.0f);
     constant.setFloat(2, 7.0f);
     EXPECT_STREQ(constant.toString().asChar(), "float3(1.000000,2.000000,7.000000)");
+    constant.assignInts(4, 9, 9, 9, 9);
     constant.assignInts(3, 1, 2, 3, 4);
+    EXPECT_EQ(constant.getInt(3), 9u);
     constant.setFloat(0, 9.0f);
     EXPECT_STREQ(constant.toString().asChar(), "{1,2,3}");
 }
