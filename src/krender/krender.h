@@ -53,6 +53,7 @@
 #include <krender/shading/ShadingAttribute.h>
 #include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
+#include <krender/shading/ShadingParserLimits.h>
 #include <krender/shading/Statement.h>
 #include <krender/shading/StatementCompound.h>
 #include <krender/shading/Token.h>

@@ -1,5 +1,6 @@
 #include <krender/shading/FunctionType.h>
 
+#include <cstdint>
 #include <iterator>
 
 namespace krShadingDag

@@ -1,8 +1,10 @@
 #include <krender/shading/MemMappedFile.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdio>
 #include <memory>
+#include <string>
 
 bool MemMappedFile::open(const krString::CString& path)
 {

@@ -2,11 +2,21 @@
 
 #include <krender/core/Exception.h>
 
-#include <array>
-#include <cstdio>
+#include <string>
+#include <utility>
 
 namespace krShadingDag
 {
+
+namespace
+{
+
+std::string textOf(const FileLocation& place)
+{
+    return "line " + std::to_string(place.line) + ", column " + std::to_string(place.column);
+}
+
+} // namespace
 
 ShadingParser::ShadingParser() { reset(); }
 
@@ -18,13 +28,11 @@ void ShadingParser::reset()
     fSecondText = {};
     fErrorText = {};
     fQueue.clear();
-    fQueueFront = 0;
-    if (fUnfinished)
-        fAbandoned.push_back(std::move(fUnfinished));
     forgetFunction();
     fAddToLibrary = true;
 }
 
+/// Clears what belongs to one function; its spec is not deleted.
 void ShadingParser::forgetFunction()
 {
     fpNodeSpec = nullptr;
@@ -36,6 +44,7 @@ void ShadingParser::forgetFunction()
 bool ShadingParser::parseFile(const krString::CString& path, bool)
 {
     reset();
+    fOwnSpecs.clear();
     if (!fTokenizer.open(path))
     {
         fErrorText = "Couldn't not find stdlib.krs file!\n";
@@ -52,13 +61,9 @@ bool ShadingParser::parseFile(const krString::CString& path, bool)
     }
     catch (const Exception& e)
     {
-        const FileLocation place = frontLocation();
-        std::array<char, 64> text;
-        std::snprintf(text.data(), text.size(), "line %lu, column %lu", static_cast<unsigned long>(place.line),
-                      static_cast<unsigned long>(place.column));
-        for (const krString::CString& part : {krString::CString("stdlib.krs("), krString::CString(text.data()),
-                                              krString::CString(") : error "), e.message, krString::CString("\n")})
-            krString::plusEqual(fErrorText, part);
+        const std::string place = textOf(frontLocation());
+        krString::plusEqual(fErrorText, krString::plus(("stdlib.krs(" + place + ") : error ").c_str(), e.message));
+        krString::plusEqual(fErrorText, "\n");
         return false;
     }
 }
@@ -66,6 +71,7 @@ bool ShadingParser::parseFile(const krString::CString& path, bool)
 bool ShadingParser::parseString(const krString::CString& code, ShadingNodeSpec** spec)
 {
     reset();
+    fOwnSpecs.clear();
     fAddToLibrary = false;
     fTokenizer.openString(code);
     try
@@ -82,7 +88,9 @@ bool ShadingParser::parseString(const krString::CString& code, ShadingNodeSpec**
         krString::plusEqual(fErrorText, "internal error: !fpNodeSpec after parsing code string.\n");
         return false;
     }
-    *spec = fpNodeSpec;
+    *spec = fOwnSpecs.back().release();
+    fOwnSpecs.pop_back();
+    fpNodeSpec = nullptr;
     return true;
 }
 
@@ -94,12 +102,43 @@ FileLocation ShadingParser::frontLocation()
 {
     try
     {
-        const Token& front = peek(0);
-        return {front.line, front.column};
+        return {front().line, front().column};
     }
     catch (const Exception&)
     {
         return fTokenizer.location();
+    }
+}
+
+/// Throws what a limit has to say of the source at the front token.
+void ShadingParser::refuse(std::string what)
+{
+    what += " at " + textOf(frontLocation());
+    throw Exception(kVerificationFailed, krString::CString(std::move(what)));
+}
+
+/// Appends a token, which holds what an earlier one left there.
+Token& ShadingParser::TokenQueue::append()
+{
+    if (fEnd == fTokens.size())
+        fTokens.emplace_back();
+    return fTokens[fEnd++];
+}
+
+/// Drops the front token, if there is one.
+void ShadingParser::TokenQueue::dropFront() noexcept
+{
+    static constexpr std::size_t kept = 64;
+    if (empty())
+        return;
+    if (++fFront == fEnd)
+        clear();
+    else if (fFront > kept)
+    {
+        // Somebody always looks ahead, so the queue is never empty.
+        fTokens.pop_front();
+        --fFront;
+        --fEnd;
     }
 }
 
@@ -109,19 +148,23 @@ Token& ShadingParser::accumulate_token()
     do
         fTokenizer.scan(lexeme);
     while (lexeme.type == TokenType::Comment);
-    Token& token = fQueue.emplace_back();
+    Token& token = fQueue.append();
+    Tokenizer::resetToken(token);
+    token.line = token.column = 1;
+    token.isFractional = false;
     fTokenizer.fillToken(token, lexeme);
     if (token.type == TokenType::EndOfStream)
         fEndOfStream = true;
     return token;
 }
 
-const Token& ShadingParser::peek(unsigned n)
+/// Reads up to the n-th token.
+const Token& ShadingParser::readAhead(unsigned n)
 {
-    while (fQueue.size() - fQueueFront <= n && !fEndOfStream)
+    while (fQueue.size() <= n && !fEndOfStream)
         accumulate_token();
-    if (fQueue.size() - fQueueFront > n)
-        return fQueue[fQueueFront + n];
+    if (n < fQueue.size())
+        return fQueue[n];
     static const Token endOfStream = []
     {
         Token token;
@@ -135,21 +178,9 @@ Token ShadingParser::token_ahead(unsigned n) { return peek(n); }
 
 Token ShadingParser::consume_front_token()
 {
-    Token front = peek(0);
+    Token token = front();
     dropFront();
-    return front;
-}
-
-/// Consumes the front token without making a copy of it.
-void ShadingParser::dropFront()
-{
-    if (fQueueFront < fQueue.size())
-        ++fQueueFront;
-    if (fQueueFront == fQueue.size())
-    {
-        fQueue.clear();
-        fQueueFront = 0;
-    }
+    return token;
 }
 
 krString::CString ShadingParser::originalString(const Token& first, const Token& last) const

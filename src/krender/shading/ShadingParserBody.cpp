@@ -4,106 +4,153 @@
 #include "krender/shading/private/Require.h"
 #include <krender/shading/Statement.h>
 
+#include <string>
+
 namespace krShadingDag
 {
 
-bool ShadingParser::parseStatement(StatementCompound& block)
+namespace
 {
-    return parseCompoundStatement(block) || parseIlluminanceStatement(block) || parseIfStatement(block) ||
-           parseElseStatement(block) || parseOpaqueStatement(block);
-}
 
-bool ShadingParser::parseCompoundStatement(StatementCompound& block)
-{
-    if (peek(0).type != TokenType::OpenBrace)
-        return false;
-    dropFront();
-    parseBlock(appendTyped(block, StatementType::Block).children());
-    return true;
-}
-
-bool ShadingParser::parseIlluminanceStatement(StatementCompound& block)
-{
-    if (peek(0).type != TokenType::KeywordIlluminance || peek(1).type != TokenType::OpenBrace)
-        return false;
-    dropFront();
-    dropFront();
-    parseBlock(appendTyped(block, StatementType::Illuminance).children());
-    return true;
-}
-
-bool ShadingParser::parseIfStatement(StatementCompound& block)
-{
-    if (peek(0).type != TokenType::KeywordIf || peek(1).type != TokenType::OpenParen)
-        return false;
-    const FileLocation location{peek(0).line, peek(0).column};
-    const std::uint64_t begin = peek(0).position;
-    dropFront();
-    dropFront();
-
-    Statement& statement = appendTyped(block, StatementType::If);
-    // The first ")" ends the condition, so it cannot hold parentheses of its own.
-    const auto isConditionEnd = [](TokenType type)
-    {
-        return type == TokenType::CloseParen || type == TokenType::CloseBrace || type == TokenType::Semicolon ||
-               type == TokenType::EndOfStream;
-    };
-    while (!isConditionEnd(peek(0).type))
-        dropFront();
-    require(peek(0).type == TokenType::CloseParen, "Expected close-parentheses after if statement");
-    statement.setSourceText(fTokenizer.stringify(begin, peek(0).position), location, begin);
-    dropFront();
-    parseBody(statement.children());
-    return true;
-}
-
-bool ShadingParser::parseElseStatement(StatementCompound& block)
-{
-    if (peek(0).type != TokenType::KeywordElse)
-        return false;
-    dropFront();
-    parseBody(appendTyped(block, StatementType::Else).children());
-    return true;
-}
-
-bool ShadingParser::parseOpaqueStatement(StatementCompound& block)
-{
-    Statement& statement = appendTyped(block, StatementType::Opaque);
-    const FileLocation location{peek(0).line, peek(0).column};
-    const std::uint64_t begin = peek(0).position;
-    // An empty statement is kept without consuming its ";", on which a block's loop never ends. Sources that hold one
-    // were never part of the language, and what reads past it would give them a meaning.
-    const std::uint64_t end = peek(0).type == TokenType::Semicolon ? begin : consumeThroughSemicolon();
-    statement.setSourceText(fTokenizer.stringify(begin, end), location, begin);
-    return true;
-}
-
-/// Appends an empty statement of a type.
-Statement& ShadingParser::appendTyped(StatementCompound& block, StatementType type)
+Statement& appendTyped(StatementCompound& block, StatementType type)
 {
     Statement* const statement = block.appendStatement(nullptr);
     statement->setType(type);
     return *statement;
 }
 
-/// Reads statements up to a "}" and consumes it; the "{" has been consumed.
-void ShadingParser::parseBlock(StatementCompound& block)
+} // namespace
+
+bool ShadingParser::parseStatement(StatementCompound& block)
 {
-    while (peek(0).type != TokenType::CloseBrace)
-        parseStatement(block);
-    dropFront();
+    return readWhole(&ShadingParser::beginStatement, block);
 }
 
-/// Reads what an if or an else governs: one statement, or those of a block.
-void ShadingParser::parseBody(StatementCompound& block)
+bool ShadingParser::parseCompoundStatement(StatementCompound& block)
 {
-    if (peek(0).type != TokenType::OpenBrace)
-    {
-        parseStatement(block);
-        return;
-    }
+    return readWhole(&ShadingParser::beginCompound, block);
+}
+
+bool ShadingParser::parseIlluminanceStatement(StatementCompound& block)
+{
+    return readWhole(&ShadingParser::beginIlluminance, block);
+}
+
+bool ShadingParser::parseIfStatement(StatementCompound& block) { return readWhole(&ShadingParser::beginIf, block); }
+
+bool ShadingParser::parseElseStatement(StatementCompound& block) { return readWhole(&ShadingParser::beginElse, block); }
+
+bool ShadingParser::parseOpaqueStatement(StatementCompound& block)
+{
+    const bool isEmpty = front().type == TokenType::Semicolon;
+    if (isEmpty && fLimits.refuseEmptyStatements)
+        refuse("Empty statement");
+    Statement& statement = appendTyped(block, StatementType::Opaque);
+    const FileLocation location{front().line, front().column};
+    const std::uint64_t begin = front().position;
+    // Deliberate: an empty statement keeps its ";" at the front, so without the limit a block that holds one is read
+    // without end.
+    const std::uint64_t end = isEmpty ? begin : consumeThroughSemicolon();
+    statement.setSourceText(fTokenizer.stringify(begin, end), location, begin);
+    return true;
+}
+
+bool ShadingParser::beginStatement(StatementCompound& block)
+{
+    return beginCompound(block) || beginIlluminance(block) || beginIf(block) || beginElse(block) ||
+           parseOpaqueStatement(block);
+}
+
+bool ShadingParser::beginCompound(StatementCompound& block)
+{
+    if (front().type != TokenType::OpenBrace)
+        return false;
+    openBody(appendNesting(block, StatementType::Block));
+    return true;
+}
+
+bool ShadingParser::beginIlluminance(StatementCompound& block)
+{
+    if (front().type != TokenType::KeywordIlluminance || peek(1).type != TokenType::OpenBrace)
+        return false;
+    Statement& statement = appendNesting(block, StatementType::Illuminance);
     dropFront();
-    parseBlock(block);
+    openBody(statement);
+    return true;
+}
+
+bool ShadingParser::beginIf(StatementCompound& block)
+{
+    if (front().type != TokenType::KeywordIf || peek(1).type != TokenType::OpenParen)
+        return false;
+    Statement& statement = appendNesting(block, StatementType::If);
+    const FileLocation location{front().line, front().column};
+    const std::uint64_t begin = front().position;
+    dropFront();
+    dropFront();
+
+    // Deliberate: the first ")" ends the condition, so it cannot hold parentheses of its own.
+    const auto isConditionEnd = [](TokenType type)
+    {
+        return type == TokenType::CloseParen || type == TokenType::CloseBrace || type == TokenType::Semicolon ||
+               type == TokenType::EndOfStream;
+    };
+    while (!isConditionEnd(front().type))
+        dropFront();
+    require(front().type == TokenType::CloseParen, "Expected close-parentheses after if statement");
+    statement.setSourceText(fTokenizer.stringify(begin, front().position), location, begin);
+    dropFront();
+    openBody(statement);
+    return true;
+}
+
+bool ShadingParser::beginElse(StatementCompound& block)
+{
+    if (front().type != TokenType::KeywordElse)
+        return false;
+    Statement& statement = appendNesting(block, StatementType::Else);
+    dropFront();
+    openBody(statement);
+    return true;
+}
+
+/// Appends an empty statement that is about to hold others.
+Statement& ShadingParser::appendNesting(StatementCompound& block, StatementType type)
+{
+    if (fOpenLists.size() >= fLimits.maxNesting)
+        refuse("Nesting deeper than " + std::to_string(fLimits.maxNesting));
+    return appendTyped(block, type);
+}
+
+/// Opens the list of what a statement holds: the statements of a block, whose "{" is consumed, or a single one.
+void ShadingParser::openBody(Statement& statement)
+{
+    const bool isBraced = front().type == TokenType::OpenBrace;
+    if (isBraced)
+        dropFront();
+    fOpenLists.push_back({&statement.children(), isBraced});
+}
+
+/// Reads a form with all that it holds, if it begins here.
+bool ShadingParser::readWhole(Begin begin, StatementCompound& block)
+{
+    fOpenLists.clear();
+    if (!(this->*begin)(block))
+        return false;
+    while (!fOpenLists.empty())
+    {
+        const OpenList list = fOpenLists.back();
+        const bool atEnd = list.isBraced ? front().type == TokenType::CloseBrace : !list.statements->empty();
+        if (!atEnd)
+        {
+            beginStatement(*list.statements);
+            continue;
+        }
+        if (list.isBraced)
+            dropFront();
+        fOpenLists.pop_back();
+    }
+    return true;
 }
 
 /// Consumes a statement of other kinds and returns where its ";" stands. Most tokens of a source go by here; they are
@@ -112,10 +159,10 @@ std::uint64_t ShadingParser::consumeThroughSemicolon()
 {
     TokenType type = TokenType::Unknown;
     std::uint64_t position = 0;
-    while (fQueueFront < fQueue.size() && type != TokenType::Semicolon && type != TokenType::EndOfStream)
+    while (!fQueue.empty() && type != TokenType::Semicolon && type != TokenType::EndOfStream)
     {
-        type = fQueue[fQueueFront].type;
-        position = fQueue[fQueueFront].position;
+        type = front().type;
+        position = front().position;
         dropFront();
     }
     Tokenizer::Lexeme lexeme;

@@ -4,6 +4,7 @@
 #include "krender/shading/private/Require.h"
 
 #include <array>
+#include <string>
 
 namespace krShadingDag
 {
@@ -75,6 +76,7 @@ CompFreq tokenToCompFreq(const Token& token) noexcept
 void ShadingParser::parseFunc()
 {
     TokenType last = TokenType::Unknown;
+    unsigned count = 0;
     while (last != TokenType::Semicolon && last != TokenType::OpenBrace)
     {
         last = accumulate_token().type;
@@ -83,30 +85,32 @@ void ShadingParser::parseFunc()
             krString::plusEqual(fErrorText, "error: found no function declaration or definition.\n");
             return;
         }
+        if (++count > fLimits.maxHeaderTokens)
+            refuse("Header of more than " + std::to_string(fLimits.maxHeaderTokens) + " tokens");
     }
     if (last == TokenType::Semicolon)
         return parseFuncDecl();
-    require(last == TokenType::OpenBrace, "unexpected token during function declaration: ", fQueue.back().text);
+    require(last == TokenType::OpenBrace,
+            "unexpected token during function declaration: ", fQueue[fQueue.size() - 1].text);
     parseFuncDef();
 }
 
 void ShadingParser::parseFuncDecl()
 {
     beginSpec(kDeclaration);
-    const unsigned close = parseFuncHeader();
+    const unsigned close = readHeader();
     require(peek(close + 1).type == TokenType::Semicolon, "Expected semicolon");
     finishSpec();
     fQueue.clear();
-    fQueueFront = 0;
 }
 
 void ShadingParser::parseFuncDef()
 {
     beginSpec(kDefinition);
-    const unsigned close = parseFuncHeader();
+    const unsigned close = readHeader();
     require(peek(close + 1).type == TokenType::OpenBrace, "Expected braces");
-    require(fQueue.size() - fQueueFront == std::size_t{close} + 2, "INTERNAL ERROR: Buffer overrun");
-    fQueueFront = fQueue.size() - 1;
+    require(fQueue.size() == std::size_t{close} + 2, "INTERNAL ERROR: Buffer overrun");
+    fQueue.dropAllButLast();
 
     for (const std::vector<ShadingAttribute>* visible : {&fpNodeSpec->inputs(), &fpNodeSpec->outputs()})
         for (const ShadingAttribute& attribute : *visible)
@@ -117,78 +121,72 @@ void ShadingParser::parseFuncDef()
 
 void ShadingParser::beginSpec(NodeType nodeType)
 {
-    if (fUnfinished)
-        fAbandoned.push_back(std::move(fUnfinished));
-    fUnfinished = std::make_unique<ShadingNodeSpec>(nodeType);
-    fpNodeSpec = fUnfinished.get();
+    fpNodeSpec = fOwnSpecs.emplace_back(std::make_unique<ShadingNodeSpec>(nodeType)).get();
 }
 
-/// Hands the finished spec to the library, or to whoever called for it.
+/// Hands the finished spec to the library, if it is to have it.
 void ShadingParser::finishSpec()
 {
-    if (fAddToLibrary)
-    {
-        ShadingNodeSpec* const registered = fpNodeSpec->addToLibrary();
-        if (registered != fpNodeSpec)
-            fUnfinished.reset();
-        fpNodeSpec = registered;
-    }
-    static_cast<void>(fUnfinished.release());
+    if (!fAddToLibrary)
+        return;
+    ShadingNodeSpec* const registered = fpNodeSpec->addToLibrary();
+    if (registered == fpNodeSpec)
+        static_cast<void>(fOwnSpecs.back().release());
+    fOwnSpecs.pop_back();
+    fpNodeSpec = registered;
 }
 
 unsigned ShadingParser::parseFuncHeader()
 {
+    beginSpec(kDeclaration);
+    return readHeader();
+}
+
+unsigned ShadingParser::readHeader()
+{
     unsigned i = 0;
     const CompFreqRange outputRange = readOptionalCompFreqRange(i);
-    const unsigned returnTypeAt = i;
-    const DataType returnType = returnTypeOf(peek(i));
+    const Token& result = peek(i);
+    const DataType returnType = returnTypeOf(result);
 
-    ++i;
-    require(peek(i).type == TokenType::Identifier, "Invalid function name");
-    if (krString::equal(peek(i).text, "operator"))
+    const Token& name = peek(++i);
+    require(name.type == TokenType::Identifier, "Invalid function name");
+    if (krString::equal(name.text, "operator"))
     {
-        ++i;
-        fpNodeSpec->setName(operatorName(peek(i), peek(returnTypeAt)));
-        if (peek(i).type == TokenType::OpenBracket)
-        {
-            ++i;
-            require(peek(i).type == TokenType::CloseBracket, "Expected ']'");
-        }
+        const Token& symbol = peek(++i);
+        fpNodeSpec->setName(operatorName(symbol, result));
+        require(symbol.type != TokenType::OpenBracket || peek(++i).type == TokenType::CloseBracket, "Expected ']'");
     }
     else
-        fpNodeSpec->setName(peek(i).text);
+        fpNodeSpec->setName(name.text);
     if (returnType != kVoid)
         fOutputs.push_back(fpNodeSpec->addOutput(returnType, "output", outputRange));
 
-    ++i;
-    require(peek(i).type == TokenType::OpenParen, "Expected '('");
+    require(peek(++i).type == TokenType::OpenParen, "Expected '('");
     ++i;
     while (peek(i).type != TokenType::CloseParen)
-        parseArgument(i);
+        readArgument(i);
     require(!fOutputs.empty(), "Function needs at least one output.");
     return i;
 }
 
 /// Reads one argument of a header, and a comma behind it where there is one.
-void ShadingParser::parseArgument(unsigned& index)
+void ShadingParser::readArgument(unsigned& index)
 {
     const bool isOutput = peek(index).type == TokenType::KeywordOut;
     if (isOutput)
         ++index;
     const CompFreqRange range = readOptionalCompFreqRange(index);
-    const Token& typeName = peek(index);
-    const DataType type = typeName.dataType;
-    require(typeName.type == TokenType::DataTypeName && type != kInvalidType && type != kVoid,
-            "Not a valid data type: ", typeName.text);
-    ++index;
-    const Token& name = peek(index);
+    const Token& type = peek(index);
+    require(type.type == TokenType::DataTypeName && type.dataType != kInvalidType && type.dataType != kVoid,
+            "Not a valid data type: ", type.text);
+    const Token& name = peek(++index);
     require(name.type == TokenType::Identifier, "Expected argument name: ", name.text);
-    ++index;
     if (isOutput)
-        fOutputs.push_back(fpNodeSpec->addOutput(type, name.text, range));
+        fOutputs.push_back(fpNodeSpec->addOutput(type.dataType, name.text, range));
     else
-        fInputs.push_back(fpNodeSpec->addInput(type, name.text, range));
-    if (peek(index).type == TokenType::Comma)
+        fInputs.push_back(fpNodeSpec->addInput(type.dataType, name.text, range));
+    if (peek(++index).type == TokenType::Comma)
         ++index;
 }
 
@@ -204,7 +202,7 @@ CompFreqRange ShadingParser::readOptionalCompFreqRange(unsigned& index)
     const CompFreq maxFreq = tokenToCompFreq(peek(index));
     require(maxFreq != kFreqInvalid, "Expected maximum frequency specifier.");
     ++index;
-    // A reversed range is empty and no error: sources use it to take an output out of service.
+    // Deliberate: a reversed range is empty and no error, and the compilers declare no input that has it.
     return minFreq <= maxFreq ? CompFreqRange{minFreq, maxFreq} : CompFreqRange{};
 }
 

@@ -1,5 +1,8 @@
 #include <krender/shading/Token.h>
 
+#include <string>
+#include <utility>
+
 krString::CString toString(const std::vector<krShadingDag::Token>& tokens)
 {
     std::string text;
