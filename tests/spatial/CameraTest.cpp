@@ -31,9 +31,8 @@ std::array<bool, 3> seen(const IHWCamera& camera)
     return {at(0), at(10), at(20)};
 }
 
-class PlacedCamera : public IHWCamera
+struct PlacedCamera : IHWCamera
 {
-public:
     PlacedCamera() { invertViewMatrix = true; }
 };
 
