@@ -1,12 +1,15 @@
 // A material with 1, 4 and 16 lights compiled to each target, beside the plain form: clone the material, splice the lights
 // into the tree, print it. The plain form writes only what depends on material and lights and leaves the rest out.
+#include "PlainSplicer.h"
 #include "RatioReporter.h"
-#include "shadergen/PlainSplicer.h"
 #include "shadergen/Scenes.h"
 
 #include <krender/shading/Statement.h>
 
+#include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -15,10 +18,10 @@ struct Target
 {
     const char* name;
     scenes::Compile compiler;
-    const plain::Target& words;
+    const SplicerTarget& words;
 };
 
-constexpr Target kTargets[] = {{"Cg", compileMaterialToCg, plain::kCg}, {"GLSL", compileMaterialToGlsl, plain::kGlsl}};
+constexpr Target kTargets[] = {{"Cg", compileMaterialToCg, kSplicerCg}, {"GLSL", compileMaterialToGlsl, kSplicerGlsl}};
 
 std::vector<LightSpec> lights(std::int64_t count)
 {
@@ -40,7 +43,7 @@ void requireSameText(const Target& target, const krShadingDag::ShadingNodeSpec& 
 {
     const std::vector<LightSpec> four = lights(4);
     const std::string program = scenes::compile(target.compiler, material, &four).fragment;
-    const plain::Fragment fragment = plain::spliceLights(target.words, material, &four, aliasesOf(program));
+    const SplicedFragment fragment = spliceLights(target.words, material, four, aliasesOf(program));
     if (program.find(fragment.lightUniforms.asChar()) != std::string::npos && program.ends_with(fragment.body.asChar()))
         return;
     std::fprintf(stderr, "compile_benchmark: the forms differ for %s\n", target.name);
@@ -68,7 +71,7 @@ void registerTarget(const Target& target, const krShadingDag::ShadingNodeSpec& m
             const std::vector<LightSpec> given = lights(count);
             const krString::CString aliases = aliasesOf(scenes::compile(target.compiler, material, &given).fragment);
             for (auto _ : state)
-                benchmark::DoNotOptimize(plain::spliceLights(target.words, material, &given, aliases));
+                benchmark::DoNotOptimize(spliceLights(target.words, material, given, aliases));
         };
         benchmark::RegisterBenchmark((group + "krender").c_str(), whole)->Unit(benchmark::kMicrosecond);
         benchmark::RegisterBenchmark((group + "clone and splice").c_str(), splice)->Unit(benchmark::kMicrosecond);

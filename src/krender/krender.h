@@ -5,6 +5,7 @@
 #include <krender/core/IHWMemoryObject.h>
 #include <krender/core/IResource.h>
 #include <krender/core/Ref.h>
+#include <krender/core/RefVector.h>
 #include <krender/core/SharedObject.h>
 #include <krender/draw/DrawProcedure.h>
 #include <krender/draw/DrawProcedureData.h>
@@ -39,6 +40,7 @@
 #include <krender/pixels/krColorFormatRGBAFloat.h>
 #include <krender/pixels/krSysPixelFormat.h>
 #include <krender/platform/Linear.h>
+#include <krender/platform/LinearConversion.h>
 #include <krender/platform/String.h>
 #include <krender/shadergen/CgMaterialCompiler.h>
 #include <krender/shadergen/GlslMaterialCompiler.h>

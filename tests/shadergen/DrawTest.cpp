@@ -1,6 +1,8 @@
 #include "Canvas.h"
 #include "FrontEnds.h"
 
+#include <common/Preamble.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -25,8 +27,8 @@ protected:
     Pixels drawGlsl()
     {
         scenes::Programs programs = scenes::compileShipped(compileMaterialToGlsl, GetParam(), 3);
-        programs.vertex.insert(0, frontends::kGlslPreamble);
-        programs.fragment.insert(0, frontends::kGlslPreamble);
+        programs.vertex.insert(0, krTools::kGlsl120Preamble);
+        programs.fragment.insert(0, krTools::kGlsl120Preamble);
         return fCanvas.draw(programs);
     }
 

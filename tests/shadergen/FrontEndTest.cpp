@@ -27,7 +27,7 @@ const Fault kGlslFaults[] = {
     {"lost type name", kFragment, "#define float3 vec3\n", ""},
     {"too few components", kFragment, "gWorldNormal = var_gWorldNormal", "gWorldNormal = var_gWorldNormal.xy"},
     {"undeclared input", kVertex, "\tattribute vec3 gObjTangent;\n", ""},
-    {"stages that disagree", kVertex, "varying vec3 var_gWorldTangent;", "varying vec4 var_gWorldTangent;"},
+    {"stages that disagree", kVertex, "void main()", "uniform float gEyePos;\nvoid main()"},
 };
 
 const Fault kCgFaults[] = {
@@ -45,7 +45,7 @@ const Fault kCgFaults[] = {
     {"comma before the parenthesis", kFragment, "vert2frag IN)", "vert2frag IN,)"},
     {"lost parameter", kFragment, "uniform float4 gEyePos,", "uniform float4 gEyePos,,"},
     {"no colour", kFragment, ") : COLOR\n", ")\n"},
-    {"stages that disagree", kVertex, "\tfloat3 gWorldPos", "\tfloat4 gWorldPos"},
+    {"structs that disagree", kVertex, "\tfloat3 gObjTangent", "\tfloat4 gObjTangent"},
 };
 
 class ShippedPrograms : public testing::TestWithParam<std::string>
@@ -79,6 +79,17 @@ INSTANTIATE_TEST_SUITE_P(Materials, ShippedPrograms, testing::ValuesIn(scenes::m
 TEST_P(ShippedPrograms, AreGlsl) { areAcceptedUnlessFaulty(compileMaterialToGlsl, frontends::glslFaults, kGlslFaults); }
 
 TEST_P(ShippedPrograms, AreCg) { areAcceptedUnlessFaulty(compileMaterialToCg, frontends::cgFaults, kCgFaults); }
+
+TEST(CgInputs, HaveSemanticsOfTheirOwn)
+{
+    const scenes::Spec spec =
+        scenes::parse("material m(vertex float2 a, vertex float2 b, out float4 c) { outRGBA.xy = a + b; }");
+    Programs programs = scenes::compile(compileMaterialToCg, *spec, nullptr);
+    EXPECT_EQ(frontends::cgFaults(programs), "");
+    for (std::string* program : {&programs.vertex, &programs.fragment})
+        EXPECT_TRUE(scenes::replaceFirst(*program, "b\t\t: TEXCOORD2", "b\t\t: TEXCOORD1"));
+    EXPECT_NE(frontends::cgFaults(programs), "");
+}
 
 TEST(CgOverflow, StopsTheCompiler)
 {

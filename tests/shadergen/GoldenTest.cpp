@@ -7,6 +7,8 @@
 #include <fstream>
 #include <set>
 #include <sstream>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -20,21 +22,56 @@ struct Golden
     std::string text;
 };
 
-/// The programs of a material with each number of lights, each under the name of its golden file.
-std::vector<Golden> goldens(const std::string& material)
+void append(std::vector<Golden>& all, const std::string& name, const krShadingDag::ShadingNodeSpec& material,
+            const std::vector<LightSpec>* lights)
+{
+    const std::string base = KRENDER_GOLDENS "/" + name;
+    const scenes::Programs cg = scenes::compile(compileMaterialToCg, material, lights);
+    const scenes::Programs glsl = scenes::compile(compileMaterialToGlsl, material, lights);
+    all.insert(all.end(), {{base + ".vert.cg", cg.vertex},
+                           {base + ".frag.cg", cg.fragment},
+                           {base + ".vert", glsl.vertex},
+                           {base + ".frag", glsl.fragment}});
+}
+
+scenes::Spec parseCorner(const std::string& name)
+{
+    return scenes::parse(scenes::readFile(KRENDER_GOLDENS "/../corners/" + name + ".krs"));
+}
+
+/// The programs of a shipped material, or of a source in corners/, each under the name of its golden file.
+std::vector<Golden> goldens(const std::string& name)
 {
     std::vector<Golden> all;
-    for (const unsigned lights : {0u, 1u, 3u})
+    if (name == "inputs")
+        append(all, name, *parseCorner(name), nullptr);
+    else if (name == "nesting")
     {
-        const std::string base = KRENDER_GOLDENS "/" + material + "-" + std::to_string(lights);
-        const scenes::Programs cg = scenes::compileShipped(compileMaterialToCg, material, lights);
-        const scenes::Programs glsl = scenes::compileShipped(compileMaterialToGlsl, material, lights);
-        all.insert(all.end(), {{base + ".vert.cg", cg.vertex},
-                               {base + ".frag.cg", cg.fragment},
-                               {base + ".vert", glsl.vertex},
-                               {base + ".frag", glsl.fragment}});
+        const scenes::Spec material = parseCorner(name);
+        const scenes::Spec everything = parseCorner("lightWithEverything");
+        const scenes::Spec lit = parseCorner("lightWithIlluminance");
+        const scenes::Spec withoutBody = scenes::parse("light declared(uniform float a, out float3 o);");
+        const std::vector<LightSpec> none;
+        const std::vector<LightSpec> lights{
+            {nullptr, "no"}, {everything.get(), "key"}, {withoutBody.get(), "empty"}, {lit.get(), "fill"}};
+        append(all, "nesting-null", *material, nullptr);
+        append(all, "nesting-0", *material, &none);
+        append(all, "nesting-4", *material, &lights);
     }
+    else
+        for (const unsigned count : {0u, 1u, 3u})
+        {
+            const std::vector<LightSpec> lights = scenes::lightsFor(name, count);
+            append(all, name + "-" + std::to_string(count), *scenes::parseMaterial(name), &lights);
+        }
     return all;
+}
+
+std::vector<std::string> sourceNames()
+{
+    std::vector<std::string> names = scenes::materialNames();
+    names.insert(names.end(), {"inputs", "nesting"});
+    return names;
 }
 
 /// The first lines in which two texts differ, with their number.
@@ -58,7 +95,7 @@ class GoldenPrograms : public testing::TestWithParam<std::string>
 {
 };
 
-INSTANTIATE_TEST_SUITE_P(Shipped, GoldenPrograms, testing::ValuesIn(scenes::materialNames()),
+INSTANTIATE_TEST_SUITE_P(Sources, GoldenPrograms, testing::ValuesIn(sourceNames()),
                          [](const auto& test) { return test.param; });
 
 } // namespace
@@ -81,9 +118,9 @@ TEST_P(GoldenPrograms, HaveNotChanged)
 TEST(GoldenFolder, HoldsNothingElse)
 {
     std::set<std::string> expected;
-    for (const std::string& material : scenes::materialNames())
-        for (const Golden& golden : goldens(material))
+    for (const std::string& name : sourceNames())
+        for (const Golden& golden : goldens(name))
             expected.insert(golden.path);
     for (const auto& entry : std::filesystem::directory_iterator(KRENDER_GOLDENS))
-        EXPECT_EQ(expected.count(entry.path()), 1u) << entry.path() << " belongs to no material";
+        EXPECT_EQ(expected.count(entry.path()), 1u) << entry.path() << " belongs to no source";
 }

@@ -238,7 +238,7 @@ TEST(ParserVariables, AreTheHeadersAttributesAndMatchByNameAndType)
     // The list lasts until the next parse: hosts look variables up after reading a function.
     ShadingParser parser;
     ShadingNodeSpec* spec = nullptr;
-    ASSERT_TRUE(parser.parseString("float f(uniform float a, out float3 b) { }", &spec));
+    ASSERT_TRUE(parser.parseString("float f(uniform float a, float b, out float3 b) { }", &spec));
     delete spec;
     ShadingAttribute found;
     EXPECT_TRUE(parser.retrieveVariable("a", found));
@@ -247,6 +247,9 @@ TEST(ParserVariables, AreTheHeadersAttributesAndMatchByNameAndType)
     EXPECT_FALSE(parser.retrieveVariable("c", found));
     EXPECT_FALSE(parser.assignVariable("b", ShadingAttribute("b", kFloat2, kVertexRange)));
     EXPECT_TRUE(parser.assignVariable("b", ShadingAttribute("b", kFloat3, kVertexRange)));
+    EXPECT_TRUE(parser.retrieveVariable("b", found));
+    EXPECT_EQ(found.range(), kFullRange) << "that was the second b";
+    EXPECT_TRUE(parser.assignVariable("b", ShadingAttribute("b", kFloat, kVertexRange)));
     EXPECT_TRUE(parser.retrieveVariable("b", found));
     EXPECT_EQ(found.range(), kVertexRange);
     parser.reset();

@@ -4,6 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <vector>
+
 using namespace krShadingDag;
 
 namespace
@@ -45,20 +50,25 @@ private:
     std::int32_t fBefore = ShadingNodeSpec::fsNumInstances_ShadingNodeSpec;
 };
 
-class CountedManager : public IHWShaderManager
+/// Tells when it ends, and which manager its spec has then.
+class WatchedManager : public IHWShaderManager
 {
 public:
-    explicit CountedManager(int& alive) : fAlive(alive) { ++fAlive; }
-    ~CountedManager() override { --fAlive; }
+    WatchedManager(const ShadingNodeSpec& spec, std::vector<const IHWShaderManager*>& seen) : fSpec(spec), fSeen(seen)
+    {
+    }
+    ~WatchedManager() override { fSeen.push_back(fSpec.shaderManager()); }
 
 private:
-    int& fAlive;
+    const ShadingNodeSpec& fSpec;
+    std::vector<const IHWShaderManager*>& fSeen;
 };
 
 } // namespace
 
 TEST(ShadingAttribute, ConstantsCarryTheirText)
 {
+    const std::int32_t before = ShadingAttribute::fsNumInstances_ShadingAttribute;
     const TypedConstant value(1.0f, 2.0f);
     const ShadingAttribute constant(value);
     EXPECT_STREQ(constant.name().asChar(), "float2(1.000000,2.000000)");
@@ -70,6 +80,8 @@ TEST(ShadingAttribute, ConstantsCarryTheirText)
     EXPECT_STREQ(copy.name().asChar(), "k");
     EXPECT_STREQ(copy.expression().asChar(), "float2(1.000000,2.000000)");
     EXPECT_EQ(copy.typedConstant().getFloat(1), 2.0f);
+    static_cast<void>(ShadingAttribute("ended", kFloat));
+    EXPECT_EQ(ShadingAttribute::fsNumInstances_ShadingAttribute, before + 3);
 }
 
 TEST(ShadingAttribute, IsValidWithANameAndAType)
@@ -111,57 +123,76 @@ TEST_F(SpecLibrary, HeaderStringListsArgumentsInOrder)
     spec.addOutput(kFloat, "output", kFullRange); // the return value is no argument
     spec.addOutput(kFloat4, "c", {kFreqFragment, kFreqFragment});
     spec.addInput(kInt, "d", {});
+    spec.addInput(kInt, "e", {static_cast<CompFreq>(5), kFreqFragment});
     EXPECT_STREQ(spec.functionHeaderString().asChar(),
-                 "f(\n\t\tuniform float3 a,\n\t\tout fragment float4 c,\n\t\tinvalid int d)\n");
+                 "f(\n\t\tuniform float3 a,\n\t\tout fragment float4 c,\n\t\tinvalid int d,\n\t\tinvalid int e)\n");
 }
 
-TEST_F(SpecLibrary, LookUpsOfMissingInputsAnswerADefault)
+TEST_F(SpecLibrary, LookUpsFindTheFirstOrADefault)
 {
-    const std::unique_ptr<ShadingNodeSpec> spec(make("f", {kFloat, kSampler2D, kFloat}));
+    const std::unique_ptr<ShadingNodeSpec> spec(
+        make("f", {kFloat, kSampler2D, kFloat, kSamplerCube, kSampler2D, kInt}));
+    EXPECT_THROW(spec->addInput(kBool, "b", kUniformRange), Exception);
     bool found = true;
     EXPECT_STREQ(spec->input("zz", found).name().asChar(), "");
     EXPECT_FALSE(found);
-    EXPECT_EQ(spec->input("b", found).dataType(), kSampler2D);
+    EXPECT_EQ(&spec->output("a", found), &spec->input("zz", found));
+    EXPECT_FALSE(found);
+    EXPECT_EQ(&spec->input("b", found), &spec->inputs()[1]);
     EXPECT_TRUE(found);
-    EXPECT_EQ(spec->output("output", found).dataType(), kFloat);
+    EXPECT_EQ(&spec->output("output", found), &spec->outputs()[0]);
+    EXPECT_TRUE(found);
+    EXPECT_EQ(&spec->input(6), &spec->inputs()[6]);
     EXPECT_EQ(spec->input(7).dataType(), kInvalidType);
-    EXPECT_EQ(spec->getOffsetOfInput("c", true), 2u);
+    EXPECT_EQ(spec->getOffsetOfInput("b", true), 1u);
     EXPECT_EQ(spec->getOffsetOfInput("zz", true), 0xFFFFFFFF);
     EXPECT_EQ(spec->numInputs(kFloat), 2u);
-    EXPECT_EQ(spec->numSamplerInputs(), 1u);
+    EXPECT_EQ(spec->numInputs(kFloat2), 0u);
+    EXPECT_EQ(spec->numSamplerInputs(), 3u);
 }
 
 TEST_F(SpecLibrary, DuplicateInputIsAddedAndThenReported)
 {
-    const std::unique_ptr<ShadingNodeSpec> spec(make("f", {kFloat}));
+    ShadingNodeSpec spec(kDeclaration);
+    spec.addInput(kFloat, "aNameTooLongToBeKeptWithinTheString", kFullRange);
     try
     {
-        spec->addInput(kFloat2, "a", kFullRange);
+        spec.addInput(kFloat2, spec.inputs()[0].name(), kUniformRange); // the name moves when the list grows
         FAIL();
     }
     catch (const Exception& e)
     {
         EXPECT_EQ(e.type, kVerificationFailed);
-        EXPECT_STREQ(e.message.asChar(), "input variable already exists: a");
+        EXPECT_STREQ(e.message.asChar(), "input variable already exists: aNameTooLongToBeKeptWithinTheString");
     }
-    EXPECT_EQ(spec->inputs().size(), 2u);
-    EXPECT_EQ(spec->arguments().size(), 2u);
+    EXPECT_STREQ(spec.functionHeaderString().asChar(), "(\n\t\tconstant float aNameTooLongToBeKeptWithinTheString,"
+                                                       "\n\t\tuniform float2 aNameTooLongToBeKeptWithinTheString)\n");
+    EXPECT_EQ(spec.inputs().size(), 2u);
 }
 
-TEST_F(SpecLibrary, KeepsOverloadsApart)
+TEST_F(SpecLibrary, FindsTheOverloadOfExactlyTheseTypes)
 {
-    ShadingNodeSpec* scalar = make("f", {kFloat});
-    ShadingNodeSpec* vector = make("f", {kFloat3});
-    EXPECT_EQ(scalar->addToLibrary(), scalar);
-    EXPECT_EQ(vector->addToLibrary(), vector);
-    EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("f", ofTypes({kFloat3})), vector);
-    EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("f", ofTypes({kFloat2})), nullptr);
-    EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("f", ofTypes({kFloat, kFloat})), nullptr);
-    EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("f", scalar->arguments()), scalar);
+    const std::initializer_list<DataType> overloads[] = {{kFloat}, {kFloat3}, {kFloat3, kFloat}, {}};
+    std::vector<ShadingNodeSpec*> specs;
+    for (const auto& types : overloads)
+    {
+        specs.push_back(make("f", types));
+        EXPECT_EQ(specs.back()->addToLibrary(), specs.back());
+    }
+    make("e", {kFloat2})->addToLibrary();
+    for (const ShadingNodeSpec* spec : specs)
+        EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("f", spec->arguments()), spec);
+    for (std::size_t i = 0; i < specs.size(); ++i)
+        EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("f", ofTypes(overloads[i])), specs[i]);
+    for (const auto& types : {ofTypes({kFloat2}), ofTypes({kFloat, kFloat}), ofTypes({kFloat3, kFloat, kFloat}),
+                              ofTypes({kFloat, kFloat3}), ofTypes({kInt})})
+        EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("f", types), nullptr);
+
     ShadingNodeSpec::Library::iterator first, last;
     ShadingNodeSpec::findSpecsInLibrary("f", first, last);
-    ASSERT_EQ(std::distance(first, last), 2);
-    EXPECT_EQ(first->second, scalar) << "in the order of registration";
+    for (const ShadingNodeSpec* spec : specs)
+        EXPECT_EQ((first++)->second, spec) << "in the order of registration";
+    EXPECT_TRUE(first == last);
 }
 
 TEST_F(SpecLibrary, RegisteringAgainCopiesIntoTheEntry)
@@ -171,11 +202,13 @@ TEST_F(SpecLibrary, RegisteringAgainCopiesIntoTheEntry)
     entry->addToLibrary();
     const std::unique_ptr<ShadingNodeSpec> again(make("f", {kFloat}));
     again->setNodeType(kDefinition);
-    again->createPrologStatement()->setType(StatementType::Illuminance);
+    for (Statement* statement :
+         {again->createPrologStatement(), again->createStatementInCurrentScope(), again->createPrefixStatement()})
+        statement->setType(StatementType::Illuminance);
     EXPECT_EQ(again->addToLibrary(), entry);
     EXPECT_EQ(ShadingNodeSpec::fLibrary.size(), 1u);
     EXPECT_EQ(entry->nodeType(), kDefinition);
-    EXPECT_EQ(entry->body().size(), 1u);
+    EXPECT_EQ(entry->body().size(), 3u);
     EXPECT_EQ(entry->functionType(), FunctionType::kLight) << "not copied";
     EXPECT_FALSE(entry->hasIlluminanceLoop()) << "not computed again";
     EXPECT_EQ(entry->addToLibrary(), entry) << "an entry registered once more stays whole";
@@ -193,38 +226,50 @@ TEST_F(SpecLibrary, MissingNameYieldsItsSuccessor)
     EXPECT_EQ(ShadingNodeSpec::findSpecInLibrary("zzz"), nullptr);
 }
 
-TEST_F(SpecLibrary, CloneSortsInputsBeforeOutputs)
+TEST_F(SpecLibrary, CloneMakesItsArgumentsAnew)
 {
     ShadingNodeSpec source(kDefinition);
     source.setName("g");
     source.addOutput(kFloat, "o", kFullRange);
+    source.addOutput(kFloat, "output", kFullRange);
     source.addInput(kFloat2, "i", kFullRange);
+    source.addInput(kFloat, "k", kFullRange).setConstant(TypedConstant(1.0f));
     source.constants().emplace_back(TypedConstant(1.0f));
     source.setSecondName("h");
     source.setHostFlag(true);
+    source.createPrologStatement()->setType(StatementType::Illuminance);
+    source.updateIlluminanceLoopFlag();
     ShadingNodeSpec copy(kGenerated);
     copy.addInput(kInt, "gone", kFullRange);
+    copy.addOutput(kInt, "goneToo", kFullRange);
     copy.cloneFrom(source);
-    EXPECT_STREQ(copy.functionHeaderString().asChar(), "g(\n\t\tconstant float2 i,\n\t\tout constant float o)\n");
+    EXPECT_STREQ(copy.functionHeaderString().asChar(),
+                 "g(\n\t\tconstant float2 i,\n\t\tconstant float 1.000000,\n\t\tout constant float o)\n")
+        << "inputs come first";
+    EXPECT_EQ(copy.outputs().size(), 2u);
+    EXPECT_FALSE(copy.inputs()[1].isConstant()) << "made of name, type and range";
     EXPECT_EQ(copy.nodeType(), kDefinition);
     EXPECT_STREQ(copy.secondName().asChar(), "h");
+    EXPECT_EQ(copy.body().size(), 1u);
+    EXPECT_FALSE(copy.hasIlluminanceLoop()) << "not computed";
     EXPECT_TRUE(copy.constants().empty()) << "constants stay each spec's own";
     EXPECT_FALSE(copy.hostFlag()) << "as does the host's mark";
 }
 
-TEST_F(SpecLibrary, ManagersEndWithTheirSpec)
+TEST_F(SpecLibrary, ManagersEndBeforeTheNextOneComes)
 {
-    int alive = 0;
+    std::vector<const IHWShaderManager*> seen;
     {
         ShadingNodeSpec spec(kDeclaration);
-        spec.assignShaderManager(new CountedManager(alive));
+        spec.assignShaderManager(new WatchedManager(spec, seen));
         spec.assignShaderManager(spec.shaderManager());
-        EXPECT_EQ(alive, 1) << "assigned to itself";
-        spec.assignShaderManager(new CountedManager(alive));
-        EXPECT_EQ(alive, 1);
+        EXPECT_EQ(seen.size(), 0u) << "assigned to itself";
+        spec.assignShaderManager(new WatchedManager(spec, seen));
+        EXPECT_EQ(seen.size(), 1u);
         spec.reset();
-        EXPECT_EQ(alive, 0);
-        spec.assignShaderManager(new CountedManager(alive));
+        EXPECT_EQ(seen.size(), 2u);
+        EXPECT_EQ(spec.shaderManager(), nullptr);
+        spec.assignShaderManager(new WatchedManager(spec, seen));
     }
-    EXPECT_EQ(alive, 0);
+    EXPECT_EQ(seen, std::vector<const IHWShaderManager*>(3));
 }

@@ -1,3 +1,4 @@
+#include "CaseName.h"
 #include "Program.h"
 
 #include <gtest/gtest.h>
@@ -28,8 +29,6 @@ struct Hostile
     int status;
     const char* message; ///< the first line holds it
 };
-
-void PrintTo(const Hostile& row, std::ostream* out) { *out << row.about; }
 
 } // namespace
 
@@ -79,7 +78,8 @@ INSTANTIATE_TEST_SUITE_P(
         Hostile{"carried comments", repeated("// a // b\n", kMegabyte), 1, "1:1: error: this comment does not end"},
         Hostile{"quotes", "float f(float a) {" + std::string(kMegabyte, '"'), 1, "1:19: error: the source ends"},
         Hostile{"elses", "float f(float a) {" + repeated("else ", 10000) + "x = 1; }\n", 0, "else-without-if"},
-        Hostile{"carriage returns", "float f(float a)\r\n{\r\n\tx = 1;\r\n}\r\n", 0, ""}));
+        Hostile{"carriage returns", "float f(float a)\r\n{\r\n\tx = 1;\r\n}\r\n", 0, ""}),
+    CaseName());
 
 TEST(LargeSources, AreReadInBoundedMemory)
 {

@@ -28,7 +28,7 @@ struct Finding
 class Findings
 {
 public:
-    /// More are counted and not kept: nobody reads them, and a hostile source may hold millions.
+    /// More are counted and not kept: a hostile source may hold millions.
     static constexpr std::size_t kMaxKept = 1000;
 
     void add(Finding finding);

@@ -101,14 +101,11 @@ struct ScannedFunction
 class FunctionScanner
 {
 public:
-    /// Deeper nesting is refused; programs that read sources give the parser a stack that takes this much.
+    /// Deeper nesting is refused: parsing, printing and destroying a statement call themselves for each level.
     static constexpr std::size_t kMaxDepth = 5000;
     /// Of one header; its arguments are compared each with each.
     static constexpr std::size_t kMaxHeaderTokens = 50000;
     static constexpr std::size_t kMaxEmptyStatements = 1000;
-    /// The stack that reading, printing and destroying a function of the greatest depth needs at most.
-    static constexpr std::size_t kStackSize = std::size_t{256} << 20;
-
     /// @param source  borrowed for the scanner's life
     explicit FunctionScanner(const Source& source);
 

@@ -64,7 +64,7 @@ bool Libraries::report()
     return ok;
 }
 
-const ShadingNodeSpec* Libraries::findLight(const std::string& name, const std::string& asker)
+const ShadingNodeSpec* Libraries::findLight(const std::string& name, const std::string& origin)
 {
     if (const ShadingNodeSpec* light = findFirst(name, hasBody))
         return light;
@@ -72,7 +72,7 @@ const ShadingNodeSpec* Libraries::findLight(const std::string& name, const std::
         add(*declaration, Severity::Error, {}, inQuotes(name) + " is only declared: a light needs a body");
     else
         print(stderr, fProgram, Severity::Error,
-              asker + ": the libraries have no function " + inQuotes(name) + didYouMean(name, lightNames()));
+              origin + ": the libraries have no function " + inQuotes(name) + didYouMean(name, lightNames()));
     return nullptr;
 }
 

@@ -29,8 +29,8 @@ public:
 
     /// The light function of that name that has a body; null when there is none, and then why not is printed or, where it
     /// has a place, added.
-    /// @param asker  what asks for it, ahead of the message
-    [[nodiscard]] const krShadingDag::ShadingNodeSpec* findLight(const std::string& name, const std::string& asker);
+    /// @param origin  where the name was given, for the message
+    [[nodiscard]] const krShadingDag::ShadingNodeSpec* findLight(const std::string& name, const std::string& origin);
     /// The source that a function of a library came from.
     [[nodiscard]] const Source& source(const krShadingDag::ShadingNodeSpec& spec) const
     {

@@ -17,6 +17,9 @@ namespace
 /// What the library's file reader puts behind a file's last byte.
 constexpr char kClosingByte = '\xff';
 
+/// Some editors begin UTF-8 files with it; it is no part of the text.
+constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+
 class Descriptor
 {
 public:
@@ -68,6 +71,8 @@ std::string readAll(const std::string& path, const std::string& name)
         if (count == 0)
         {
             bytes.resize(filled);
+            if (bytes.starts_with(kByteOrderMark))
+                bytes.erase(0, kByteOrderMark.size());
             return bytes;
         }
         if (filled == bytes.size())

@@ -31,7 +31,8 @@ public:
         std::string_view text; ///< the line, without its end
     };
 
-    /// Reads a file, "-" being standard input. Throws a FileError when it is a directory, too large or unreadable.
+    /// Reads a file, "-" being standard input, and drops a byte-order mark at its beginning. Throws a FileError when it
+    /// is a directory, too large or unreadable.
     explicit Source(const std::string& path);
     /// Takes a text that is in memory already.
     Source(std::string name, std::string text);
@@ -42,7 +43,7 @@ public:
     /// The bytes with the one that the library puts behind a file's last, so that a parser that is given this text reads
     /// it as it reads a file.
     [[nodiscard]] const krString::CString& contents() const noexcept { return fContents; }
-    /// The bytes of the file itself.
+    /// The number of bytes of the text.
     [[nodiscard]] std::size_t size() const noexcept { return fSize; }
 
     /// The place of a byte, or of the end. Asking in rising order costs one walk through the text in all.

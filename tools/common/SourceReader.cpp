@@ -3,11 +3,6 @@
 #include <krender/core/Exception.h>
 #include <krender/shading/ShadingParser.h>
 
-#include <pthread.h>
-
-#include <exception>
-#include <system_error>
-
 using krShadingDag::ShadingNodeSpec;
 using krShadingDag::ShadingParser;
 
@@ -97,41 +92,6 @@ void readLibrary(const Source& source, Findings& findings,
             if (registered)
                 registered(*known, outline);
         });
-}
-
-void runOnLargeStack(const std::function<void()>& work)
-{
-    struct Job
-    {
-        const std::function<void()>& work;
-        std::exception_ptr failure;
-    } job{work, nullptr};
-
-    const auto run = [](void* argument) -> void*
-    {
-        Job& mine = *static_cast<Job*>(argument);
-        try
-        {
-            mine.work();
-        }
-        catch (...)
-        {
-            mine.failure = std::current_exception();
-        }
-        return nullptr;
-    };
-
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, FunctionScanner::kStackSize);
-    pthread_t thread = {};
-    const int error = pthread_create(&thread, &attributes, run, &job);
-    pthread_attr_destroy(&attributes);
-    if (error != 0)
-        throw std::system_error(error, std::generic_category(), "cannot start");
-    pthread_join(thread, nullptr);
-    if (job.failure)
-        std::rethrow_exception(job.failure);
 }
 
 } // namespace krTools

@@ -25,7 +25,7 @@ struct FunctionOutline
 };
 
 /// Reads the functions of one source into node specs, and every error into findings at the place that it is about. No
-/// source makes it hang or run out of stack, given FunctionScanner::kStackSize of it.
+/// source makes it hang or run out of stack.
 class SourceReader
 {
 public:
@@ -57,8 +57,5 @@ private:
 void readLibrary(
     const Source& source, Findings& findings,
     const std::function<void(const krShadingDag::ShadingNodeSpec&, const FunctionOutline&)>& registered = {});
-
-/// Runs the work on a stack that is large enough for reading sources, and waits for its end. What it throws comes out.
-void runOnLargeStack(const std::function<void()>& work);
 
 } // namespace krTools

@@ -1,5 +1,6 @@
 #include "CheckCommand.h"
 
+#include "FindingsJson.h"
 #include "Lints.h"
 
 #include <common/ExitStatus.h>
@@ -9,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <memory>
 
 using nlohmann::ordered_json;
 
@@ -29,20 +31,6 @@ krTools::Findings inspect(const krTools::Source& source, const WarningOptions& w
     return findings;
 }
 
-void appendJson(ordered_json& list, const krTools::Source& source, const krTools::Findings& findings)
-{
-    for (const krTools::Finding& finding : findings.kept())
-    {
-        const krTools::Source::Place place = source.place(finding.position);
-        list.push_back({{"file", source.name()},
-                        {"line", place.line},
-                        {"column", place.column},
-                        {"severity", finding.severity == krTools::Severity::Error ? "error" : "warning"},
-                        {"name", finding.name.empty() ? ordered_json() : ordered_json(finding.name)},
-                        {"text", krTools::printable(finding.text)}});
-    }
-}
-
 } // namespace
 
 int check(const CheckOptions& options)
@@ -55,7 +43,7 @@ int check(const CheckOptions& options)
             const krTools::Source source(path);
             const krTools::Findings findings = inspect(source, options.warnings);
             if (options.asJson)
-                appendJson(list, source, findings);
+                appendFindings(list, source, findings);
             else
                 krTools::print(stderr, source, findings);
             if (findings.hasErrors())
@@ -69,7 +57,7 @@ int check(const CheckOptions& options)
     if (options.asJson)
     {
         krTools::StandardOutput output;
-        output.write(list.dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n');
+        output.write(textOf(list));
         output.finish();
     }
     return status;

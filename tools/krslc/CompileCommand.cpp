@@ -1,8 +1,7 @@
 #include "CompileCommand.h"
 
 #include "Depfile.h"
-#include "FailureTexts.h"
-#include "GlslValidator.h"
+#include "Validation.h"
 #include "Warnings.h"
 
 #include <common/DataFiles.h>
@@ -11,6 +10,7 @@
 #include <common/Libraries.h>
 #include <common/MaterialReader.h>
 #include <common/OutputFiles.h>
+#include <common/Preamble.h>
 #include <common/UsageError.h>
 #include <common/Words.h>
 
@@ -29,8 +29,6 @@ using krTools::Severity;
 namespace
 {
 
-void printError(const std::string& text) { krTools::print(stderr, "krslc", Severity::Error, text); }
-
 // The lights
 
 /// The lights that the options ask for; nothing when one is missing, which is then reported.
@@ -48,8 +46,7 @@ std::optional<std::vector<LightSpec>> findLights(const std::vector<std::string>&
         if (!light)
             continue;
         if (light->body().findStatement(krShadingDag::StatementType::Illuminance))
-            libraries.add(*light, Severity::Warning,
-                          kWarnings[static_cast<std::size_t>(Warning::IlluminanceInLight)].name,
+            libraries.add(*light, Severity::Warning, warningInfo(Warning::IlluminanceInLight).name,
                           "the illuminance block of light " + inQuotes(function) + " stays in the program as it is");
         lights.push_back({light, key.c_str()});
     }
@@ -65,19 +62,17 @@ void checkLightOptions(const std::vector<std::string>& options)
         const std::size_t equals = std::min(option.find('='), option.size());
         const std::string_view key = std::string_view(option).substr(0, equals);
         if (equals + 1 >= option.size() || !krTools::isName(key))
-            throw krTools::UsageError("--light " + option + ": KEY=FUNCTION is wanted, the key being a name");
+            throw krTools::UsageError("--light " + option + ": this is not KEY=FUNCTION with a name for its key");
     }
 }
 
 // The programs
 
-/// The two programs for a target, as they are written.
-struct ProgramPair
+/// The start of the program files' names, "-" for standard output.
+std::string baseOf(const CompileOptions& options, const ShadingNodeSpec& material)
 {
-    bool isGlsl;
-    krTools::Source vertex; ///< named after its file
-    krTools::Source fragment;
-};
+    return options.base.ends_with('/') ? options.base + material.name().asChar() : options.base;
+}
 
 ProgramPair generate(const ShadingNodeSpec& material, const std::vector<LightSpec>* lights, bool isGlsl,
                      const CompileOptions& options)
@@ -86,42 +81,16 @@ ProgramPair generate(const ShadingNodeSpec& material, const std::vector<LightSpe
     krString::CString fragment;
     (isGlsl ? compileMaterialToGlsl : compileMaterialToCg)(material, lights, vertex, fragment);
 
+    const std::string base = baseOf(options, material);
     const auto program = [&](const krString::CString& text, const char* stage, const std::string& ownFile)
     {
-        const std::string path = !ownFile.empty()      ? ownFile
-                                 : options.base == "-" ? "-"
-                                                       : options.base + "." + stage + (isGlsl ? "" : ".cg");
-        std::string whole(isGlsl && options.withPreamble ? kGlslPreamble : std::string_view());
+        const std::string path = !ownFile.empty() ? ownFile
+                                 : base == "-"    ? "-"
+                                                  : base + "." + stage + (isGlsl ? "" : ".cg");
+        std::string whole(isGlsl && options.withPreamble ? krTools::kGlsl120Preamble : std::string_view());
         return krTools::Source(path, whole.append(text.view()));
     };
     return {isGlsl, program(vertex, "vert", options.vertexFile), program(fragment, "frag", options.fragmentFile)};
-}
-
-bool reportProgram(const krTools::Source& program, krTools::Findings& findings, const char* name)
-{
-    findings.sort();
-    if (program.name() == "-")
-        krTools::print(stderr, krTools::Source(name, std::string(program.text())), findings);
-    else
-        krTools::print(stderr, program, findings);
-    return !findings.hasErrors();
-}
-
-/// @return  whether the programs are fit for their compilers, as far as can be told; what is wrong is reported
-bool validate(const ProgramPair& pair)
-{
-    krTools::Findings vertex;
-    krTools::Findings fragment;
-    findFailureTexts(pair.vertex, vertex);
-    findFailureTexts(pair.fragment, fragment);
-    std::vector<std::string> errors;
-    if (pair.isGlsl && !vertex.hasErrors() && !fragment.hasErrors())
-        errors = GlslValidator().validate(pair.vertex, vertex, pair.fragment, fragment);
-    const bool vertexOk = reportProgram(pair.vertex, vertex, "<vertex program>");
-    const bool fragmentOk = reportProgram(pair.fragment, fragment, "<fragment program>");
-    for (const std::string& error : errors)
-        printError(error);
-    return vertexOk && fragmentOk && errors.empty();
 }
 
 // The whole
@@ -137,6 +106,10 @@ void checkOutputOptions(const CompileOptions& options)
         throw krTools::UsageError("--vertex and --fragment name the programs of one target: use -o for all");
     if (!hasFiles && options.base.empty())
         throw krTools::UsageError("where should the programs go? Give -o BASE, -o -, or --vertex and --fragment");
+    std::error_code failure;
+    if (!options.base.ends_with('/') && std::filesystem::is_directory(options.base, failure))
+        throw krTools::UsageError("-o " + options.base + " is a folder: give " + options.base +
+                                  "/ to write into it, or a file name without its ending");
     if (!options.depfile.empty() && (options.base == "-" || options.vertexFile == "-" || options.fragmentFile == "-"))
         throw krTools::UsageError("--depfile names the files that depend on the sources, and standard output is none");
     if (options.keepIlluminance && !options.lights.empty())
@@ -219,6 +192,6 @@ int compile(const CompileOptions& options)
         outputs.add(options.depfile, makeRule(targets, files));
     }
     checkOverwriting(outputs, sources);
-    outputs.publish();
+    outputs.publish(krTools::MissingFolders::Make);
     return krTools::kDone;
 }

@@ -1,5 +1,7 @@
 #include "SpecsCommand.h"
 
+#include "FindingsJson.h"
+
 #include <common/ExitStatus.h>
 #include <common/SourceReader.h>
 #include <common/StandardOutput.h>
@@ -13,6 +15,9 @@
 
 #include <cerrno>
 #include <cstring>
+#include <map>
+#include <memory>
+#include <utility>
 
 using krShadingDag::ShadingNodeSpec;
 using nlohmann::ordered_json;
@@ -41,12 +46,57 @@ private:
     int fDescriptor;
 };
 
+/// Empties the spec library at the end, which owns what parsing enters into it.
+struct SpecLibraryCleaner
+{
+    SpecLibraryCleaner() = default;
+    SpecLibraryCleaner(const SpecLibraryCleaner&) = delete;
+    SpecLibraryCleaner& operator=(const SpecLibraryCleaner&) = delete;
+    ~SpecLibraryCleaner() { ShadingNodeSpec::clearLibrary(); }
+};
+
+/// What the plain parser made of a source.
+struct Reading
+{
+    bool parsed = false;
+    std::string messages;                                      ///< the parser's, as they are
+    std::map<const ShadingNodeSpec*, std::string> resultWords; ///< as written: a type, "material" or "light"
+};
+
+/// Parses a source into the spec library. What is wrong with it is found by a second reading: the parser's messages have
+/// no column and a fixed name in place of the file's, and there is one even when all went well.
+Reading read(const krTools::Source& source, krTools::Findings& findings)
+{
+    Reading reading;
+    krTools::SourceReader reader(source, findings);
+    // The parser would not come back from some sources.
+    if (!reader.scan())
+        return reading;
+    const Snapshot snapshot(source);
+    krShadingDag::ShadingParser parser;
+    reading.parsed = parser.parseFile(snapshot.path().c_str(), false);
+    reading.messages = parser.errorString().view();
+    reader.parse(
+        [&reading](const std::unique_ptr<ShadingNodeSpec>& spec, const krTools::FunctionOutline& outline)
+        {
+            const ShadingNodeSpec* const entered = ShadingNodeSpec::findSpecInLibrary(spec->name(), spec->arguments());
+            reading.resultWords[entered] = outline.resultWord;
+        });
+    return reading;
+}
+
+const char* nodeTypeName(const ShadingNodeSpec& spec)
+{
+    return spec.nodeType() == krShadingDag::kDefinition ? "definition" : "declaration";
+}
+
 ordered_json attributesOf(const ShadingNodeSpec::Attributes& attributes)
 {
     ordered_json list = ordered_json::array();
     for (const krShadingDag::ShadingAttribute& attribute : attributes)
         list.push_back({{"name", attribute.name().asChar()},
                         {"type", attribute.dataType()},
+                        {"typeName", dataTypeName(attribute.dataType())},
                         {"minFreq", attribute.range().minFreq},
                         {"maxFreq", attribute.range().maxFreq}});
     return list;
@@ -56,6 +106,7 @@ ordered_json jsonOf(const ShadingNodeSpec& spec)
 {
     return {{"name", spec.name().asChar()},
             {"nodeType", spec.nodeType()},
+            {"nodeTypeName", nodeTypeName(spec)},
             {"hasIlluminanceLoop", spec.hasIlluminanceLoop()},
             {"header", spec.functionHeaderString().asChar()},
             {"body", spec.body().toString("", "\t").view()},
@@ -63,37 +114,14 @@ ordered_json jsonOf(const ShadingNodeSpec& spec)
             {"outputs", attributesOf(spec.outputs())}};
 }
 
-std::string textOf(const ShadingNodeSpec& spec)
-{
-    bool returnsValue = false;
-    const krShadingDag::ShadingAttribute& result = spec.output("output", returnsValue);
-    std::string text = spec.nodeType() == krShadingDag::kDefinition ? "definition " : "declaration ";
-    text.append(returnsValue ? dataTypeName(result.dataType()) : "void").append(" ");
-    return text.append(spec.functionHeaderString().view());
-}
-
 } // namespace
 
 int printSpecs(const std::string& path, bool asJson)
 {
+    const SpecLibraryCleaner cleaner;
     const krTools::Source source(path);
     krTools::Findings findings;
-    krTools::SourceReader reader(source, findings);
-    bool parsed = false;
-    std::string messages;
-    if (reader.scan())
-    {
-        const Snapshot snapshot(source);
-        krShadingDag::ShadingParser parser;
-        parsed = parser.parseFile(snapshot.path().c_str(), false);
-        messages = parser.errorString().view();
-        // The library's own message has a fixed name in place of the file's; ours comes from reading once more.
-        if (!parsed && !findings.hasErrors())
-            reader.parse([](const std::unique_ptr<ShadingNodeSpec>&, const krTools::FunctionOutline&) {});
-    }
-    else
-        for (const krTools::Finding& finding : findings.kept())
-            messages += finding.text + '\n';
+    Reading reading = read(source, findings);
     findings.sort();
     krTools::print(stderr, source, findings);
 
@@ -103,13 +131,17 @@ int printSpecs(const std::string& path, bool asJson)
         ordered_json functions = ordered_json::array();
         for (const auto& [name, spec] : ShadingNodeSpec::fLibrary)
             functions.push_back(jsonOf(*spec));
-        const ordered_json document{{"parsed", parsed}, {"messages", messages}, {"functions", std::move(functions)}};
-        // Sources are bytes and JSON is Unicode: what is no UTF-8 becomes the replacement character.
-        output.write(document.dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n');
+        ordered_json problems = ordered_json::array();
+        appendFindings(problems, source, findings);
+        output.write(textOf({{"parsed", reading.parsed},
+                             {"messages", reading.messages},
+                             {"problems", std::move(problems)},
+                             {"functions", std::move(functions)}}));
     }
     else
         for (const auto& [name, spec] : ShadingNodeSpec::fLibrary)
-            output.write(textOf(*spec));
+            output.write(std::string(nodeTypeName(*spec)) + ' ' + reading.resultWords[spec] + ' ' +
+                         spec->functionHeaderString().asChar());
     output.finish();
-    return parsed && !findings.hasErrors() ? krTools::kDone : krTools::kInputHasErrors;
+    return reading.parsed && !findings.hasErrors() ? krTools::kDone : krTools::kInputHasErrors;
 }

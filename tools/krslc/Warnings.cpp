@@ -8,7 +8,11 @@
 
 using krTools::Severity;
 
-constexpr std::array<WarningInfo, 21> kWarnings{{
+namespace
+{
+
+/// One row a warning, by its value; the names rise.
+constexpr std::array<WarningInfo, kWarningCount> kWarnings{{
     {Warning::BraceInStatement, "brace-in-statement", false,
      "a brace within an ordinary statement, as a missing \";\" leaves it"},
     {Warning::BracedLoop, "braced-loop", false,
@@ -45,9 +49,6 @@ constexpr std::array<WarningInfo, 21> kWarnings{{
     {Warning::VertexType, "vertex-type", false, "a per-vertex input of a type that cannot travel between the stages"},
 }};
 
-namespace
-{
-
 constexpr bool isInOrder()
 {
     for (std::size_t i = 0; i < kWarnings.size(); ++i)
@@ -58,6 +59,8 @@ constexpr bool isInOrder()
 static_assert(isInOrder());
 
 } // namespace
+
+const WarningInfo& warningInfo(Warning warning) noexcept { return kWarnings[static_cast<std::size_t>(warning)]; }
 
 WarningOptions::WarningOptions() { fEnabled.fill(true); }
 

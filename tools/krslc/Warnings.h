@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-/// What krslc warns of.
+/// What krslc warns about.
 enum class Warning
 {
     BraceInStatement,
@@ -41,10 +41,11 @@ struct WarningInfo
     std::string_view summary; ///< for --list-warnings
 };
 
-/// One row a warning, by its value; the names rise.
-extern const std::array<WarningInfo, 21> kWarnings;
+inline constexpr std::size_t kWarningCount = 21;
 
-/// Which warnings are wanted, as -W options say.
+[[nodiscard]] const WarningInfo& warningInfo(Warning warning) noexcept;
+
+/// Which warnings are on, as -W options say.
 class WarningOptions
 {
 public:
@@ -53,11 +54,11 @@ public:
     /// Takes what stands behind a "-W": "error", a name, or "no-" and a name. Throws a UsageError for anything else.
     void apply(std::string_view option);
 
-    /// Adds a warning unless it is silenced.
+    /// Adds a warning unless it is off.
     void warn(krTools::Findings& findings, Warning warning, std::size_t position, std::string text) const;
 
 private:
-    std::array<bool, 21> fEnabled;
+    std::array<bool, kWarningCount> fEnabled;
     bool fAsErrors = false;
 };
 

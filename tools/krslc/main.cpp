@@ -4,7 +4,7 @@
 #include "TokensCommand.h"
 
 #include <common/ExitStatus.h>
-#include <common/SourceReader.h>
+#include <common/Findings.h>
 #include <common/StandardOutput.h>
 #include <common/UsageError.h>
 
@@ -19,15 +19,6 @@ namespace
 
 /// What is left to do once the command line is understood.
 using Command = std::function<int()>;
-
-/// Empties the spec library when the work is done, while the stack is still large: the trees in it may be deep.
-struct SpecLibraryEnd
-{
-    SpecLibraryEnd() = default;
-    SpecLibraryEnd(const SpecLibraryEnd&) = delete;
-    SpecLibraryEnd& operator=(const SpecLibraryEnd&) = delete;
-    ~SpecLibraryEnd() { krShadingDag::ShadingNodeSpec::clearLibrary(); }
-};
 
 int printText(const std::string& text)
 {
@@ -61,7 +52,8 @@ void addCompile(CLI::App& app, Command& command)
         ->check(CLI::IsMember({"glsl", "cg", "all"}));
     compileApp
         ->add_option("-o", options.base,
-                     "write BASE.vert and BASE.frag, for cg BASE.vert.cg and BASE.frag.cg; \"-\" for standard output")
+                     "write BASE.vert and BASE.frag, for cg BASE.vert.cg and BASE.frag.cg; with a slash at its end "
+                     "BASE is a folder, and the files take the material's name; \"-\" for standard output")
         ->type_name("BASE");
     compileApp->add_option("--vertex", options.vertexFile, "where the vertex program goes")->type_name("FILE");
     compileApp->add_option("--fragment", options.fragmentFile, "where the fragment program goes")->type_name("FILE");
@@ -71,7 +63,7 @@ void addCompile(CLI::App& app, Command& command)
         ->type_name("TEXT")
         ->check(CLI::IsMember({"none", "glsl120"}));
     compileApp->add_flag("--validate", options.validate,
-                         "compile and link the GLSL programs, and write none that fail");
+                         "check the programs with a compiler front end, and write none that fail");
     compileApp->add_option("--depfile", options.depfile, "write what the programs depend on, for make")
         ->type_name("FILE");
     compileApp->final_callback(
@@ -94,10 +86,12 @@ void addCheck(CLI::App& app, Command& command)
         bool list = false;
     };
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App* checkApp = app.add_subcommand("check", "Parse sources and report errors and traps");
+    CLI::App* checkApp =
+        app.add_subcommand("check", "Report errors in sources, and code that does something else than it seems to");
     checkApp->add_option("files", arguments->options.files, "the sources; \"-\" for standard input")->type_name("FILE");
     checkApp
-        ->add_option("-W", arguments->warnings, "-Wno-NAME silences a warning, -WNAME wants it, -Werror fails on any")
+        ->add_option("-W", arguments->warnings,
+                     "-Wno-NAME switches a warning off, -WNAME on, -Werror turns warnings into errors")
         ->type_name("NAME")
         ->allow_extra_args(false);
     checkApp->add_flag("--list-warnings", arguments->list, "print the names of all warnings");
@@ -164,14 +158,7 @@ int run(int argc, char** argv)
     {
         throw krTools::UsageError(error.what());
     }
-    int status = krTools::kCannotRun;
-    krTools::runOnLargeStack(
-        [&]
-        {
-            const SpecLibraryEnd end;
-            status = command();
-        });
-    return status;
+    return command();
 }
 
 } // namespace

@@ -2,11 +2,19 @@
 
 #include "ProgramOrigins.h"
 
+#include <common/Findings.h>
+
 #include <algorithm>
+#include <cstddef>
+#include <cstdio>
 #include <map>
+#include <optional>
 #include <regex>
 #include <set>
 #include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 using krTools::Severity;
 
@@ -24,14 +32,14 @@ std::string infoLog(GLuint object, decltype(glGetShaderiv) query, decltype(glGet
     return text;
 }
 
-/// One message of a driver.
+/// One message of the driver.
 struct DriverMessage
 {
-    std::size_t line; ///< 0: none is named
+    std::size_t line; ///< of the program, from 1; 0 if the message names none
     std::string text;
 };
 
-/// Takes a driver's log apart. The forms met with are "0:12(5): error: text", "0(12) : error C1: text" and
+/// Splits a driver's log into messages. Drivers write "0:12(5): error: text", "0(12) : error C1: text" or
 /// "ERROR: 0:12: text".
 std::vector<DriverMessage> driverMessages(const std::string& log)
 {
@@ -52,7 +60,7 @@ std::vector<DriverMessage> driverMessages(const std::string& log)
     return messages;
 }
 
-/// A line of a program without what stands around it.
+/// A line of a program without the white space at its beginning.
 std::string trimmedLine(const krTools::Source& program, std::size_t line)
 {
     std::istringstream lines{std::string(program.text())};
@@ -71,8 +79,8 @@ std::size_t lineBegin(const krTools::Source& program, std::size_t line)
     return begin;
 }
 
-/// Prints what the driver says. Of what it says about one place the first tells it all: the rest follows from it, or is
-/// about the same code in the copy for another light.
+/// Prints the driver's messages, one for each place in the sources: further ones are consequences of the first, or are
+/// about the copy of the same code for another light.
 void report(const Material& material, const krTools::Source& program, const std::string& log)
 {
     std::map<const krTools::Source*, krTools::Findings> findings;

@@ -4,9 +4,13 @@
 
 #include <common/Expansion.h>
 #include <common/MaterialReader.h>
+#include <common/Preamble.h>
 
 #include <krender/shadergen/GlslMaterialCompiler.h>
 #include <krender/shading/Statement.h>
+
+#include <cstddef>
+#include <string_view>
 
 using krShadingDag::ShadingAttribute;
 using krShadingDag::ShadingNodeSpec;
@@ -16,18 +20,9 @@ using krShadingDag::StatementType;
 namespace
 {
 
-/// What the programs expect ahead of them. The compiler maps the language's float types and larger matrices itself.
-constexpr std::string_view kPreamble = R"(#version 120
-#define vec1 float
-#define int2 ivec2
-#define int3 ivec3
-#define int4 ivec4
-#define matrix2 mat2
-)";
-
 krTools::Source programSource(const char* name, const krString::CString& text)
 {
-    return {name, std::string(kPreamble).append(text.view())};
+    return {name, std::string(krTools::kGlsl120Preamble).append(text.view())};
 }
 
 std::size_t blockCount(const StatementCompound& statements)
@@ -39,14 +34,14 @@ std::size_t blockCount(const StatementCompound& statements)
     return count;
 }
 
-/// Lights for a scene that names none. Each illuminance block declares the inputs of its lights, so that a material with
-/// several takes lights without inputs.
+/// Lights for a scene that names none. Each illuminance block declares the inputs of its lights, so a material with
+/// several blocks gets lights without inputs.
 std::vector<SceneLight> suitableLights(const StatementCompound& body)
 {
     const SceneLight sky{"sky", "skyLight", "the light that comes with every scene"};
     if (blockCount(body) > 1)
-        return {{"eye", "headLight", sky.asker}, sky};
-    return {{"sun", "directionalLight", sky.asker}, sky};
+        return {{"eye", "headLight", sky.place}, sky};
+    return {{"sun", "directionalLight", sky.place}, sky};
 }
 
 } // namespace
@@ -75,7 +70,7 @@ bool Material::findLights(const Scene& scene)
     bool ok = true;
     for (const SceneLight& light : scene.lights ? *scene.lights : suitableLights(fSpec->body()))
     {
-        const ShadingNodeSpec* spec = fLibraries.findLight(light.function, light.asker);
+        const ShadingNodeSpec* spec = fLibraries.findLight(light.function, light.place);
         ok &= spec != nullptr;
         fLights.push_back({spec, light.key.c_str()});
     }

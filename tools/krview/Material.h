@@ -4,34 +4,36 @@
 #include <common/Libraries.h>
 
 #include <krender/shadergen/LightSpec.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/ShadingNodeSpec.h>
 
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-/// An input that the host gives values to.
+/// An input of the programs that krview sets.
 struct ProgramInput
 {
     std::string name; ///< in the program
     DataType type;
-    bool perVertex;        ///< an attribute, and not a uniform
-    std::string lightName; ///< what the light itself calls it; empty for an input of the material
+    bool perVertex;        ///< an attribute; else a uniform
+    std::string lightName; ///< its name in the light's source; empty for an input of the material
 };
 
 /// The sources of a scene's material and lights, and the programs made from them. One object exists at a time.
 class Material
 {
 public:
-    /// Reads the sources and writes the programs. What is wrong with the sources is printed. Throws a krTools::FileError.
-    /// @return  null when something is
+    /// Reads the sources and generates the programs. Errors in the sources are printed. Throws a krTools::FileError.
+    /// @return  null when there are errors
     [[nodiscard]] static std::unique_ptr<Material> read(const Scene& scene);
 
     [[nodiscard]] std::string name() const { return fSpec->name().asChar(); }
-    /// The programs with what GLSL 1.20 needs ahead of them.
+    /// The programs, with the preamble that GLSL 1.20 needs.
     [[nodiscard]] const krTools::Source& vertexProgram() const { return *fVertexProgram; }
     [[nodiscard]] const krTools::Source& fragmentProgram() const { return *fFragmentProgram; }
-    /// What the programs take, the material's inputs first.
+    /// The inputs of the programs, the material's first.
     [[nodiscard]] const std::vector<ProgramInput>& inputs() const noexcept { return fInputs; }
 
     [[nodiscard]] const krShadingDag::ShadingNodeSpec& spec() const noexcept { return *fSpec; }

@@ -5,6 +5,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <filesystem>
+
 namespace
 {
 
@@ -12,6 +15,19 @@ constexpr const char* kKeys = R"(
 Drag to tumble, drag with the right button or turn the wheel to change the distance.
 R resets the view, A shows the axes, W the wire frame, S saves a picture, Q quits.
 )";
+
+constexpr unsigned kMaxFrames = 1000000000;
+
+/// Pictures are written as PNG and nothing else.
+void checkPictureName(const std::string& name)
+{
+    std::string extension = std::filesystem::path(name).extension().string();
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    if (extension != ".png")
+        throw krTools::UsageError("--screenshot " + name +
+                                  ": pictures are written as PNG; give a name that ends in .png");
+}
 
 void printText(const std::string& text)
 {
@@ -32,7 +48,7 @@ std::optional<Options> readOptions(int argc, char** argv)
         ->type_name("SCENE.json");
     app.add_option("--material", options.material, "the material: a file, and a function in it")
         ->type_name("FILE[:NAME]");
-    app.add_option("--shape", options.shape, "what wears it")
+    app.add_option("--shape", options.shape, "what it is shown on")
         ->type_name("SHAPE")
         ->check(CLI::IsMember({"cube", "sphere", "cylinder", "particles"}));
     app.add_option("--light", options.lights, "a light, instead of the scene's: its name and its function in a library")
@@ -47,9 +63,11 @@ std::optional<Options> readOptions(int argc, char** argv)
     app.add_option("--size", options.size, "the window's size in pixels")->type_name("WxH");
     app.add_option("--stdlib", options.stdlib, "the standard library")->type_name("FILE");
     app.add_option("--lib", options.libraries, "a further library")->type_name("FILE")->allow_extra_args(false);
-    app.add_option("--screenshot", options.screenshot, "save the last frame and quit, after one frame if not told")
+    app.add_option("--screenshot", options.screenshot, "save the last frame and quit; --frames is 1 if not given")
         ->type_name("FILE.png");
-    app.add_option("--frames", options.frames, "quit after N frames")->type_name("N")->check(CLI::PositiveNumber);
+    app.add_option("--frames", options.frames, "quit after N frames")
+        ->type_name("N")
+        ->check(CLI::Range(1U, kMaxFrames));
     app.add_flag("--watch", options.watch, "read the sources again when they change");
     app.add_flag("--stats", options.stats, "print at the end what was drawn, culled and uploaded");
     try
@@ -70,7 +88,10 @@ std::optional<Options> readOptions(int argc, char** argv)
     {
         throw krTools::UsageError(error.what());
     }
-    if (!options.screenshot.empty() && options.frames == 0)
-        options.frames = 1;
+    if (app.count("--screenshot") != 0)
+    {
+        checkPictureName(options.screenshot);
+        options.frames = std::max(options.frames, 1U);
+    }
     return options;
 }

@@ -2,9 +2,16 @@
 
 #include <common/FunctionScanner.h>
 
+#include <krender/shadergen/LightSpec.h>
+
 #include <algorithm>
 #include <cctype>
+#include <iterator>
 #include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -1,6 +1,7 @@
 #pragma once
 #include "Material.h"
 
+#include <cstddef>
 #include <optional>
 
 /// A place in a source.

@@ -15,7 +15,16 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
+#include <map>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
 
 using krTools::inQuotes;
 using krTools::UsageError;
@@ -34,7 +43,7 @@ Shape shapeNamed(const std::string& name)
     return static_cast<Shape>(found - kShapeNames.begin());
 }
 
-/// A file that the scene names, whose place counts from the scene's own.
+/// The path of a file that the scene names relative to its own folder. Fails when there is no such file.
 std::string fileOf(const SceneValue& value, const std::string& name)
 {
     std::string path = (std::filesystem::path(value.file()).parent_path() / name).lexically_normal().string();
@@ -74,7 +83,7 @@ InputValue inputValue(const SceneValue& value)
 void readLight(const SceneValue& value, Scene& scene)
 {
     SceneLight light;
-    light.asker = value.path();
+    light.place = value.path();
     std::map<std::string, InputValue> inputs;
     value.readMembers({
         {"key", [&](const SceneValue& key) { light.key = key.text(); }},
@@ -173,7 +182,7 @@ void readMembers(const SceneValue& file, Scene& scene)
         file.fail("a \"material\" is missing");
 }
 
-/// Reads a scene file. What is not JSON is printed.
+/// Reads a scene file. A syntax error is printed, and the answer is then false.
 bool readFile(const std::string& path, Scene& scene)
 {
     const krTools::Source source(path);
@@ -183,7 +192,7 @@ bool readFile(const std::string& path, Scene& scene)
     }
     catch (const nlohmann::json::parse_error& error)
     {
-        // The text names the place ahead of what is wrong, as "... at line 3, column 7: ...".
+        // The text is "... at line 3, column 7: ..."; the place is printed already.
         const std::string_view text = error.what();
         const std::size_t place = text.find(": ");
         krTools::Findings findings;
@@ -192,20 +201,26 @@ bool readFile(const std::string& path, Scene& scene)
         krTools::print(stderr, source, findings);
         return false;
     }
+    catch (const nlohmann::json::out_of_range& error)
+    {
+        // The text begins with the name of the error in brackets.
+        const std::string_view text = error.what();
+        throw InputError(path, std::string(text.substr(std::min(text.find("] ") + 2, text.size()))));
+    }
     scene.files.push_back(path);
     return true;
 }
 
-/// Takes NAME=VALUE or KEY=FUNCTION apart.
-std::pair<std::string, std::string> assignment(const std::string& option, const std::string& text, const char* wanted)
+/// Splits NAME=VALUE or KEY=FUNCTION.
+std::pair<std::string, std::string> assignment(const std::string& option, const std::string& text, const char* expected)
 {
     const std::size_t equals = std::min(text.find('='), text.size());
     if (equals + 1 >= text.size() || !krTools::isName(std::string_view(text).substr(0, equals)))
-        throw UsageError(option + " " + text + ": " + wanted + " is wanted");
+        throw UsageError(option + " " + text + ": " + expected + " is wanted");
     return {text.substr(0, equals), text.substr(equals + 1)};
 }
 
-/// Numbers with commas between them; nothing when it is another text.
+/// Numbers with commas between them, which may be NaN or infinite; nothing when the text is something else.
 std::optional<std::vector<double>> numbersOf(const std::string& text)
 {
     std::vector<double> numbers;
@@ -215,9 +230,10 @@ std::optional<std::vector<double>> numbersOf(const std::string& text)
     {
         double number = 0;
         const auto [rest, error] = std::from_chars(at, end, number);
-        if (error != std::errc())
+        if (error == std::errc::invalid_argument)
             return std::nullopt;
-        numbers.push_back(number);
+        // Numbers too small for a double count as 0, those too large as infinity.
+        numbers.push_back(error == std::errc() ? number : std::strtod(at, nullptr));
         if (rest == end)
             return numbers;
         if (*rest != ',')
@@ -226,9 +242,9 @@ std::optional<std::vector<double>> numbersOf(const std::string& text)
     }
 }
 
-InputValue inputValue(const std::string& asker, const std::string& text)
+InputValue inputValue(const std::string& place, const std::string& text)
 {
-    InputValue input{{}, "krview", asker};
+    InputValue input{{}, "krview", place};
     if (const auto numbers = numbersOf(text))
         input.value = *numbers;
     else if (text == "true" || text == "false")
@@ -276,8 +292,7 @@ void applyOptions(const Options& options, Scene& scene)
     if (options.grid != 0)
         scene.grid = options.grid;
     if (scene.shape == Shape::Particles && scene.grid > 1)
-        throw InputError("krview",
-                         "particles are sorted by their depth, and stand alone: a grid of them cannot be shown");
+        throw InputError("krview", "particles are sorted by depth as one object: a grid of them cannot be shown");
     if (!options.size.empty())
         applySize(options.size, scene);
 }

@@ -4,13 +4,18 @@
 #include "ShapeJoiner.h"
 #include "Streams.h"
 
+#include <krender/draw/DrawProcedure.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/platform/Linear.h>
+
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace
 {
 
-constexpr double kNearest = 0.02; // of the distance
+constexpr double kNearest = 0.02; // the nearest front plane, as a share of the distance
 
 std::array<GLfloat, 16> asFloats(const krLinear::ProjMatrix& matrix)
 {
@@ -27,7 +32,7 @@ Stage::Stage()
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    // Surfaces make way for the lines that lie in them.
+    // Surfaces are drawn a little farther away than the lines that lie in them.
     glEnable(GL_POLYGON_OFFSET_FILL);
     glPolygonOffset(1, 1);
 }
@@ -89,12 +94,12 @@ std::vector<std::string> Stage::files() const
     return files;
 }
 
-void Stage::draw(View& view, double seconds)
+void Stage::draw(View& view, int width, int height, double seconds)
 {
-    glViewport(0, 0, view.width(), view.height());
+    glViewport(0, 0, width, height);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     drawBackground();
-    aim(view);
+    aim(view, static_cast<double>(width) / height);
     fGrid->cull(fCamera.frustum());
     if (fFountain)
         fFountain->update(seconds, fCamera.viewMatrix());
@@ -102,19 +107,18 @@ void Stage::draw(View& view, double seconds)
         fUpload.update(*group);
     drawObjects();
 
-    const FrameData frame(fCamera, fGeometry, *fGrid, view);
+    const FrameData frame(fCamera, fGeometry, *fGrid);
     for (unsigned i = 0; DrawProcedure* procedure = fOverlays->item(i); ++i)
         if (procedure->isEnabled())
             procedure->execute(frame);
 }
 
-void Stage::aim(View& view)
+void Stage::aim(View& view, double aspect)
 {
-    // The planes stand as close around the objects as the eye lets them, which spares the depths' accuracy.
+    // Planes as close around the objects as they can be make the best use of the depth buffer's precision.
     const double distance = view.distance();
     const double reach = fGrid->radius() + view.translation().length();
-    fCamera.setPerspective(view.opening(), static_cast<double>(view.width()) / view.height(),
-                           std::max(kNearest * distance, distance - reach), distance + reach);
+    fCamera.setPerspective(view.opening(), aspect, std::max(kNearest * distance, distance - reach), distance + reach);
     fCamera.setViewMatrix(view.viewMatrix());
     fCamera.bind();
 }
@@ -155,7 +159,7 @@ void Stage::drawObjects()
     glUniform4f(fProgram->uniform("gEyePos"), static_cast<GLfloat>(eye.x), static_cast<GLfloat>(eye.y),
                 static_cast<GLfloat>(eye.z), 1);
 
-    // Particles are in order from back to front, and blended.
+    // Particles are sorted from back to front and blended.
     if (fFountain)
     {
         glEnable(GL_BLEND);

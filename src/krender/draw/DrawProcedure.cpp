@@ -8,10 +8,6 @@ DrawProcedure::~DrawProcedure()
 {
     if (fDestroyUserData)
         fDestroyUserData(fUserData);
-    fUserData = nullptr;
-    fDestroyUserData = nullptr;
-    fExecuteCallback = nullptr;
-    fSpare = nullptr;
 }
 
 void DrawProcedure::execute(const DrawProcedureData& data)

@@ -2,6 +2,11 @@
 
 #include "krender/shadergen/private/FragmentWriter.h"
 #include <krender/shadergen/InterpolantBank.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/ShadingAttribute.h>
+
+#include <string>
+#include <string_view>
 
 namespace
 {
@@ -28,7 +33,7 @@ constexpr std::string_view kVertToFragHead = R"(struct vert2frag
 )";
 
 /// Maps the shading language's type names and texture functions onto Cg's.
-constexpr std::string_view constantDefines = R"(
+constexpr std::string_view kPrologue = R"(
 #define samplerCube samplerCUBE
 #define sampler1DShadow sampler1D
 #define sampler2DShadow sampler2D
@@ -116,10 +121,10 @@ float3 gLightSpecularColor = outLightSpecularColor;
     .samplerAliasIsMacro = false,
 };
 
-/// The texture-coordinate registers into either stage.
+/// The number of texture-coordinate registers of either stage.
 constexpr unsigned kRegisters = 8;
 
-/// What a per-vertex input is when the application has no register left to deliver it in.
+/// The value of a vertex input for which the application has no register left.
 std::string_view zeroOf(DataType type) noexcept
 {
     switch (type)
@@ -137,7 +142,7 @@ std::string_view zeroOf(DataType type) noexcept
     }
 }
 
-/// The road of the per-vertex inputs through both stages.
+/// The code that passes the vertex inputs from the application to the vertex program and on to the fragment program.
 struct Connections
 {
     Connections()
@@ -155,7 +160,7 @@ struct Connections
         const krString::CString address = vertToFragBank.allocateInterpolant(components, ok, nullptr, nullptr);
         krString::CString index;
         krString::CString swizzle;
-        // Here the address itself is of no use: the struct's member has the input's own name.
+        // The address is not needed: the struct's member has the input's own name.
         (void)appToVertBank.allocateInterpolant(components, ok, &index, &swizzle);
 
         appendAll(copies, {"\tOUT._TEXCOORD", address.view(), " = "});
@@ -173,9 +178,9 @@ struct Connections
 
     InterpolantBank appToVertBank{kRegisters, false};
     InterpolantBank vertToFragBank{kRegisters, true};
-    std::string appToVert; ///< members of the application's struct
-    std::string copies;    ///< statements of the vertex program
-    std::string aliases{kAliases};
+    std::string appToVert;         ///< members of the application's struct
+    std::string copies;            ///< statements of the vertex program
+    std::string aliases{kAliases}; ///< declarations of the fragment program
 };
 
 } // namespace
@@ -188,7 +193,7 @@ void compileMaterialToCg(const krShadingDag::ShadingNodeSpec& material, const st
 
     const krString::CString connectors =
         join({"// CONNECTORS\n//\n", kAppToVertHead, connections.appToVert, "};\n\n", kVertToFragHead,
-              completeInterpolantsGeneration(connections.vertToFragBank).view(), constantDefines});
+              completeInterpolantsGeneration(connections.vertToFragBank).view(), kPrologue});
     const FragmentSections sections = writeFragment(kCg, material, lights, connections.aliases);
 
     vertexProgram = join({connectors.view(), kVertexHead, connections.copies, kVertexTail});

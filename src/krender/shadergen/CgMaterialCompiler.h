@@ -1,20 +1,29 @@
 #pragma once
+#include <krender/Export.h>
+#include <krender/platform/String.h>
 #include <krender/shadergen/LightSpec.h>
+#include <krender/shading/ShadingNodeSpec.h>
+
+#include <vector>
 
 /// Writes the Cg vertex and fragment programs of a material.
 ///
-/// Uniform inputs (range uniform to uniform) become parameters of the fragment program. Per-vertex inputs (vertex to
-/// vertex) travel through the texture-coordinate registers: seven fit into the vertex program, and five registers, shared
-/// by component, are left between the stages. An input past that leaves a text in the program at which the target's
-/// compiler stops. Inputs of any other range are left to the material's code, as are those with the names of the standard
-/// values gWorldPos, gWorldNormal and gWorldTangent.
+/// Inputs with the range uniform to uniform become parameters of the fragment program. Inputs with the range vertex to
+/// vertex are passed from the application to the vertex program, and from there to the fragment program, in
+/// texture-coordinate registers. Inputs of any other range are left to the material's code, as are those called gWorldPos,
+/// gWorldNormal or gWorldTangent, which every program has.
 ///
-/// Each illuminance block gives way to one copy of itself a light, behind that light's code; both run in blocks of their
-/// own. A light's uniform u becomes the parameter made of the light's name and u, once for each illuminance block: a
-/// material with several takes lights without uniforms.
+/// The application has seven registers, one for each vertex input. From the eighth on, an input of a float type is 0, and
+/// one of any other type gets a text that no compiler accepts. Between the stages there are five registers, whose
+/// components the inputs share; an input that finds no room there also gets such a text.
 ///
-/// @param material         borrowed and not changed; without a body it gives programs with an empty one
-/// @param lights           in the order in which they run; null leaves the illuminance blocks as they stand, an empty list
+/// Each illuminance block is replaced by one block for each light, in which a copy of it follows the light's code. A
+/// light's uniform becomes a parameter that is called by the light's name followed by the uniform's, and is declared once
+/// for each illuminance block: a material with several can only have lights without uniforms. Illuminance blocks in the
+/// code of a light stay as they are. Blocks more than 10,000 levels deep are replaced by a text that no compiler accepts.
+///
+/// @param material         borrowed; without a body it gives a fragment program without one
+/// @param lights           in the order in which they run; null leaves the illuminance blocks as they are, an empty list
 ///                         removes them
 /// @param vertexProgram    overwritten
 /// @param fragmentProgram  overwritten

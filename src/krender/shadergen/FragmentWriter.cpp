@@ -1,8 +1,12 @@
 #include "krender/shadergen/private/FragmentWriter.h"
 
 #include "krender/shading/private/StatementPrinter.h"
+#include <krender/shading/DataType.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace
@@ -24,6 +28,9 @@ void appendUniform(std::string& out, const FragmentSpelling& spelling, std::stri
               {"\tuniform ", dataTypeName(input.dataType()), " ", prefix, input.name().view(), spelling.uniformEnd});
 }
 
+/// Blocks nested deeper are not printed: the indent makes a program's length grow with the square of its depth.
+constexpr std::size_t kDeepestBlock = 10'000;
+
 /// Prints a material's body with the lights' code in place of its illuminance blocks.
 class BodyPrinter final : public krShadingDag::StatementPrinter
 {
@@ -35,76 +42,115 @@ public:
     }
 
     /// How many illuminance blocks the lights have replaced.
-    [[nodiscard]] unsigned expansions() const noexcept { return fExpansions; }
+    [[nodiscard]] unsigned expansionCount() const noexcept { return fExpansionCount; }
 
 protected:
     void printListed(const Statement& statement) override
     {
-        if (statement.type() == StatementType::Illuminance && fExpands)
-            expand(statement);
-        else if (statement.type() == StatementType::Block)
-            printBlock([&] { print(statement.children()); });
-        else
+        if (statement.isCompound() && indent().size() >= kDeepestBlock)
+            printLiteral("BLOCKS NESTED TOO DEEP!");
+        else if (statement.type() == StatementType::Illuminance && fExpands)
         {
-            fIsOuterNext = false;
+            ++fExpansionCount;
+            fExpansions.push_back({&statement, fLights->begin(), false});
+            openNextLight();
+        }
+        else if (std::exchange(fIsFirst, false) && statement.isCompound())
+            printOuterBlock(statement);
+        else
             StatementPrinter::printListed(statement);
+    }
+
+    void printEnd(unsigned end) override
+    {
+        switch (end)
+        {
+        case kEndOfBody:
+            printLiteral(fSpelling.result);
+            return closeBlock();
+        case kEndOfLight:
+            return closeLightAndOpenMaterial();
+        case kEndOfMaterial:
+            return closeMaterial();
+        default:
+            StatementPrinter::printEnd(end);
         }
     }
 
 private:
-    /// The first statement of a body is the function's outer block, which the parser always makes.
-    template <class Content>
-    void printBlock(Content content)
+    enum OwnEnd : unsigned
     {
-        const bool isOuter = std::exchange(fIsOuterNext, false);
+        kEndOfBody = kFirstOwnEnd,
+        kEndOfLight,
+        kEndOfMaterial,
+    };
+
+    /// An illuminance block that is being replaced, and the light that it is being printed for.
+    struct Expansion
+    {
+        const Statement* illuminance;
+        std::vector<LightSpec>::const_iterator light;
+        bool isFirst; ///< whether this light's block is the body's first statement
+    };
+
+    /// The body's first statement is the function's outer block, whatever kind of compound statement it is.
+    void printOuterBlock(const Statement& statement)
+    {
+        if (!openCompound(statement))
+            return StatementPrinter::printListed(statement);
+        printLiteral(fAliases);
+        enter(statement.children(), kEndOfBody);
+    }
+
+    /// Opens the block of the next light that has code, or ends the expansion.
+    void openNextLight()
+    {
+        Expansion& expansion = fExpansions.back();
+        expansion.light = std::find_if(expansion.light, fLights->end(), hasCode);
+        if (expansion.light == fLights->end())
+            return fExpansions.pop_back();
+        const LightSpec& light = *expansion.light;
+
         openBlock();
-        if (isOuter)
+        expansion.isFirst = std::exchange(fIsFirst, false);
+        if (expansion.isFirst)
             printLiteral(fAliases);
-        content();
-        if (isOuter)
-            printLiteral(fSpelling.result);
-        closeBlock();
-        out() += '\n';
-    }
+        printLiteral(fSpelling.lightInputs);
 
-    void expand(const Statement& illuminance)
-    {
-        ++fExpansions;
-        for (const LightSpec& light : *fLights)
-        {
-            if (!hasCode(light))
-                continue;
-            printBlock(
-                [&]
-                {
-                    printLiteral(fSpelling.lightInputs);
-                    printBlock([&] { printLight(light); });
-                    printBlock(
-                        [&]
-                        {
-                            printLiteral(fSpelling.materialInputs);
-                            print(illuminance.children());
-                        });
-                });
-        }
-    }
-
-    void printLight(const LightSpec& light)
-    {
+        openBlock();
         printLiteral("\n// LIGHT-SPECIFIC UNIFORMS.\n//");
         for (const ShadingAttribute& input : light.spec->inputs())
             if (isUniform(input))
                 printAlias(light, input);
         printLiteral("\n// LIGHT-SPECIFIC ILLUMINATION COMPUTATION.");
-
-        // An illuminance block of the light's own stays: no light shines on a light, and expanding has to end.
+        // Illuminance blocks in a light's own code stay: expanding them would never end.
         fExpands = false;
-        print(light.spec->body().statement(0)->children());
-        fExpands = true;
+        enter(light.spec->body().statement(0)->children(), kEndOfLight);
+    }
 
-        for (const ShadingAttribute& input : light.spec->inputs())
+    void closeLightAndOpenMaterial()
+    {
+        fExpands = true;
+        const Expansion& expansion = fExpansions.back();
+        for (const ShadingAttribute& input : expansion.light->spec->inputs())
             if (isUniform(input) && isMacro(input))
                 printPieces({"#undef ", input.name().view()});
+        closeBlock();
+
+        openBlock();
+        printLiteral(fSpelling.materialInputs);
+        enter(expansion.illuminance->children(), kEndOfMaterial);
+    }
+
+    void closeMaterial()
+    {
+        closeBlock();
+        Expansion& expansion = fExpansions.back();
+        if (expansion.isFirst)
+            printLiteral(fSpelling.result);
+        closeBlock();
+        ++expansion.light;
+        openNextLight();
     }
 
     void printAlias(const LightSpec& light, const ShadingAttribute& input)
@@ -129,15 +175,16 @@ private:
     }
 
     const FragmentSpelling& fSpelling;
-    const std::vector<LightSpec>* fLights;
+    const std::vector<LightSpec>* fLights; ///< null: illuminance blocks stay
     std::string_view fAliases;
     std::string fLine;
-    unsigned fExpansions = 0;
+    std::vector<Expansion> fExpansions; ///< those that are open, each within the material code of the one before
+    unsigned fExpansionCount = 0;
     bool fExpands;
-    bool fIsOuterNext = true;
+    bool fIsFirst = true; ///< until the body's first statement is printed
 };
 
-/// The declarations that one illuminance block brings along.
+/// The declarations of the lights' uniforms for one illuminance block.
 std::string lightUniforms(const FragmentSpelling& spelling, const std::vector<LightSpec>& lights)
 {
     std::string uniforms;
@@ -165,8 +212,8 @@ FragmentSections writeFragment(const FragmentSpelling& spelling, const ShadingNo
     if (lights)
     {
         const std::string uniforms = lightUniforms(spelling, *lights);
-        sections.lightUniforms.reserve(uniforms.size() * printer.expansions());
-        for (unsigned i = 0; i < printer.expansions(); ++i)
+        sections.lightUniforms.reserve(uniforms.size() * printer.expansionCount());
+        for (unsigned i = 0; i < printer.expansionCount(); ++i)
             sections.lightUniforms += uniforms;
     }
     for (const ShadingAttribute& input : material.inputs())

@@ -2,6 +2,11 @@
 
 #include "krender/shadergen/private/FragmentWriter.h"
 #include <krender/shadergen/InterpolantBank.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/ShadingAttribute.h>
+
+#include <string>
+#include <string_view>
 
 namespace
 {
@@ -20,7 +25,7 @@ constexpr std::string_view kVaryings = R"(	// STANDARD PARAMETERS
 	// CUSTOM PARAMETERS
 )";
 
-/// Lets the shading language's types run unchanged. It follows the declarations, which have GLSL's own types.
+/// Maps the shading language's type names onto GLSL's. Deliberate: it follows the declarations, which have GLSL's types.
 constexpr std::string_view kPrologue = R"(
 #define matrix4 mat4
 #define matrix3 mat3

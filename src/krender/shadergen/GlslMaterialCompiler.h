@@ -1,14 +1,20 @@
 #pragma once
+#include <krender/Export.h>
+#include <krender/platform/String.h>
 #include <krender/shadergen/LightSpec.h>
+#include <krender/shading/ShadingNodeSpec.h>
 
-/// Writes the GLSL vertex and fragment programs of a material, as compileMaterialToCg does for Cg. They expect GLSL 1.20
-/// and, where the material has an input "vertex float", the word vec1 defined as float.
+#include <vector>
+
+/// Writes the GLSL vertex and fragment programs of a material, as compileMaterialToCg does for Cg. They are GLSL 1.20
+/// without a version line; a host whose materials have inputs "vertex float" also defines vec1 as float.
 ///
-/// Uniforms become global variables. A per-vertex input becomes an attribute of its name and a varying with the prefix
-/// "var_"; there is no limit to them here.
+/// Uniforms become global variables. A vertex input becomes an attribute of the same name and a varying with the prefix
+/// "var_"; the compiler sets no limit to their number. A light's uniform is copied into a variable of the light's block, a
+/// sampler, which GLSL cannot copy, is given its short name by a macro.
 ///
-/// @param material         borrowed and not changed; without a body it gives programs with an empty one
-/// @param lights           in the order in which they run; null leaves the illuminance blocks as they stand, an empty list
+/// @param material         borrowed; without a body it gives a fragment program without one
+/// @param lights           in the order in which they run; null leaves the illuminance blocks as they are, an empty list
 ///                         removes them
 /// @param vertexProgram    overwritten
 /// @param fragmentProgram  overwritten

@@ -1,4 +1,5 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/platform/String.h>
 
 #include <array>
@@ -10,18 +11,19 @@ struct KRENDER_EXPORT Interpolant
     std::array<bool, 4> isFree{true, true, true, true}; ///< x, y, z, w
     bool isReserved = false;
 
-    /// Sets the register aside for a fixed parameter that takes the components given. Nothing is allocated from it or
-    /// declared for it any more, whatever stays free.
+    /// Sets the register aside for a fixed parameter in the given components. Nothing is allocated from it or declared for
+    /// it from then on, even where components are free.
     void reserve(bool x, bool y, bool z, bool w) noexcept;
-    /// The number of free components, those of a reserved register included.
+    /// The number of free components; reserved registers may have some.
     [[nodiscard]] unsigned freeComponents() const noexcept;
 };
 
-/// The registers between two stages, handed out component by component and never given back.
+/// The registers between two stages. Values are given components of them, which they keep.
 class KRENDER_EXPORT InterpolantBank
 {
 public:
-    /// @param packing  whether several values may share one register
+    /// @param count    the number of registers, all free
+    /// @param packing  whether several values may share a register
     InterpolantBank(unsigned count, bool packing);
 
     [[nodiscard]] unsigned size() const noexcept { return static_cast<unsigned>(fInterpolants.size()); }
@@ -29,12 +31,14 @@ public:
     [[nodiscard]] const Interpolant& interpolant(unsigned i) const noexcept { return fInterpolants[i]; }
     [[nodiscard]] Interpolant& interpolant(unsigned i) noexcept { return fInterpolants[i]; }
 
-    /// Takes components from the first register that has room for a value.
-    /// @param n             the value's components, 1 to 4
-    /// @param registerText  gets the register's number, unless null; untouched on failure
-    /// @param swizzle       gets the letters of the components, unless null; untouched on failure
-    /// @return  the address for generated code, such as "3.xy"; when no register has room, ok is false and a text comes
-    ///          back that makes the failure visible in the program it is put into
+    /// Takes components from the first register that has room for a value. They need not be adjacent.
+    /// @param n             the number of components, 1 to 4. Deliberate: other numbers are not refused. With packing, 0
+    ///                      gets the address of register 0, reserved or not, and more than 4 find no room. Without it
+    ///                      they get the first free register and none or all four of its components.
+    /// @param registerText  gets the register's number, unless null; unchanged on failure
+    /// @param swizzle       gets the letters of the components, unless null; unchanged on failure
+    /// @return  the address for generated code, such as "3.xy"; when no register has room, ok is false and the address is
+    ///          a text that no compiler accepts
     [[nodiscard]] krString::CString allocateInterpolant(unsigned n, bool& ok, krString::CString* registerText,
                                                         krString::CString* swizzle);
 
@@ -43,7 +47,7 @@ private:
     bool fPacking;
 };
 
-/// The struct members that declare the bank's allocated registers, each as wide as what was taken from it, and the end of
+/// The struct members that declare the registers with allocated components, each as wide as their number, and the end of
 /// the struct.
 [[nodiscard]] KRENDER_EXPORT krString::CString completeInterpolantsGeneration(const InterpolantBank& bank);
 

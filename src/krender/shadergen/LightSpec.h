@@ -1,11 +1,12 @@
 #pragma once
+#include <krender/platform/String.h>
 #include <krender/shading/ShadingNodeSpec.h>
 
 /// One light that shines on a material.
 struct LightSpec
 {
-    /// The light function, borrowed. Null, or a function without a body, is a light that adds nothing to a program.
+    /// The light function, borrowed. A light whose function is null or has no body adds nothing to a program.
     const krShadingDag::ShadingNodeSpec* spec = nullptr;
-    /// The light's own name. It prefixes the names of the light's uniforms, so that several lights may share a function.
+    /// The light's own name, a prefix of its uniforms' names, so that several lights may have the same function.
     krString::CString name;
 };

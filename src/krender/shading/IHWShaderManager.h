@@ -1,7 +1,7 @@
 #pragma once
 #include <krender/Export.h>
 
-/// What a host hangs on a node spec to manage the shaders made from it; the spec deletes it through this destructor.
+/// Base of the objects that a host attaches to a node spec to manage the shaders made from it. The spec owns its manager.
 class KRENDER_EXPORT IHWShaderManager
 {
 public:

@@ -1,5 +1,10 @@
 #pragma once
+#include <krender/Export.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
 #include <krender/shading/TypedConstant.h>
+
+#include <cstdint>
 
 namespace krShadingDag
 {
@@ -34,13 +39,16 @@ inline constexpr CompFreqRange kFullRange{kFreqConstant, kFreqFragment};
 class KRENDER_EXPORT ShadingAttribute
 {
 public:
+    /// Nothing is set: the attribute has no name, type, range or value.
     ShadingAttribute();
-    /// The expression is the name.
+    /// A variable: its expression is its name, and without a range the range is empty.
     ShadingAttribute(const krString::CString& name, DataType type);
     ShadingAttribute(const krString::CString& name, DataType type, const CompFreqRange& range);
+    /// A constant, see setConstant().
     explicit ShadingAttribute(const TypedConstant& constant);
-    /// A named constant; the expression is the constant's text.
+    /// A constant with a name; the expression is the constant's text.
     ShadingAttribute(const krString::CString& name, const TypedConstant& constant);
+    /// The copy of a constant has the type of its value, whatever setDataType() has set.
     ShadingAttribute(const ShadingAttribute& other);
     /// Copies the attribute pointed to; null is the caller's fault.
     explicit ShadingAttribute(const ShadingAttribute* other);
@@ -52,14 +60,14 @@ public:
     [[nodiscard]] const CompFreqRange& range() const noexcept { return fRange; }
     /// The text that stands for the attribute in generated code.
     [[nodiscard]] const krString::CString& expression() const noexcept { return fExpression; }
-    /// A copy of the value; without one unless the attribute is a constant.
+    /// A copy of the value, which is of the invalid type unless the attribute is a constant.
     [[nodiscard]] TypedConstant typedConstant() const { return fValue; }
-    /// Whether the range is exactly "constant" and there is a value.
+    /// Whether the range is exactly constant to constant and there is a value.
     [[nodiscard]] bool isConstant() const noexcept;
-    /// Whether the attribute can be used: a constant whose value is of its type, or a named variable with a type.
+    /// Whether this is a constant with a value of its type, or a variable with a name and a type.
     [[nodiscard]] bool isValid() const noexcept;
 
-    /// Becomes the constant; name and expression are the constant's text.
+    /// Makes this the constant; name and expression become the constant's text.
     void setConstant(const TypedConstant& constant);
     void setDataType(DataType type) noexcept { fDataType = type; }
 

@@ -4,6 +4,9 @@
 #include <krender/shading/Statement.h>
 
 #include <algorithm>
+#include <string>
+#include <tuple>
+#include <utility>
 
 namespace krShadingDag
 {
@@ -11,15 +14,15 @@ namespace krShadingDag
 namespace
 {
 
-/// What look-ups answer that find nothing.
+/// What look-ups by name return when they find nothing.
 const ShadingAttribute& defaultAttribute()
 {
     static const ShadingAttribute attribute;
     return attribute;
 }
 
-/// Built with the library, so that its instance is counted from the start.
-[[maybe_unused]] const ShadingAttribute& defaultAttributeMade = defaultAttribute();
+/// Makes it at load time, so that its instance is counted from the start.
+[[maybe_unused]] const ShadingAttribute& gDefaultAttribute = defaultAttribute();
 
 ShadingNodeSpec::Attributes::const_iterator findByName(const ShadingNodeSpec::Attributes& attributes,
                                                        const krString::CString& name)
@@ -82,7 +85,8 @@ const ShadingAttribute& ShadingNodeSpec::output(const krString::CString& name, b
 
 const ShadingAttribute& ShadingNodeSpec::input(unsigned i) const
 {
-    return i < fInputs.size() ? fInputs[i] : defaultAttribute();
+    static const ShadingAttribute missing;
+    return i < fInputs.size() ? fInputs[i] : missing;
 }
 
 unsigned ShadingNodeSpec::getOffsetOfInput(const krString::CString& name, bool) const
@@ -129,26 +133,28 @@ bool ShadingNodeSpec::matchArguments(const Arguments& candidates) const { return
 ShadingAttribute& ShadingNodeSpec::addInput(DataType type, const krString::CString& name, const CompFreqRange& range)
 {
     const bool taken = findByName(fInputs, name) != fInputs.end();
-    appendInput(ShadingAttribute(name, type, range));
-    if (taken)
-        verifyAlways(false, krString::plus("input variable already exists: ", name));
+    appendInput(name, type, range);
+    if (taken) // the name may have been that of an input, which has moved
+        verifyAlways(false, krString::plus("input variable already exists: ", fInputs.back().name()));
     return fInputs.back();
 }
 
 ShadingAttribute& ShadingNodeSpec::addOutput(DataType type, const krString::CString& name, const CompFreqRange& range)
 {
-    appendOutput(ShadingAttribute(name, type, range));
+    appendOutput(name, type, range);
     return fOutputs.back();
 }
 
-void ShadingNodeSpec::appendInput(const ShadingAttribute& attribute)
+void ShadingNodeSpec::appendInput(const krString::CString& name, DataType type, const CompFreqRange& range)
 {
+    const ShadingAttribute attribute(name, type, range);
     fInputs.push_back(attribute);
     fArguments.emplace_back(kInput, attribute);
 }
 
-void ShadingNodeSpec::appendOutput(const ShadingAttribute& attribute)
+void ShadingNodeSpec::appendOutput(const krString::CString& name, DataType type, const CompFreqRange& range)
 {
+    const ShadingAttribute attribute(name, type, range);
     fOutputs.push_back(attribute);
     if (krString::notEqual(attribute.name(), "output"))
         fArguments.emplace_back(kOutput, attribute);
@@ -167,8 +173,11 @@ void ShadingNodeSpec::updateIlluminanceLoopFlag()
 
 void ShadingNodeSpec::assignShaderManager(IHWShaderManager* manager)
 {
-    if (manager != fShaderManager.get())
-        fShaderManager.reset(manager);
+    if (manager == fShaderManager.get())
+        return;
+    std::unique_ptr<IHWShaderManager> adopted(manager);
+    fShaderManager.reset();
+    fShaderManager = std::move(adopted);
 }
 
 void ShadingNodeSpec::releaseShaderManager() { fShaderManager.reset(); }
@@ -191,9 +200,9 @@ void ShadingNodeSpec::cloneFrom(const ShadingNodeSpec& other)
     fSecondName = other.fSecondName;
     fNodeType = other.fNodeType;
     for (const ShadingAttribute& attribute : other.fInputs)
-        appendInput(attribute);
+        appendInput(attribute.name(), attribute.dataType(), attribute.range());
     for (const ShadingAttribute& attribute : other.fOutputs)
-        appendOutput(attribute);
+        appendOutput(attribute.name(), attribute.dataType(), attribute.range());
     fBody.cloneFrom(other.fBody);
 }
 
@@ -233,7 +242,7 @@ ShadingNodeSpec* ShadingNodeSpec::addToLibrary()
 
 void ShadingNodeSpec::clearLibrary()
 {
-    // Taken out first: a manager that is destroyed along may look into the library.
+    // Emptied first: a manager that ends with its spec may look into the library.
     const Library library = std::exchange(fLibrary, {});
     for (const auto& [name, spec] : library)
         delete spec;

@@ -1,9 +1,13 @@
 #pragma once
+#include <krender/Export.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
 #include <krender/shading/FunctionType.h>
 #include <krender/shading/IHWShaderManager.h>
 #include <krender/shading/ShadingAttribute.h>
 #include <krender/shading/StatementCompound.h>
 
+#include <cstdint>
 #include <list>
 #include <map>
 #include <memory>
@@ -13,7 +17,7 @@
 namespace krShadingDag
 {
 
-/// What a spec is, and the role of an argument.
+/// The kind of a spec, or the role of an argument.
 enum NodeType : std::uint32_t
 {
     kGenerated = 0,   ///< a spec made by the compilers
@@ -44,13 +48,13 @@ public:
     ~ShadingNodeSpec();
 
     [[nodiscard]] const krString::CString& name() const noexcept { return fName; }
-    /// A second name, for the host; copied along with the first, and filled by nothing here.
+    /// A second name for the host to use. The library only copies it along with the first.
     [[nodiscard]] const krString::CString& secondName() const noexcept { return fSecondName; }
-    /// A mark for the host; nothing here looks at it.
+    /// A flag for the host to use.
     [[nodiscard]] bool hostFlag() const noexcept { return fHostFlag; }
     [[nodiscard]] const FunctionType& functionType() const noexcept { return fFunctionType; }
     [[nodiscard]] NodeType nodeType() const noexcept { return fNodeType; }
-    /// Whether the body held an illuminance block when updateIlluminanceLoopFlag() last looked.
+    /// Whether the body had an illuminance block at the last updateIlluminanceLoopFlag().
     [[nodiscard]] bool hasIlluminanceLoop() const noexcept { return fHasIlluminanceLoop; }
     [[nodiscard]] const Attributes& inputs() const noexcept { return fInputs; }
     [[nodiscard]] Attributes& inputs() noexcept { return fInputs; }
@@ -58,25 +62,25 @@ public:
     [[nodiscard]] Attributes& outputs() noexcept { return fOutputs; }
     [[nodiscard]] const Attributes& constants() const noexcept { return fConstants; }
     [[nodiscard]] Attributes& constants() noexcept { return fConstants; }
-    /// Inputs and outputs in the order of their declaration, each with its role; the return value is not among them.
+    /// Inputs and outputs in the order in which they were added, each with its role, but without the return value.
     [[nodiscard]] const Arguments& arguments() const noexcept { return fArguments; }
     [[nodiscard]] Arguments& arguments() noexcept { return fArguments; }
     [[nodiscard]] const StatementCompound& body() const noexcept { return fBody; }
     [[nodiscard]] StatementCompound& body() noexcept { return fBody; }
 
-    /// The first attribute of that name; when there is none, found is false and an empty attribute comes back.
+    /// The first attribute of that name; when there is none, found is false and a default attribute comes back.
     [[nodiscard]] const ShadingAttribute& input(const krString::CString& name, bool& found) const;
     [[nodiscard]] const ShadingAttribute& output(const krString::CString& name, bool& found) const;
-    /// The i-th input, or an empty attribute when there are fewer.
+    /// The i-th input, or a default attribute when there are fewer.
     [[nodiscard]] const ShadingAttribute& input(unsigned i) const;
-    /// The place of the first input of that name, 0xFFFFFFFF when there is none. The flag is not consulted.
+    /// The index of the first input of that name, 0xFFFFFFFF when there is none. The flag is ignored.
     [[nodiscard]] unsigned getOffsetOfInput(const krString::CString& name, bool flag) const;
     [[nodiscard]] unsigned numInputs(DataType type) const;
     [[nodiscard]] unsigned numSamplerInputs() const;
-    /// The header as a person reads it: name, roles, frequencies and types of the arguments.
+    /// The function's header, printed: its name, and role, lowest frequency, type and name of each argument.
     [[nodiscard]] krString::CString functionHeaderString() const;
-    /// Whether the candidates are as many as this spec's arguments and of the same types, in order; names, roles and
-    /// frequencies are not compared, and nothing is converted.
+    /// Whether there are as many candidates as arguments, of the same types in the same order. Names, roles and
+    /// frequencies are not compared, and no type is converted.
     [[nodiscard]] bool matchArguments(const Attributes& candidates) const;
     [[nodiscard]] bool matchArguments(const Arguments& candidates) const;
 
@@ -85,13 +89,15 @@ public:
     void setHostFlag(bool flag) noexcept { fHostFlag = flag; }
     void setFunctionType(const FunctionType& type) noexcept { fFunctionType = type; }
     void setNodeType(NodeType nodeType) noexcept { fNodeType = nodeType; }
-    /// Appends an input, which is an argument too. One whose name is taken is added as well, and then an Exception of
-    /// type 0 is thrown.
+    /// Appends an input, also to the arguments. Deliberate: when there is an input of that name already, this one is still
+    /// added before an Exception of type kVerificationFailed is thrown.
+    /// @return  the new input, valid until another is added
     ShadingAttribute& addInput(DataType type, const krString::CString& name, const CompFreqRange& range);
-    /// Appends an output. The one named "output" is the return value and no argument.
+    /// Appends an output, also to the arguments unless its name is "output", which makes it the return value.
+    /// @return  the new output, valid until another is added
     ShadingAttribute& addOutput(DataType type, const krString::CString& name, const CompFreqRange& range);
 
-    // All three append an empty statement to the body.
+    // All three append a cleared statement to the body and return it; the body owns it.
     Statement* createPrologStatement();
     Statement* createStatementInCurrentScope();
     Statement* createPrefixStatement();
@@ -99,28 +105,33 @@ public:
 
     /// The host's shader manager, owned by the spec; null when there is none.
     [[nodiscard]] IHWShaderManager* shaderManager() const noexcept { return fShaderManager.get(); }
-    /// Adopts a manager and deletes the one before.
+    /// Deletes the manager that the spec has, then adopts this one; null leaves it without one. When the spec has this one
+    /// already, nothing happens.
     void assignShaderManager(IHWShaderManager* manager);
+    /// Deletes the manager.
     void releaseShaderManager();
 
-    /// Empties inputs, outputs, arguments and body and releases the manager; name, kinds, constants and flags stay.
+    /// Empties inputs, outputs, arguments and body and deletes the manager; names, types, constants and flags stay.
     void reset();
-    /// Becomes a copy of another spec's name, node type, arguments and body. Function type, constants, illuminance flag
-    /// and manager stay this spec's own: a library entry keeps them when a source is read again.
+    /// Resets this spec, then copies another's names, node type and body, and makes its inputs and then its outputs anew
+    /// from their names, types and ranges. Deliberate: function type, constants and flags stay this spec's own, and the
+    /// manager is not copied, so addToLibrary() leaves a registered spec these. Given itself, nothing changes.
     void cloneFrom(const ShadingNodeSpec& other);
 
-    // The process-wide library. It owns the specs in it; equal names keep the order of their registration.
+    // The process-wide library. It owns the specs in it; those of equal names are in the order of their registration.
 
-    /// The range of specs of exactly that name.
+    /// The range of the specs of exactly that name.
     static void findSpecsInLibrary(const krString::CString& name, Library::iterator& first, Library::iterator& last);
-    /// The first spec whose name is not less than the one asked for: a missing name yields its successor, so callers
-    /// that need the exact name compare it. Null when there is no such spec.
+    /// The first spec whose name is not less than this one, null when there is none. Deliberate: where no spec has the
+    /// name, the next name's spec comes back, so callers that need the exact name compare it.
     [[nodiscard]] static ShadingNodeSpec* findSpecInLibrary(const krString::CString& name);
     /// The first registered spec of that name whose arguments match; null when none does.
     [[nodiscard]] static ShadingNodeSpec* findSpecInLibrary(const krString::CString& name, const Attributes& arguments);
     [[nodiscard]] static ShadingNodeSpec* findSpecInLibrary(const krString::CString& name, const Arguments& arguments);
-    /// Registers this spec. When one of the same name and argument types is there, this spec is copied into it and that
-    /// one comes back; this one then stays the caller's. Otherwise the library adopts this spec and it comes back.
+    /// Registers this spec: the library adopts it and updates its illuminance flag. When a spec of the same name and
+    /// argument types is registered already, this one is copied into that one and stays the caller's. Deliberate: the
+    /// flag of the registered spec is not updated then.
+    /// @return  the registered spec
     ShadingNodeSpec* addToLibrary();
     /// Destroys all registered specs.
     static void clearLibrary();
@@ -130,8 +141,8 @@ public:
     static std::int32_t fsNumInstances_ShadingNodeSpec;
 
 private:
-    void appendInput(const ShadingAttribute& attribute);
-    void appendOutput(const ShadingAttribute& attribute);
+    void appendInput(const krString::CString& name, DataType type, const CompFreqRange& range);
+    void appendOutput(const krString::CString& name, DataType type, const CompFreqRange& range);
 
     krString::CString fName;
     krString::CString fSecondName;

@@ -1,8 +1,10 @@
 #include <krender/shading/Statement.h>
 
 #include "krender/shading/private/StatementPrinter.h"
+#include <krender/core/Exception.h>
 #include <krender/shading/Tokenizer.h>
 
+#include <string>
 #include <utility>
 
 namespace krShadingDag
@@ -17,16 +19,28 @@ const krString::CString& invalidText()
     return text;
 }
 
+/// Reads the next token; false when the text ends before it does.
+bool readToken(Tokenizer& tokenizer, Token& token)
+{
+    try
+    {
+        tokenizer.nextToken(&token);
+        return token.type != TokenType::EndOfStream;
+    }
+    catch (const Exception&)
+    {
+        return false;
+    }
+}
+
 /// The tokens of a source text without comments, placed where the text stood in its source.
 std::vector<Token> tokensOf(const krString::CString& text, const FileLocation& location, std::uint64_t position)
 {
     Tokenizer tokenizer;
     tokenizer.openString(text);
     std::vector<Token> tokens;
-    while (tokenizer.position() < text.length())
+    for (Token token; readToken(tokenizer, token); token = Token())
     {
-        Token token;
-        tokenizer.nextToken(&token);
         if (token.type == TokenType::Comment)
             continue;
         if (token.line == 1)
@@ -38,6 +52,26 @@ std::vector<Token> tokensOf(const krString::CString& text, const FileLocation& l
     return tokens;
 }
 
+/// The tokens between an if statement's "if (" and its ")".
+std::vector<Token> conditionOf(std::vector<Token> tokens)
+{
+    if (tokens.size() < 3)
+        return {};
+    tokens.pop_back();
+    tokens.erase(tokens.begin(), tokens.begin() + 2);
+    return tokens;
+}
+
+/// The tokens of a statement without its ";". Deliberate: the first stands there twice.
+std::vector<Token> opaqueTokensOf(std::vector<Token> tokens)
+{
+    if (!tokens.empty() && tokens.back().type == TokenType::Semicolon)
+        tokens.pop_back();
+    if (!tokens.empty())
+        tokens.insert(tokens.begin(), Token(tokens.front()));
+    return tokens;
+}
+
 } // namespace
 
 Statement::Statement() : fText(invalidText()) {}
@@ -46,25 +80,13 @@ Statement::~Statement() = default;
 
 const std::vector<Token>& Statement::tokens() const
 {
-    if (!fTokens)
+    if (fOrigin)
     {
-        std::vector<Token> tokens;
-        if (fOrigin)
-        {
-            tokens = tokensOf(fText, fOrigin->location, fOrigin->position);
-            if (fType == StatementType::If)
-                tokens = {tokens.begin() + 2, tokens.end() - 1};
-            else if (tokens.size() == 1)
-                tokens.clear(); // a lone ";"
-            else
-            {
-                tokens.pop_back();
-                tokens.insert(tokens.begin(), tokens.front());
-            }
-        }
-        fTokens = std::make_unique<const std::vector<Token>>(std::move(tokens));
+        std::vector<Token> tokens = tokensOf(fText, fOrigin->location, fOrigin->position);
+        fTokens = fOrigin->isCondition ? conditionOf(std::move(tokens)) : opaqueTokensOf(std::move(tokens));
+        fOrigin.reset();
     }
-    return *fTokens;
+    return fTokens;
 }
 
 krString::CString Statement::toString(const krString::CString& indent, const krString::CString& step) const
@@ -78,14 +100,19 @@ void Statement::setText(krString::CString text, bool isLiteral)
 {
     fText = std::move(text);
     fIsLiteral = isLiteral;
-    fOrigin.reset();
-    fTokens.reset();
+    setTokens({});
 }
 
 void Statement::setSourceText(krString::CString text, const FileLocation& location, std::uint64_t position)
 {
     setText(std::move(text), true);
-    fOrigin = Origin{location, position};
+    fOrigin = Origin{fType == StatementType::If, location, position};
+}
+
+void Statement::setTokens(std::vector<Token> tokens) noexcept
+{
+    fTokens = std::move(tokens);
+    fOrigin.reset();
 }
 
 void Statement::clear()
@@ -100,11 +127,21 @@ void Statement::cloneFrom(const Statement& other)
 {
     if (this == &other)
         return;
-    clear();
+    StatementCompound copies;
+    copies.appendCopies(other.fChildren);
+    copyAllButChildren(other);
+    fParent = nullptr;
+    fChildren.clear(); // destroys other when it stands below
+    fChildren.takeAll(copies);
+}
+
+void Statement::copyAllButChildren(const Statement& other)
+{
     fType = other.fType;
-    setText(other.fText, other.fIsLiteral);
+    fIsLiteral = other.fIsLiteral;
+    fText = other.fText;
     fOrigin = other.fOrigin;
-    fChildren.cloneFrom(other.fChildren);
+    fTokens = other.fTokens;
 }
 
 krString::CString indent(const krString::CString& text, const krString::CString& prefix)

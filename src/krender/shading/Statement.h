@@ -1,17 +1,24 @@
 #pragma once
+#include <krender/Export.h>
+#include <krender/platform/String.h>
 #include <krender/shading/StatementCompound.h>
 #include <krender/shading/Token.h>
 
+#include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace krShadingDag
 {
 
-/// One statement of a function body. Statements are not interpreted: they carry text that is printed again.
+/// One statement of a function body. Statements are not interpreted: apart from their type they are text, to be printed.
+///
+/// A tree may have any depth: it is copied, searched, printed and destroyed without recursion. Nothing here throws unless
+/// memory runs out.
 class KRENDER_EXPORT Statement
 {
 public:
-    /// An empty statement: invalid, and printed as such.
+    /// A cleared statement, see clear().
     Statement();
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
@@ -19,53 +26,68 @@ public:
 
     [[nodiscard]] StatementType type() const noexcept { return fType; }
     [[nodiscard]] bool isCompound() const noexcept { return fType > StatementType::Literal; }
-    /// The statements below a compound one; empty for all others.
+    /// The statements that a compound one holds; empty for all others.
     [[nodiscard]] const StatementCompound& children() const noexcept { return fChildren; }
     [[nodiscard]] StatementCompound& children() noexcept { return fChildren; }
     /// The list that holds this statement, or null.
     [[nodiscard]] StatementCompound* parent() const noexcept { return fParent; }
     [[nodiscard]] bool hasParent() const noexcept { return fParent != nullptr; }
     [[nodiscard]] const krString::CString& text() const noexcept { return fText; }
-    /// Whether the text is printed verbatim: generated lines, and what the parser kept of a source.
+    /// Whether the text is the whole statement, as in generated lines and in what the parser has read. Printing ignores it.
     [[nodiscard]] bool isLiteral() const noexcept { return fIsLiteral; }
-    /// The tokens of a source statement, made from its text when first asked for. An opaque statement's list holds its
-    /// first token twice and not its ";"; an if statement's list holds the condition without the parentheses.
+    /// The tokens set by setTokens() or setSourceText(), whichever was last; none after setText(). The reference is valid
+    /// until text or tokens are set.
     [[nodiscard]] const std::vector<Token>& tokens() const;
     /// The statement as source text, without a line break at its end.
     [[nodiscard]] krString::CString toString(const krString::CString& indent, const krString::CString& step) const;
 
+    /// Text and tokens stay as they are.
     void setType(StatementType type) noexcept { fType = type; }
     void setParent(StatementCompound* parent) noexcept { fParent = parent; }
-    /// Sets text that is no piece of a source; the statement then has no tokens.
+    /// Sets the text, and leaves the statement without tokens.
     void setText(krString::CString text, bool isLiteral);
-    /// Keeps a piece of source verbatim: an opaque statement through its ";", or an if through the ")" of its condition.
-    /// @param first  where the text's first token stands
+    /// Keeps a piece of source verbatim and gives the statement its tokens, without comments. If the type is If at the time
+    /// of the call, these are the condition's: all but the first two and the last. For any other type they are all but the
+    /// ";" at the end; deliberately, the first one is there twice, and a lone ";" gives none. A token that is cut off by
+    /// the end of the text is left out.
+    /// @param location  where the text begins in its source; the tokens' lines and columns count from there
+    /// @param position  the byte index of that place
     void setSourceText(krString::CString text, const FileLocation& location, std::uint64_t position);
-    /// Back to the empty statement; destroys what is below and leaves the parent.
+    /// Gives the statement tokens, which it has until its text is set.
+    void setTokens(std::vector<Token> tokens) noexcept;
+    /// Destroys the children and makes this an invalid statement with the text "!!!INVALID!!!\n" and without tokens or
+    /// parent. A list that holds the statement keeps it.
     void clear();
-    /// Becomes a deep copy of another statement, without a parent.
+    /// Makes this a deep copy of another statement, but without a parent. The other may be below or above this one in the
+    /// same tree; if it is this one, nothing changes.
     void cloneFrom(const Statement& other);
 
 private:
-    /// Where a source text began, to number its tokens by.
+    friend class StatementCompound;
+
+    /// Which tokens of a source text are the statement's, and where the text began.
     struct Origin
     {
+        bool isCondition;
         FileLocation location;
         std::uint64_t position;
     };
+
+    void copyAllButChildren(const Statement& other);
 
     StatementType fType = StatementType::Invalid;
     bool fIsLiteral = false;
     StatementCompound fChildren;
     StatementCompound* fParent = nullptr;
     krString::CString fText;
-    std::optional<Origin> fOrigin;
-    mutable std::unique_ptr<const std::vector<Token>> fTokens;
+    // Few source statements are asked for their tokens, so these are made on demand; until then there is an origin.
+    mutable std::optional<Origin> fOrigin;
+    mutable std::vector<Token> fTokens;
 };
 
-/// Indents a block of text afresh: drops up to as many blanks from each line as the first line begins with, and puts the
-/// prefix before the first other character of each line. Deeper indentation therefore comes out before the prefix and
-/// blank lines get none; generated programs are laid out by that. A text of blanks alone gives an empty text.
+/// Indents a block of text anew. Each line loses the blanks and tabs at its start, though no more of them than the first
+/// line has, and gets the prefix before its first other character. Deliberate: blanks that remain come before the prefix,
+/// and blank lines get no prefix. A text of nothing but blanks and tabs gives an empty text.
 [[nodiscard]] KRENDER_EXPORT krString::CString indent(const krString::CString& text, const krString::CString& prefix);
 
 } // namespace krShadingDag

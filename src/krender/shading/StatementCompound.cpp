@@ -1,9 +1,12 @@
 #include <krender/shading/StatementCompound.h>
 
 #include "krender/shading/private/StatementPrinter.h"
+#include <krender/shading/Statement.h>
 
 #include <algorithm>
-#include <iterator>
+#include <cstddef>
+#include <string>
+#include <utility>
 
 namespace krShadingDag
 {
@@ -20,16 +23,27 @@ unsigned StatementCompound::findIndex(const Statement* s, bool& found) const noe
     return found ? static_cast<unsigned>(place - fStatements.begin()) : 0;
 }
 
-Statement* StatementCompound::findStatement(StatementType type) const noexcept
+Statement* StatementCompound::findStatement(StatementType type) const
 {
-    for (const std::unique_ptr<Statement>& child : fStatements)
+    struct Place
     {
-        if (child->type() == type)
-            return child.get();
-        if (!child->isCompound())
+        const StatementCompound* list;
+        unsigned next;
+    };
+    std::vector<Place> path{{this, 0}};
+    while (!path.empty())
+    {
+        Place& place = path.back();
+        if (place.next == place.list->size())
+        {
+            path.pop_back();
             continue;
-        if (Statement* below = child->children().findStatement(type))
-            return below;
+        }
+        Statement* const candidate = place.list->statement(place.next++);
+        if (candidate->type() == type)
+            return candidate;
+        if (candidate->isCompound() && !candidate->children().empty())
+            path.push_back({&candidate->children(), 0});
     }
     return nullptr;
 }
@@ -75,22 +89,57 @@ Statement* StatementCompound::appendLiteralStatement(const krString::CString& te
 
 Statement* StatementCompound::appendStatementsFrom(const StatementCompound& other)
 {
+    StatementCompound copies; // complete before this list changes, which other may be a part of
+    copies.appendCopies(other);
     const std::size_t first = fStatements.size();
-    const std::size_t added = other.fStatements.size(); // fixed before copying: the other list may be this one
-    fStatements.reserve(first + added);
-    for (std::size_t i = 0; i < added; ++i)
-        appendStatement(nullptr)->cloneFrom(*other.fStatements[i]);
-    for (std::size_t i = first; i < fStatements.size(); ++i)
-        fStatements[i]->setParent(this);
-    return added > 0 ? fStatements[first].get() : nullptr;
+    takeAll(copies);
+    return first < fStatements.size() ? fStatements[first].get() : nullptr;
 }
 
 void StatementCompound::cloneFrom(const StatementCompound& other)
 {
     if (this == &other)
         return;
-    clear();
-    appendStatementsFrom(other);
+    StatementCompound copies;
+    copies.appendCopies(other);
+    clear(); // destroys other when it stands below
+    takeAll(copies);
+}
+
+/// Appends deep copies of the statements of a list outside this tree.
+void StatementCompound::appendCopies(const StatementCompound& source)
+{
+    struct Pair
+    {
+        const StatementCompound* from;
+        StatementCompound* to;
+    };
+    std::vector<Pair> pending{{&source, this}};
+    while (!pending.empty())
+    {
+        const auto [from, to] = pending.back();
+        pending.pop_back();
+        to->fStatements.reserve(to->size() + from->size());
+        for (const std::unique_ptr<Statement>& original : from->fStatements)
+        {
+            Statement* const copy = to->appendStatement(nullptr);
+            copy->copyAllButChildren(*original);
+            if (!original->children().empty())
+                pending.push_back({&original->children(), &copy->children()});
+        }
+    }
+}
+
+/// Moves the statements of another list to the end of this one.
+void StatementCompound::takeAll(StatementCompound& from)
+{
+    fStatements.reserve(fStatements.size() + from.fStatements.size());
+    for (std::unique_ptr<Statement>& statement : from.fStatements)
+    {
+        statement->setParent(this);
+        fStatements.push_back(std::move(statement));
+    }
+    from.fStatements.clear();
 }
 
 bool StatementCompound::removeStatements(unsigned first, unsigned last)
@@ -113,23 +162,32 @@ bool StatementCompound::removeStatement(const Statement* s)
 
 void StatementCompound::clear() noexcept
 {
-    // Trees are taken apart level by level, so that deep ones do not end in deep recursion.
-    std::vector<std::unique_ptr<Statement>> pending;
-    const auto takeChildren = [&pending](Statement& statement)
+    // Trees may be deep, so this must not recurse, and it must not fail, so it cannot allocate a stack. The way back up is
+    // kept in the tree: on the way down into a statement's children, the statement is taken out of its list and given that
+    // list to keep, and the slot that it leaves in the list holds the statement above.
+    using List = std::vector<std::unique_ptr<Statement>>;
+    List list = std::move(fStatements);
+    std::unique_ptr<Statement> above;
+    while (above || !list.empty())
     {
-        auto& below = statement.children().fStatements;
-        pending.insert(pending.end(), std::make_move_iterator(below.begin()), std::make_move_iterator(below.end()));
-        below.clear();
-    };
-    for (const std::unique_ptr<Statement>& statement : fStatements)
-        takeChildren(*statement);
-    fStatements.clear();
-    while (!pending.empty())
-    {
-        const std::unique_ptr<Statement> statement = std::move(pending.back());
-        pending.pop_back();
-        takeChildren(*statement);
+        if (list.empty())
+        {
+            const std::unique_ptr<Statement> done = std::move(above);
+            list = std::move(done->fChildren.fStatements);
+            above = std::move(list.back());
+            list.pop_back();
+        }
+        else if (list.back()->fChildren.empty())
+            list.pop_back();
+        else
+        {
+            List below = std::move(list.back()->fChildren.fStatements);
+            std::swap(above, list.back());
+            above->fChildren.fStatements = std::move(list);
+            list = std::move(below);
+        }
     }
+    fStatements = std::move(list);
 }
 
 } // namespace krShadingDag

@@ -1,6 +1,7 @@
 #include "krender/shading/private/StatementPrinter.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace krShadingDag
 {
@@ -12,24 +13,41 @@ StatementPrinter::StatementPrinter(std::string& out, std::string_view indent, st
 
 void StatementPrinter::print(const StatementCompound& list)
 {
-    for (unsigned i = 0; i < list.size(); ++i)
-        printListed(*list.statement(i));
+    enter(list, kNothing);
+    printPath();
 }
 
 void StatementPrinter::print(const Statement& statement)
 {
+    printListed(statement);
+    printPath();
+    fOut.pop_back();
+}
+
+void StatementPrinter::printPath()
+{
+    while (!fPath.empty())
+    {
+        Place& place = fPath.back();
+        if (place.next < place.list->size())
+        {
+            printListed(*place.list->statement(place.next++));
+            continue;
+        }
+        const unsigned end = place.end;
+        fPath.pop_back();
+        printEnd(end);
+    }
+}
+
+void StatementPrinter::printListed(const Statement& statement)
+{
     if (!statement.isCompound())
-    {
-        appendIndented(fOut, statement.text().view(), fIndent);
-        return;
-    }
-    if (!openCompound(statement))
-    {
-        fOut.append("UNRECOGNIZED COMPOUND TYPE!!!");
-        return;
-    }
-    print(statement.children());
-    closeBlock();
+        printLiteral(statement.text().view());
+    else if (openCompound(statement))
+        enter(statement.children(), kClosingBrace);
+    else
+        fOut.append("UNRECOGNIZED COMPOUND TYPE!!!\n");
 }
 
 bool StatementPrinter::openCompound(const Statement& statement)
@@ -41,15 +59,14 @@ bool StatementPrinter::openCompound(const Statement& statement)
         openBlock();
         return true;
     case StatementType::If:
-        appendIndented(fOut, statement.text().view(), fIndent);
-        fOut += '\n';
+        printLiteral(statement.text().view());
         openBlock();
         return true;
     case StatementType::Block:
         openBlock();
         return true;
     case StatementType::Else:
-        // No line break after this brace: hosts compare and cache programs by their text, which always had it so.
+        // Deliberate: no line break after this brace, so the first line of the block follows it.
         fOut.append(fIndent).append("else\n");
         openLevel("{");
         return true;
@@ -59,13 +76,13 @@ bool StatementPrinter::openCompound(const Statement& statement)
     case StatementType::Literal:
         break;
     }
-    return false; // a value outside the enumeration, which numbering keeps room for
+    return false;
 }
 
-void StatementPrinter::printListed(const Statement& statement)
+void StatementPrinter::printEnd(unsigned end)
 {
-    print(statement);
-    fOut += '\n';
+    if (end == kClosingBrace)
+        closeBlock();
 }
 
 void StatementPrinter::printLiteral(std::string_view text)
@@ -79,7 +96,7 @@ void StatementPrinter::openBlock() { openLevel("{\n"); }
 void StatementPrinter::closeBlock()
 {
     fIndent.resize(fIndent.size() - fStep.size());
-    fOut.append(fIndent).append("}");
+    fOut.append(fIndent).append("}\n");
 }
 
 void StatementPrinter::openLevel(std::string_view brace)
@@ -94,8 +111,6 @@ void appendIndented(std::string& out, std::string_view text, std::string_view pr
     std::size_t base = 0;
     while (base < text.size() && isBlank(text[base]))
         ++base;
-    if (base == text.size())
-        return;
 
     std::size_t i = base;
     std::size_t blanks = 0; // leading ones of this line; the first line's were skipped above

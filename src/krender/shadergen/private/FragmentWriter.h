@@ -1,19 +1,23 @@
 #pragma once
+#include <krender/platform/String.h>
 #include <krender/shadergen/LightSpec.h>
+#include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/ShadingNodeSpec.h>
 
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
-/// How a target spells what the fragment programs of both have in common.
+/// How a target spells what the fragment programs of all targets have in common.
 struct FragmentSpelling
 {
-    std::string_view lightInputs;    ///< declares what a light's code writes
-    std::string_view materialInputs; ///< hands it on to the copy of the illuminance block
+    std::string_view lightInputs;    ///< declares the variables that a light's code sets
+    std::string_view materialInputs; ///< passes them on to the copy of the illuminance block
     std::string_view result;         ///< the last statement of the program
     std::string_view uniformEnd;     ///< ends the declaration of a uniform
     bool lightCommentNamesFunction;
-    bool samplerAliasIsMacro; ///< samplers cannot be copied into a variable
+    bool samplerAliasIsMacro; ///< for a target in which samplers cannot be copied into variables
 };
 
 /// The parts of a fragment program that depend on its material and lights.
@@ -24,16 +28,16 @@ struct FragmentSections
     std::string body;
 };
 
-/// Writes the sections.
-/// @param aliases  the declarations that the program's outer block begins with
+/// @param lights   null leaves the illuminance blocks as they are
+/// @param aliases  the declarations at the start of the program's outer block
 [[nodiscard]] FragmentSections writeFragment(const FragmentSpelling& spelling,
                                              const krShadingDag::ShadingNodeSpec& material,
                                              const std::vector<LightSpec>* lights, std::string_view aliases);
 
-/// Whether every program has the value of that name anyway, so that no input of a material declares it.
+/// Whether every program has a value of that name, so that a material's input of the name is not declared.
 [[nodiscard]] bool isStandardValue(const krString::CString& name) noexcept;
 
-/// Calls the visitor with each input that the programs carry from the vertex to the fragment stage, in order.
+/// Calls the visitor with each input that is passed from the vertex to the fragment program, in order.
 template <class Visitor>
 void forEachVertexInput(const krShadingDag::ShadingNodeSpec& material, Visitor visit)
 {
@@ -45,5 +49,5 @@ void forEachVertexInput(const krShadingDag::ShadingNodeSpec& material, Visitor v
 /// Appends the pieces in order.
 void appendAll(std::string& out, std::initializer_list<std::string_view> pieces);
 
-/// The pieces as one text, allocated once.
+/// The pieces in order, as one text.
 [[nodiscard]] krString::CString join(std::initializer_list<std::string_view> pieces);

@@ -3,16 +3,12 @@
 #include <krender/shading/Statement.h>
 
 #include <initializer_list>
-#include <set>
-
-namespace plain
-{
-
-namespace
-{
 
 using krString::CString;
 using namespace krShadingDag;
+
+namespace
+{
 
 CString text(std::initializer_list<CString> pieces)
 {
@@ -93,15 +89,14 @@ StatementCompound& appendBlock(StatementCompound& list)
 class Splicer
 {
 public:
-    Splicer(const Target& target, const std::vector<LightSpec>& lights) : fTarget(target), fLights(lights) {}
+    Splicer(const SplicerTarget& target, const std::vector<LightSpec>& lights) : fTarget(target), fLights(lights) {}
 
     void expandAll(StatementCompound& body)
     {
-        while (Statement* illuminance = find(body))
+        while (Statement* illuminance = body.findStatement(StatementType::Illuminance))
         {
             for (const LightSpec& light : fLights)
-                if (light.spec && !light.spec->body().empty())
-                    insert(light, *illuminance);
+                insert(light, *illuminance);
             illuminance->parent()->removeStatement(illuminance);
         }
     }
@@ -109,22 +104,6 @@ public:
     CString uniforms;
 
 private:
-    /// The first illuminance block that is not a light's own.
-    Statement* find(const StatementCompound& list) const
-    {
-        for (unsigned i = 0; i < list.size(); ++i)
-        {
-            Statement* statement = list.statement(i);
-            if (statement->type() == StatementType::Illuminance)
-                return statement;
-            if (!statement->isCompound() || fLightBlocks.count(&statement->children()))
-                continue;
-            if (Statement* found = find(statement->children()))
-                return found;
-        }
-        return nullptr;
-    }
-
     void insert(const LightSpec& light, Statement& illuminance)
     {
         Statement* outer = illuminance.parent()->insertNewStatement(&illuminance, false);
@@ -149,7 +128,6 @@ private:
 
     void appendLight(const LightSpec& light, StatementCompound& block)
     {
-        fLightBlocks.insert(&block);
         std::vector<CString> macros;
         block.appendLiteralStatement("\n// LIGHT-SPECIFIC UNIFORMS.\n//");
         for (const ShadingAttribute& input : light.spec->inputs())
@@ -173,35 +151,26 @@ private:
             block.appendLiteralStatement(krString::plus("#undef ", macro));
     }
 
-    const Target& fTarget;
+    const SplicerTarget& fTarget;
     const std::vector<LightSpec>& fLights;
-    std::set<const StatementCompound*> fLightBlocks;
 };
 
 } // namespace
 
-Fragment spliceLights(const Target& target, const ShadingNodeSpec& material, const std::vector<LightSpec>* lights,
-                      const CString& aliases)
+SplicedFragment spliceLights(const SplicerTarget& target, const ShadingNodeSpec& material,
+                             const std::vector<LightSpec>& lights, const CString& aliases)
 {
     ShadingNodeSpec copy(kGenerated);
     copy.cloneFrom(material);
-    Fragment fragment;
-    if (lights)
-    {
-        Splicer splicer(target, *lights);
-        splicer.expandAll(copy.body());
-        fragment.lightUniforms = splicer.uniforms;
-    }
-    if (!copy.body().empty())
-    {
-        StatementCompound& outer = copy.body().statement(0)->children();
-        Statement* first = outer.insertNewStatementBefore(0);
-        first->setType(StatementType::Literal);
-        first->setText(aliases, true);
-        outer.appendLiteralStatement(target.result);
-    }
+    SplicedFragment fragment;
+    Splicer splicer(target, lights);
+    splicer.expandAll(copy.body());
+    fragment.lightUniforms = splicer.uniforms;
+    StatementCompound& outer = copy.body().statement(0)->children();
+    Statement* first = outer.insertNewStatementBefore(0);
+    first->setType(StatementType::Literal);
+    first->setText(aliases, true);
+    outer.appendLiteralStatement(target.result);
     fragment.body = printed(copy.body(), "");
     return fragment;
 }
-
-} // namespace plain
