@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <limits>
-#include <tuple>
 #include <vector>
 
 namespace
@@ -39,19 +38,14 @@ TEST(Light, InitialValues)
 
 TEST(Light, ThresholdRadius)
 {
-    for (const auto& [intensity, threshold, decay, radius] : {std::tuple(8.0f, 2.0f, 2u, 2.0f),
-                                                              {-8, 2, 1, 4},
-                                                              {8, 0, 2, 0},
-                                                              {8, -1, 2, 0},
-                                                              {8, 2, 0, 0},
-                                                              {0, 2, 2, 0},
-                                                              {16, 2, 3, 2},
-                                                              {32, 2, 4, 2},
-                                                              {8, std::numeric_limits<float>::quiet_NaN(), 1, 0}})
+    constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+    constexpr float kRows[][4] = {{8, 2, 2, 2}, {-8, 2, 1, 4}, {8, 0, 2, 0},  {8, -1, 2, 0},  {8, 2, 0, 0},
+                                  {0, 2, 2, 0}, {16, 2, 3, 2}, {32, 2, 4, 2}, {8, kNaN, 1, 0}};
+    for (const auto& [intensity, threshold, decay, radius] : kRows)
     {
         Lamp lamp;
         lamp.computeThresholdRadius(3, 1, 1);
-        lamp.computeThresholdRadius(intensity, threshold, decay);
+        lamp.computeThresholdRadius(intensity, threshold, static_cast<unsigned>(decay));
         EXPECT_FLOAT_EQ(lamp.thresholdRadius(), radius) << intensity << " over " << threshold << ", decay " << decay;
     }
 }
