@@ -84,5 +84,5 @@ private:
 
 protected:
     /// Set by a derived camera whose view matrix maps from eye to world space.
-    bool invertViewMatrix = false;
+    bool invertViewMatrix = false; // NOLINT(readability-identifier-naming): derived cameras know it by this name
 };
