@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <type_traits>
 
 namespace krPixels
 {
@@ -25,7 +24,7 @@ struct Coding<unsigned char>
     static constexpr float kSlopeDivisor = 255.0f;
     static constexpr bool kMarksNextRow = false;
 
-    /// Slopes that overflow have no direction; not-a-number encodes as 0.
+    /// Slopes that overflow give NaN, which encodes as 0.
     static unsigned char encoded(float v) noexcept
     {
         const float level = (v + 1.0f) * 127.5f;
@@ -40,7 +39,10 @@ struct Coding<unsigned char>
     static void store(const Float4& nx, const Float4& ny, const Float4& nz, unsigned char* pixels) noexcept
     {
         const auto levels = [](const Float4& v)
-        { return __builtin_convertvector(__builtin_convertvector((v + 1.0f) * 127.5f, Int4), UInt4); };
+        {
+            const Float4 level = (v + 1.0f) * 127.5f;
+            return __builtin_convertvector(__builtin_convertvector(level >= 0.0f ? level : Float4{}, Int4), UInt4);
+        };
         storeLanes(levels(nx) | levels(ny) << 8 | levels(nz) << 16 | 0xFF000000U, pixels);
     }
 };
@@ -66,8 +68,8 @@ struct Coding<float>
     }
 };
 
-/// The normals of a row's pixels but the last ones, four at a time.
-/// @return  the first pixel that is not done
+/// Converts a row's pixels four at a time, as far as whole groups with a right neighbour go.
+/// @return  the first pixel that is not converted
 template <class Component>
 std::size_t convertQuads(Component* row, std::size_t w, float k) noexcept
 {
@@ -84,7 +86,7 @@ std::size_t convertQuads(Component* row, std::size_t w, float k) noexcept
     return x;
 }
 
-/// The normals of a row's pixels from x on, without the last one.
+/// Converts a row's pixels from x on, except the last one.
 template <class Component>
 void convertPixels(Component* row, std::size_t x, std::size_t w, float k) noexcept
 {
@@ -104,23 +106,19 @@ void convertPixels(Component* row, std::size_t x, std::size_t w, float k) noexce
 template <class Component>
 void convertImage(Component* data, std::size_t w, std::size_t h, float scale) noexcept
 {
-    if (data == nullptr || w == 0 || h == 0)
+    if (!data || w == 0 || h == 0)
         return;
     const float k = scale / Coding<Component>::kSlopeDivisor;
-    // Beyond this, slopes of bytes may overflow, and the quads' conversion to integers is not made for that.
-    constexpr float kSteepest = 1e30f;
-    const bool inQuads = std::is_same_v<Component, float> || std::fabs(k) <= kSteepest;
     Component* row = data;
     for (std::size_t y = 0; y + 1 < h; ++y)
     {
-        convertPixels(row, inQuads ? convertQuads(row, w, k) : 0, w, k);
+        convertPixels(row, convertQuads(row, w, k), w, k);
         row += 4 * w;
-        // The last pixel has no right neighbour. It keeps its height, by which hosts that build a map tile by tile join
-        // the next tile, and leans like the pixel before it.
+        // Deliberate: the last pixel, which has no right neighbour, keeps its height as first component.
         row[-3] = row[-7];
         row[-2] = row[-6];
         row[-1] = Coding<Component>::kOpaque;
-        // The float form has always marked the next pixel as well, and existing maps were baked with that first column.
+        // Deliberate: the float form also sets the next row's first height, so that its first normal differs.
         if constexpr (Coding<Component>::kMarksNextRow)
             row[0] = 1.0f;
     }
