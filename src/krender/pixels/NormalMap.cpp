@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 namespace krPixels
 {
@@ -39,10 +40,7 @@ struct Coding<unsigned char>
     static void store(const Float4& nx, const Float4& ny, const Float4& nz, unsigned char* pixels) noexcept
     {
         const auto levels = [](const Float4& v)
-        {
-            const Float4 level = (v + 1.0f) * 127.5f;
-            return __builtin_convertvector(__builtin_convertvector(level >= 0.0f ? level : Float4{}, Int4), UInt4);
-        };
+        { return __builtin_convertvector(__builtin_convertvector((v + 1.0f) * 127.5f, Int4), UInt4); };
         storeLanes(levels(nx) | levels(ny) << 8 | levels(nz) << 16 | 0xFF000000U, pixels);
     }
 };
@@ -109,10 +107,13 @@ void convertImage(Component* data, std::size_t w, std::size_t h, float scale) no
     if (!data || w == 0 || h == 0)
         return;
     const float k = scale / Coding<Component>::kSlopeDivisor;
+    // With steeper slopes bytes may give NaN, which the quads cannot convert to integers.
+    constexpr float kSteepest = 1e30f;
+    const bool inQuads = std::is_same_v<Component, float> || std::fabs(k) <= kSteepest;
     Component* row = data;
     for (std::size_t y = 0; y + 1 < h; ++y)
     {
-        convertPixels(row, convertQuads(row, w, k), w, k);
+        convertPixels(row, inQuads ? convertQuads(row, w, k) : 0, w, k);
         row += 4 * w;
         // Deliberate: the last pixel, which has no right neighbour, keeps its height as first component.
         row[-3] = row[-7];
