@@ -47,7 +47,7 @@ void expectRows(std::initializer_list<Row> rows)
 template <class Component>
 Color encoded(const Color& color, Color::ColorType type)
 {
-    Component x[4] = {};
+    Component x[4] = {9, 9, 9, 9};
     color.get(type, x[0], x[1], x[2], x[3]);
     return {static_cast<float>(x[0]), static_cast<float>(x[1]), static_cast<float>(x[2]), static_cast<float>(x[3])};
 }
@@ -117,13 +117,13 @@ TEST(Color, EncodingsBothWays)
         {"HSV, pale red is one too", 1, {360, 0.5f, 0.8f, 1}, {0.8f, 0.4f, 0.4f, 1}},
         {"inverted", 2, {0.9f, 0.8f, 0.7f, 0.6f}, {0.1f, 0.2f, 0.3f, 0.6f}},
         {"CMYK keeps alpha", 3, {0, 0.25f, 0.5f, 0.25f}, {0.75f, 0.5f, 0.25f, 0.9f}},
-        {"unknown, below", -1, {0, 0, 0, 0}, {0.1f, 0.2f, 0.3f, 0.9f}},
-        {"unknown, above", 4, {0, 0, 0, 0}, {0.1f, 0.2f, 0.3f, 0.9f}},
+        {"unknown, below", -1, {9, 9, 9, 9}, {0.1f, 0.2f, 0.3f, 0.9f}},
+        {"unknown, above", 4, {9, 9, 9, 9}, {0.1f, 0.2f, 0.3f, 0.9f}},
     };
     for (const auto& [name, number, x, color] : encodings)
     {
         const auto type = static_cast<Color::ColorType>(number);
-        float first[3] = {};
+        float first[3] = {9, 9, 9};
         color.get(type, first[0], first[1], first[2]);
         expectRows({{name, encoded<float>(color, type), x[0], x[1], x[2], x[3]},
                     {name, encoded<double>(color, type), x[0], x[1], x[2], x[3]},
@@ -147,7 +147,7 @@ TEST(Color, IntegersScaleByTheirLargestValueRoundAndWrap)
                 {"odd bytes", encoded<Byte>(odd, Color::kRGBA), 0, 255, 0, 128},
                 {"odd words", encoded<Word>(odd, Color::kRGBA), 130, 65279, 0, 32768},
                 {"byte of a hue", encoded<Byte>(Color::kCblue, Color::kHSVA), 240 * 255 % 256, 255, 255, 255},
-                {"unknown", encoded<Byte>(color, unknown), 0, 0, 0, 0}});
+                {"unknown", encoded<Byte>(color, unknown), 9, 9, 9, 9}});
 }
 
 TEST(Color, ToHsvOfUnusualColours)

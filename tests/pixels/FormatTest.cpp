@@ -152,12 +152,13 @@ TEST(ConvertFromFloat, IsAThresholdAndNotAScale)
     for (std::size_t n = 0; n < large.size(); ++n)
         for (const std::size_t position : {n, n + 50, std::size_t{64}})
         {
-            std::vector<Row> rows;
+            std::vector<Row> rows(68);
+            std::vector<float> src(68);
             for (std::size_t i = 0; i < 68; ++i)
-                rows.push_back(i == position ? large[n] : ordinary[i % ordinary.size()]);
-            std::vector<float> src;
-            for (const Row& row : rows)
-                src.push_back(row.component);
+            {
+                rows[i] = i == position ? large[n] : ordinary[i % ordinary.size()];
+                src[i] = rows[i].component;
+            }
             unsigned char* bytes = format.convertFromFloat(src.data(), 1, 17, 1);
             for (std::size_t i = 0; i < src.size(); ++i)
                 EXPECT_EQ(bytes[i], rows[i].byte) << src[i] << " at " << i;

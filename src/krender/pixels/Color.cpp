@@ -165,15 +165,10 @@ void Color::fromHSV(float h, float s, float v) noexcept
 {
     if (!(h >= 0.0f && h < 420.0f))
         return;
-    const float p = (1.0f - s) * v;
-    if (h == 360.0f)
-    {
-        *this = Color(v, p, p, a);
-        return;
-    }
     const float turn = h / 60.0f;
     const int sector = static_cast<int>(turn);
     const float f = turn - static_cast<float>(sector);
+    const float p = (1.0f - s) * v;
     const float q = (1.0f - s * f) * v;
     const float t = (1.0f - (1.0f - f) * s) * v;
     switch (sector)

@@ -10,7 +10,7 @@ namespace krPixels
 
 std::optional<std::size_t> storageSize(std::initializer_list<std::size_t> factors) noexcept
 {
-    if (std::ranges::find(factors, std::size_t{0}) != factors.end())
+    if (std::find(factors.begin(), factors.end(), std::size_t{0}) != factors.end())
         return 0;
     std::size_t size = 1;
     for (const std::size_t factor : factors)
