@@ -94,6 +94,7 @@ TEST(PixelFormat, StorageIsNullOnlyWithoutPixelsOrBeyondAllMemory)
                         {kMost, kMost, 0, false, true},
                         {kMost, kMost, 1, false, false},
                         {0x80000000, 0x40000000, 1, false, false}, // 2^63 bytes, and 2^65
+                        {0x80010001, 0x7FFF0001, 1, false, false}, // 2^64 + 4 bytes
                         {0x10000, 0x10000, kMost, false, false}};
     for (const Row& row : rows)
     {

@@ -138,13 +138,15 @@ TEST(PixelArray, WithoutPixelsNothingHappens)
 {
     const CountingFixed8 format(2);
     PixelArray2D none;
+    const krSysPixelFormat unstorable(-1, 2, 2);
     PixelArray2D noMemory(format, 0xFFFFFFFF, 0xFFFFFFFF);
+    PixelArray2D noPixelSize(unstorable, 3, 2);
     EXPECT_EQ(none.pixelSize(), 0U);
     EXPECT_EQ(none.pixelType(), 0);
-    for (PixelArray2D* array : {&none, &noMemory})
+    for (PixelArray2D* array : {&none, &noMemory, &noPixelSize})
     {
         const std::string before = shape(*array);
-        array->copy(&format, 4);
+        array->copy(before.data(), 1);
         EXPECT_FALSE(array->convertToNormalMap(1));
         array->resize(3, 3);
         EXPECT_EQ(shape(*array), before);
@@ -173,18 +175,23 @@ TEST(PixelArray2D, CopyOfAnotherSizeTakesOnlyEightBytes)
     CountingFixed8 fixed8(2);
     CountingFloat rgbaFloat(4);
     {
-        PixelArray2D from(fixed8, 3, 2);
-        fill(from, 4);
-        PixelArray2D to(rgbaFloat, 3, 2); // another format counts as another size
+        PixelArray2D from(fixed8, 30, 20);
+        std::memset(from.data(), 77, 2400);
+        PixelArray2D to(rgbaFloat, 30, 20); // another format counts as another size
         to.copy(from);
         EXPECT_EQ(rgbaFloat.released, 1);
         EXPECT_EQ(to.format(), &fixed8);
-        EXPECT_EQ(std::memcmp(to.data(), from.data(), 8), 0);
-        EXPECT_EQ(shape(to), "3x2x1 filled owner");
-
-        const PixelArray2D constructed(from);
-        EXPECT_EQ(shape(constructed), "3x2x1 filled owner");
-        EXPECT_EQ(std::memcmp(constructed.data(), from.data(), 8), 0);
+        PixelArray2D narrower(fixed8, 29, 20);
+        narrower.copy(from);
+        PixelArray2D lower(fixed8, 30, 19);
+        lower.copy(from);
+        PixelArray2D constructed(from);
+        for (PixelArray2D* array : {&to, &narrower, &lower, &constructed})
+        {
+            EXPECT_EQ(shape(*array), "30x20x1 filled owner");
+            EXPECT_EQ(std::memcmp(array->data(), from.data(), 8), 0);
+        }
+        EXPECT_NE(contents(constructed), contents(from)) << "the rest is what the memory held before";
 
         PixelArray2D pixel(fixed8, 1, 1); // less than 8 bytes
         fill(pixel, 4);
@@ -194,7 +201,7 @@ TEST(PixelArray2D, CopyOfAnotherSizeTakesOnlyEightBytes)
         EXPECT_EQ(shape(to), "0x0x0");
         EXPECT_EQ(to.format(), nullptr);
     }
-    EXPECT_EQ(fixed8.released, 5) << "one for each array that had pixels";
+    EXPECT_EQ(fixed8.released, 9) << "one for each array that had pixels";
     EXPECT_EQ(fixed8.allocated, 0);
 }
 

@@ -20,11 +20,12 @@ struct ResizeRun
     std::uint32_t count; ///< of destination cells
 };
 
-/// Adds the next destination cell, which averages the source cells first to last, to a run if it belongs there.
+/// Adds the next destination cell, which averages the source cells first to last, to a run if it belongs there. Footprints
+/// do not overlap, so two that have the same cells have a single one.
 /// @return  whether it does
 [[nodiscard]] inline bool extendRun(ResizeRun& run, std::uint32_t first, std::uint32_t last) noexcept
 {
-    const bool belongs = first == last && run.first == first && run.last == last;
+    const bool belongs = run.first == first && run.last == last;
     run.count += belongs ? 1 : 0;
     return belongs;
 }
