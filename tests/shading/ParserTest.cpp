@@ -69,7 +69,7 @@ struct Header
     const char* source;
     const char* expected;
 
-    friend void PrintTo(const Header& row, std::ostream* out) { *out << row.name; }
+    friend std::ostream& operator<<(std::ostream& out, const Header& row) { return out << row.name; }
 };
 class ParserReadsHeader : public testing::TestWithParam<Header>
 {
@@ -81,7 +81,7 @@ struct Rejected
     const char* source;
     const char* message;
 
-    friend void PrintTo(const Rejected& row, std::ostream* out) { *out << row.fault; }
+    friend std::ostream& operator<<(std::ostream& out, const Rejected& row) { return out << row.fault; }
 };
 class ParserRejects : public testing::TestWithParam<Rejected>
 {
@@ -93,7 +93,7 @@ struct Body
     const char* source;
     const char* tree;
 
-    friend void PrintTo(const Body& row, std::ostream* out) { *out << row.name; }
+    friend std::ostream& operator<<(std::ostream& out, const Body& row) { return out << row.name; }
 };
 class ParserReadsBody : public testing::TestWithParam<Body>
 {
@@ -274,8 +274,9 @@ TEST(ParserQueue, GrowsWithoutMovingItsTokens)
     EXPECT_EQ(parser.token_ahead(999).column, 1017u);
     first.text = "changed";
     EXPECT_STREQ(parser.token_ahead(0).text.asChar(), "changed");
-    for (unsigned column = 18; column < 1017; ++column)
+    for (unsigned column = 18; column < 1018; ++column)
         ASSERT_EQ(parser.consume_front_token().column, column);
+    EXPECT_EQ(parser.token_ahead(0).type, TokenType::EndOfStream);
 }
 
 TEST(ParserVariables, AreTheHeadersAttributesAndMatchByNameAndType)

@@ -23,7 +23,7 @@ struct EndlessBlock
 {
 };
 
-const std::map<std::string, std::string> kOperatorNames = []
+const std::map<std::string, std::string> gOperatorNames = []
 {
     std::map<std::string, std::string> names;
     for (const char* symbol :
@@ -166,7 +166,7 @@ private:
         if (fName == "operator")
         {
             const Token symbol = fQueue[++i];
-            const auto named = kOperatorNames.find(std::string(symbol.text.view()));
+            const auto named = gOperatorNames.find(std::string(symbol.text.view()));
             if (symbol.type == TokenType::OpenBracket)
             {
                 check(fQueue[++i].type == TokenType::CloseBracket, "Expected ']'");
@@ -176,7 +176,7 @@ private:
                 fName = word;
             else
             {
-                check(named != kOperatorNames.end() && symbol.type != TokenType::QuotedString,
+                check(named != gOperatorNames.end() && symbol.type != TokenType::QuotedString,
                       "Expected valid operator symbol");
                 fName = named->second;
             }

@@ -128,12 +128,12 @@ Token& ShadingParser::TokenQueue::append()
 /// Drops the front token, if there is one.
 void ShadingParser::TokenQueue::dropFront() noexcept
 {
-    static constexpr std::size_t kept = 64;
+    static constexpr std::size_t kKept = 64;
     if (empty())
         return;
     if (++fFront == fEnd)
         clear();
-    else if (fFront > kept)
+    else if (fFront > kKept)
     {
         // Somebody always looks ahead, so the queue is never empty.
         fTokens.pop_front();

@@ -96,9 +96,9 @@ const ByteInfo& infoOf(char c) noexcept { return kBytes[static_cast<unsigned cha
 double parsePlainNumber(const char* begin, const char* end) noexcept
 {
     static constexpr std::array kPowers{1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14};
-    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
     if (end - begin > 15)
-        return none;
+        return kNone;
     std::uint64_t digits = 0;
     const char* fraction = end;
     for (const char* c = begin; c != end; ++c)
@@ -108,7 +108,7 @@ double parsePlainNumber(const char* begin, const char* end) noexcept
         else if (infoOf(*c).byteClass == ByteClass::Digit)
             digits = 10 * digits + static_cast<std::uint64_t>(*c - '0');
         else
-            return none;
+            return kNone;
     }
     return static_cast<double>(digits) / kPowers[static_cast<std::size_t>(end - fraction)];
 }
@@ -128,8 +128,8 @@ double parseNumber(const char* begin, const char* end)
 
 std::uint64_t truncated(float value) noexcept
 {
-    constexpr float limit = 18446744073709551616.0f; // 2^64
-    return value < limit ? static_cast<std::uint64_t>(value) : std::numeric_limits<std::uint64_t>::max();
+    constexpr float kLimit = 18446744073709551616.0f; // 2^64
+    return value < kLimit ? static_cast<std::uint64_t>(value) : std::numeric_limits<std::uint64_t>::max();
 }
 
 } // namespace
