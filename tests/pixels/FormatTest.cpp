@@ -12,6 +12,8 @@
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
+#include <memory>
+#include <string>
 #include <vector>
 
 namespace

@@ -1,5 +1,7 @@
 #include "Canvas.h"
 
+#include "Scenes.h"
+
 #include <epoxy/egl.h>
 #include <epoxy/gl.h>
 
@@ -7,8 +9,11 @@
 #include <cmath>
 #include <cstdlib>
 #include <functional>
+#include <memory>
 #include <numeric>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 
 namespace
 {

@@ -3,7 +3,12 @@
 #include "PlainParser.h"
 
 #include <krender/core/Exception.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
+#include <krender/shading/Token.h>
+#include <krender/shading/Tokenizer.h>
 
 #include <gtest/gtest.h>
 

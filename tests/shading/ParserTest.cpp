@@ -1,6 +1,14 @@
 #include <krender/core/Exception.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/FunctionType.h>
+#include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
+#include <krender/shading/ShadingParserLimits.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
+#include <krender/shading/Token.h>
 
 #include <gtest/gtest.h>
 

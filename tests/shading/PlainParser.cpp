@@ -1,14 +1,24 @@
 #include "PlainParser.h"
 
 #include <krender/core/Exception.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
+#include <krender/shading/Token.h>
 #include <krender/shading/Tokenizer.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <deque>
 #include <map>
+#include <memory>
 #include <sstream>
+#include <string_view>
+#include <vector>
 
 using namespace krShadingDag;
 

@@ -1,11 +1,18 @@
+#include <krender/platform/String.h>
+#include <krender/shading/FunctionType.h>
+#include <krender/shading/MemMappedFile.h>
+#include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
-#include <krender/shading/Statement.h>
+#include <krender/shading/ShadingParserLimits.h>
+#include <krender/shading/StatementCompound.h>
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unistd.h>

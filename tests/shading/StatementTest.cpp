@@ -1,5 +1,9 @@
 #include <krender/shading/Statement.h>
 
+#include <krender/platform/String.h>
+#include <krender/shading/StatementCompound.h>
+#include <krender/shading/Token.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -7,6 +11,7 @@
 #include <new>
 #include <ostream>
 #include <string>
+#include <vector>
 
 using namespace krShadingDag;
 

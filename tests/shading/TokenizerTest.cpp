@@ -1,4 +1,7 @@
 #include <krender/core/Exception.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/Token.h>
 #include <krender/shading/Tokenizer.h>
 
 #include <gtest/gtest.h>

@@ -1,9 +1,13 @@
 #include <krender/core/Exception.h>
+#include <krender/platform/Linear.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
 #include <krender/shading/TypedConstant.h>
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdint>
 #include <limits>
 #include <memory>
 #include <sstream>

@@ -4,6 +4,8 @@
 #include <krender/spatial/AABoundingBox.h>
 #include <krender/spatial/BoundingSphere.h>
 #include <krender/spatial/Frustum.h>
+#include <krender/spatial/IBoundingPlanes.h>
+#include <krender/spatial/IBounds.h>
 
 #include <gtest/gtest.h>
 
@@ -16,6 +18,7 @@
 #include <string>
 #include <tuple>
 #include <utility>
+#include <variant>
 #include <vector>
 
 using krLinear::AffineMatrix;

@@ -1,6 +1,7 @@
 #include <krender/platform/Linear.h>
 #include <krender/spatial/AABoundingBox.h>
 #include <krender/spatial/BoundingSphere.h>
+#include <krender/spatial/Frustum.h>
 #include <krender/spatial/IHWCamera.h>
 
 #include <gtest/gtest.h>
@@ -8,6 +9,7 @@
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <string>
 
 using krLinear::AffineMatrix;
 using krLinear::ProjMatrix;

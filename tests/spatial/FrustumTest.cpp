@@ -4,6 +4,7 @@
 #include <krender/spatial/AABoundingBox.h>
 #include <krender/spatial/BoundingSphere.h>
 #include <krender/spatial/Frustum.h>
+#include <krender/spatial/IBounds.h>
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,10 @@
 
 #include "krender/pixels/private/PixelStorage.h"
 
+#include <krender/pixels/krSysPixelFormat.h>
+
 #include <cstring>
+#include <optional>
 
 IPixelArray::IPixelArray(const krSysPixelFormat& format, unsigned w, unsigned h, unsigned d) : fFormat(&format)
 {

@@ -3,12 +3,15 @@
 #include "krender/pixels/private/NormalMap.h"
 #include "krender/pixels/private/PixelStorage.h"
 #include "krender/pixels/private/Resize.h"
+#include <krender/pixels/IPixelArray.h>
 #include <krender/pixels/krColorFormat.h>
+#include <krender/pixels/krSysPixelFormat.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 
 namespace
 {

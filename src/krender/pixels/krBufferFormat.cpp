@@ -1,5 +1,7 @@
 #include <krender/pixels/krBufferFormat.h>
 
+#include <krender/pixels/IHWTexture.h>
+
 krBufferFormat::krBufferFormat(RasterFormat color, RasterFormat second, RasterFormat third, SamplingType sampling,
                                IHWTexture::TextureType textureType) noexcept
     : fColorRaster(color), fTextureType(textureType), fSecondRaster(second), fThirdRaster(third), fSampling(sampling)

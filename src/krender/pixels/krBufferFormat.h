@@ -1,4 +1,5 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/pixels/IHWTexture.h>
 #include <krender/pixels/IPixelFormat.h>
 

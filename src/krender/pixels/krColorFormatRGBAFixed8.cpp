@@ -5,6 +5,8 @@
 #include "krender/pixels/private/PixelStorage.h"
 #include "krender/pixels/private/Resize.h"
 
+#include <krender/pixels/krColorFormat.h>
+
 #include <algorithm>
 #include <cstdlib>
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <optional>
 
 krSysPixelFormat::krSysPixelFormat(std::int32_t bytesPerPixel, std::int32_t pixelType,
                                    std::int32_t componentCode) noexcept

@@ -1,5 +1,7 @@
 #include <krender/shading/MemMappedFile.h>
 
+#include <krender/platform/String.h>
+
 #include <array>
 #include <cstddef>
 #include <cstdio>

@@ -1,6 +1,8 @@
 #pragma once
 #include <krender/platform/String.h>
 
+#include <krender/Export.h>
+
 #include <cstddef>
 #include <string>
 

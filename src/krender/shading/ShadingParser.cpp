@@ -1,6 +1,8 @@
 #include <krender/shading/ShadingParser.h>
 
 #include <krender/core/Exception.h>
+#include <krender/shading/ShadingNodeSpec.h>
+#include <krender/shading/Tokenizer.h>
 
 #include <string>
 #include <utility>

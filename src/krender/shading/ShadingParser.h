@@ -1,8 +1,14 @@
 #pragma once
+#include <krender/Export.h>
+#include <krender/platform/String.h>
+#include <krender/shading/ShadingAttribute.h>
 #include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParserLimits.h>
+#include <krender/shading/StatementCompound.h>
+#include <krender/shading/Token.h>
 #include <krender/shading/Tokenizer.h>
 
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <string>

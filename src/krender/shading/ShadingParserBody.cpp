@@ -2,9 +2,15 @@
 #include <krender/shading/ShadingParser.h>
 
 #include "krender/shading/private/Require.h"
+#include <krender/shading/ShadingParserLimits.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
+#include <krender/shading/Token.h>
+#include <krender/shading/Tokenizer.h>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace krShadingDag
 {

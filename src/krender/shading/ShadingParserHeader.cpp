@@ -3,8 +3,18 @@
 
 #include "krender/shading/private/Require.h"
 
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/FunctionType.h>
+#include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/ShadingNodeSpec.h>
+#include <krender/shading/ShadingParserLimits.h>
+#include <krender/shading/Token.h>
+
 #include <array>
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace krShadingDag
 {

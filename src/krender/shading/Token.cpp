@@ -1,5 +1,7 @@
 #include <krender/shading/Token.h>
 
+#include <krender/platform/String.h>
+
 #include <string>
 #include <utility>
 

@@ -2,6 +2,7 @@
 
 #include "krender/shading/private/Words.h"
 #include <krender/core/Exception.h>
+#include <krender/shading/Token.h>
 
 #include <algorithm>
 #include <array>

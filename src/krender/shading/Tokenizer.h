@@ -1,4 +1,7 @@
 #pragma once
+#include <krender/Export.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
 #include <krender/shading/MemMappedFile.h>
 #include <krender/shading/Token.h>
 

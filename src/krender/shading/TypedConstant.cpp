@@ -1,6 +1,9 @@
 #include <krender/shading/TypedConstant.h>
 
 #include <krender/core/Exception.h>
+#include <krender/platform/Linear.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
 
 #include <array>
 #include <charconv>

@@ -2,9 +2,13 @@
 
 #include "krender/shading/private/DataTypeTable.h"
 
+#include <krender/shading/DataType.h>
+#include <krender/shading/Token.h>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace krShadingDag
