@@ -22,10 +22,3 @@ inline void require(bool condition, const char* what)
     std::fprintf(stderr, "failed: %s\n", what);
     std::abort();
 }
-
-/// Whether the parser comes to an end on a source: the programs' scan knows, and is tried along with it.
-inline bool isSafe(const krTools::Source& source)
-{
-    krTools::Findings findings;
-    return krTools::SourceReader(source, findings).scan();
-}

@@ -1,5 +1,7 @@
 #include "Canvas.h"
 
+#include "Scenes.h"
+
 #include <epoxy/egl.h>
 #include <epoxy/gl.h>
 
@@ -8,8 +10,11 @@
 #include <cstdlib>
 #include <functional>
 #include <map>
+#include <memory>
 #include <numeric>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 
 namespace
 {

@@ -1,12 +1,19 @@
 #include "Canvas.h"
 #include "FrontEnds.h"
+#include "Scenes.h"
 
 #include <common/Preamble.h>
+#include <krender/shadergen/CgMaterialCompiler.h>
+#include <krender/shadergen/GlslMaterialCompiler.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
+#include <string>
+#include <string_view>
+#include <vector>
 
 using Pixels = std::vector<std::uint8_t>;
 

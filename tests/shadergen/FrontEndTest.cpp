@@ -1,6 +1,14 @@
 #include "FrontEnds.h"
 
+#include "Scenes.h"
+
+#include <krender/shadergen/CgMaterialCompiler.h>
+#include <krender/shadergen/GlslMaterialCompiler.h>
+
 #include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
 
 using scenes::Programs;
 

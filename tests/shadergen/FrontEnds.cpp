@@ -1,8 +1,11 @@
 #include "FrontEnds.h"
 
+#include <common/Findings.h>
+#include <common/Source.h>
 #include <validation/CgReader.h>
 #include <validation/CgValidator.h>
 #include <validation/GlslValidator.h>
+#include <validation/PairFindings.h>
 
 #include <glslang/SPIRV/GlslangToSpv.h>
 #include <unistd.h>
@@ -13,7 +16,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <regex>
+#include <vector>
 
 namespace frontends
 {

@@ -1,6 +1,7 @@
 #pragma once
-#include <krender/shadergen/CgMaterialCompiler.h>
-#include <krender/shadergen/GlslMaterialCompiler.h>
+#include <krender/platform/String.h>
+#include <krender/shadergen/LightSpec.h>
+#include <krender/shading/ShadingNodeSpec.h>
 
 #include <memory>
 #include <string>

@@ -61,7 +61,6 @@ protected:
 };
 
 using Names = std::vector<std::string>;
-const Names kSources{"l.krs", "m.krs"};
 
 /// The library's own answer for the material "plain" and lights of function redLight.
 struct Programs

@@ -265,24 +265,25 @@ void FunctionScanner::scanHeader(ScannedFunction& function) const
     require(i + 2 == tokens.size(), tokens[i + 1]);
 }
 
+/// Ends the statement that the innermost list of statements has just completed, with all that ends along with it.
+void FunctionScanner::endStatement(std::vector<Level>& levels, Predecessor ended)
+{
+    while (!levels.empty() && !levels.back().isBraced)
+    {
+        const bool overBareIf = ended == Predecessor::If || ended == Predecessor::IfOverBareIf;
+        const bool isIf = levels.back().owner == Kind::If;
+        levels.pop_back();
+        ended = isIf ? (overBareIf ? Predecessor::IfOverBareIf : Predecessor::If)
+                     : (overBareIf ? Predecessor::ElseIf : Predecessor::Else);
+    }
+    if (!levels.empty())
+        levels.back().last = ended;
+}
+
 void FunctionScanner::scanBody(ScannedFunction& function)
 {
     fNext = function.tokens.size();
     std::vector<Level> levels{{Kind::Block, true, function.tokens.back().begin}};
-    // Ends the statement that the innermost list of statements has just completed, with all that ends along with it.
-    const auto endStatement = [&levels](Predecessor ended)
-    {
-        while (!levels.empty() && !levels.back().isBraced)
-        {
-            const bool overBareIf = ended == Predecessor::If || ended == Predecessor::IfOverBareIf;
-            const bool isIf = levels.back().owner == Kind::If;
-            levels.pop_back();
-            ended = isIf ? (overBareIf ? Predecessor::IfOverBareIf : Predecessor::If)
-                         : (overBareIf ? Predecessor::ElseIf : Predecessor::Else);
-        }
-        if (!levels.empty())
-            levels.back().last = ended;
-    };
     const auto endedBy = [](Kind kind) {
         return kind == Kind::If ? Predecessor::If : kind == Kind::Else ? Predecessor::Else : Predecessor::Other;
     };
@@ -297,13 +298,13 @@ void FunctionScanner::scanBody(ScannedFunction& function)
             ++fNext;
             const Kind ended = levels.back().owner;
             levels.pop_back();
-            endStatement(endedBy(ended));
+            endStatement(levels, endedBy(ended));
             continue;
         }
         const std::size_t depth = levels.size();
         beginStatement(function, levels);
         if (levels.size() == depth)
-            endStatement(Predecessor::Other);
+            endStatement(levels, Predecessor::Other);
     }
 }
 

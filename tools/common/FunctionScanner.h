@@ -128,6 +128,7 @@ private:
     static krShadingDag::CompFreqRange scanRange(const ScannedFunction& function, unsigned& index);
     void scanBody(ScannedFunction& function);
     void beginStatement(ScannedFunction& function, std::vector<Level>& levels);
+    static void endStatement(std::vector<Level>& levels, Predecessor ended);
     void scanCondition(ScannedFunction& function);
     void scanOpaque(ScannedFunction& function, const std::vector<Level>& levels);
 

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <exception>
 #include <string>
@@ -54,6 +55,7 @@ bool validate(const ProgramPair& programs)
     {
         const rlimit seconds{kMaxSeconds, kMaxSeconds};
         const rlimit noCore{0, 0};
+        std::signal(SIGSEGV, SIG_DFL); // sanitizers catch it and report
         ::setrlimit(RLIMIT_CPU, &seconds);
         ::setrlimit(RLIMIT_CORE, &noCore);
         bool ok = false;
