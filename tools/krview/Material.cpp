@@ -124,7 +124,8 @@ private:
 
     void addLight(const SceneLight& light)
     {
-        std::vector<const Module*> modules = fLibraries;
+        std::vector<const Module*> modules{fRequest.module};
+        modules.insert(modules.end(), fLibraries.begin(), fLibraries.end());
         if (!light.source.empty())
             modules = {&read(light.source)};
         std::vector<std::string> names;
@@ -139,13 +140,13 @@ private:
                         return;
                     }
                 }
-        if (!fOk)
+        if (modules[0]->hasErrors())
             return;
         fOk = false;
         krTools::print(stderr, "krview", Severity::Error,
                        light.place + ": " +
-                           (light.source.empty() ? "the libraries have" : "'" + light.source + "' has") + " no light " +
-                           inQuotes(light.function) + krTools::didYouMean(light.function, names));
+                           (light.source.empty() ? "there is no light " : light.source + " has no light ") +
+                           inQuotes(light.function) + " with a body" + krTools::didYouMean(light.function, names));
     }
 
     /// The material or light of that name, as its module declares it; the first material if the name is empty.
@@ -214,7 +215,7 @@ private:
     const Scene& fScene;
     NotingReader fReader;
     std::map<std::string, Module> fModules; ///< by their paths
-    std::vector<const Module*> fLibraries;  ///< in the order in which lights are looked for
+    std::vector<const Module*> fLibraries;  ///< where lights are looked for after the material's own file, in order
     krFrontend::ProgramRequest fRequest;
     bool fOk = true;
 };

@@ -29,6 +29,7 @@ using krShadingDag::ShadingNodeSpec;
 using krShadingDag::ShadingParser;
 using krShadingDag::StatementCompound;
 using krShadingDag::StatementType;
+using krShadingDag::Token;
 using krShadingDag::TokenType;
 using krTools::inQuotes;
 using krTools::Severity;
@@ -45,15 +46,6 @@ constexpr krShadingDag::ShadingParserLimits kLimits{
 /// every block within it: a short source could fill the memory.
 constexpr double kMostBlocks = 10000;
 
-void printError(const krTools::Source& source, std::size_t position, std::string_view text)
-{
-    text.remove_prefix(text.starts_with("error ") ? 6 : 0);
-    text.remove_suffix(text.ends_with('\n') ? 1 : 0);
-    krTools::Findings findings;
-    findings.error(position, std::string(text));
-    krTools::print(stderr, source, findings);
-}
-
 /// Reads the functions of a source.
 class PlainReader
 {
@@ -65,43 +57,51 @@ public:
     bool read(Specs& specs)
     {
         // A parser goes on in its source when it is given more of it, so each further function takes an empty piece.
-        krString::CString piece = fSource.contents();
-        do
-        {
-            ShadingNodeSpec* spec = nullptr;
-            if (!fParser.parseString(std::exchange(piece, {}), &spec))
-            {
-                (void)findNext();
-                printError(fSource, fPosition, fParser.errorString().view());
-                return false;
-            }
+        const krString::CString nothing;
+        ShadingNodeSpec* spec = nullptr;
+        for (bool more = fParser.parseString(fSource.contents(), &spec); more;
+             more = fParser.parseString(nothing, &spec))
             specs.emplace_back(spec);
-        } while (findNext());
-        return true;
+        return hasEnded();
     }
 
 private:
-    /// Finds the place of the next token; one that cannot be read leaves the place before it.
-    /// @return  whether there is one
-    bool findNext()
+    /// Whether the parser stopped because there was nothing left. An error is printed.
+    bool hasEnded()
+    {
+        const std::string message(fParser.errorString().view());
+        constexpr std::string_view kError = "error ";
+        if (message.starts_with(kError))
+            return fail(message.substr(kError.size(), message.find('\n') - kError.size()));
+        return position() == fSource.size() || fail("the source ends within this header");
+    }
+
+    bool fail(const std::string& text)
+    {
+        krTools::Findings findings;
+        findings.error(position(), text.empty() ? "the source ends within what begins here" : text);
+        krTools::print(stderr, fSource, findings);
+        return false;
+    }
+
+    /// Where the parser stands.
+    [[nodiscard]] std::size_t position()
     {
         try
         {
-            const krShadingDag::Token token = fParser.token_ahead(0);
-            if (token.type == TokenType::EndOfStream)
-                return false;
-            fPosition = static_cast<std::size_t>(token.position);
+            const Token front = fParser.token_ahead(0);
+            if (front.type != TokenType::EndOfStream)
+                return std::min(static_cast<std::size_t>(front.position), fSource.size());
         }
         catch (const Exception&)
         {
-            // The next function will not be read, and then the parser says why.
+            // What it stands at goes on to the end of the source.
         }
-        return true;
+        return fSource.size();
     }
 
     krTools::Source fSource;
     ShadingParser fParser;
-    std::size_t fPosition = 0;
 };
 
 bool hasBody(const ShadingNodeSpec& spec) { return spec.nodeType() == krShadingDag::kDefinition; }
