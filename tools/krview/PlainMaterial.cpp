@@ -6,12 +6,11 @@
 #include <common/Source.h>
 
 #include <krender/core/Exception.h>
-#include <krender/shadergen/GlslMaterialCompiler.h>
+#include <krender/shadergen/FragmentExtras.h>
 #include <krender/shadergen/LightSpec.h>
+#include <krender/shadergen/Target.h>
 #include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
-#include <krender/shading/Statement.h>
-#include <krender/shading/StatementCompound.h>
 #include <krender/shading/Token.h>
 
 #include <algorithm>
@@ -27,8 +26,6 @@
 using krShadingDag::ShadingAttribute;
 using krShadingDag::ShadingNodeSpec;
 using krShadingDag::ShadingParser;
-using krShadingDag::StatementCompound;
-using krShadingDag::StatementType;
 using krShadingDag::Token;
 using krShadingDag::TokenType;
 using krTools::inQuotes;
@@ -41,10 +38,6 @@ using Specs = std::vector<std::unique_ptr<ShadingNodeSpec>>;
 
 constexpr krShadingDag::ShadingParserLimits kLimits{
     .refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000};
-
-/// The illuminance blocks that a program may hold, far more than any driver takes. A block comes once a light, and so does
-/// every block within it: a short source could fill the memory.
-constexpr double kMostBlocks = 10000;
 
 /// Reads the functions of a source.
 class PlainReader
@@ -138,29 +131,6 @@ const ShadingNodeSpec* find(const Specs& specs, const std::string& name, const s
     return found;
 }
 
-/// The illuminance blocks in the program of that many lights.
-double countBlocks(const StatementCompound& list, double lights)
-{
-    double count = 0;
-    for (unsigned i = 0; i < list.size(); ++i)
-    {
-        const krShadingDag::Statement& statement = *list.statement(i);
-        const double below = countBlocks(statement.children(), lights);
-        count += statement.type() == StatementType::Illuminance ? lights * (1 + below) : below;
-    }
-    return count;
-}
-
-/// Lights for a scene that names none. Each illuminance block declares the inputs of its lights, so a material with
-/// several blocks gets lights without inputs.
-std::vector<SceneLight> suitableLights(const StatementCompound& body)
-{
-    std::vector<SceneLight> lights = defaultLights();
-    if (countBlocks(body, 1) > 1)
-        lights[0] = {"eye", "headLight", lights[0].place, ""};
-    return lights;
-}
-
 /// Lists the inputs of a material or, with its key, of a light.
 void listInputs(const ShadingNodeSpec& spec, const std::string& key, std::vector<ProgramInput>& inputs)
 {
@@ -191,7 +161,7 @@ std::optional<Material> compilePlainMaterial(const Scene& scene)
     std::vector<LightSpec> lights;
     std::vector<ProgramInput> inputs;
     listInputs(*spec, "", inputs);
-    for (const SceneLight& light : scene.lights ? *scene.lights : suitableLights(spec->body()))
+    for (const SceneLight& light : scene.lights.value_or(defaultLights()))
     {
         Specs own;
         ok &= light.source.empty() || PlainReader(light.source).read(own);
@@ -206,18 +176,14 @@ std::optional<Material> compilePlainMaterial(const Scene& scene)
     }
     if (!ok)
         return std::nullopt;
-    if (countBlocks(spec->body(), static_cast<double>(lights.size())) > kMostBlocks)
-    {
-        krTools::print(stderr, "krview", Severity::Error,
-                       "with so many lights the illuminance blocks within each other in " +
-                           inQuotes(spec->name().view()) + " would come to more than 10000 copies");
-        return std::nullopt;
-    }
-
+    FragmentExtras extras;
     krString::CString vertex;
     krString::CString fragment;
-    compileMaterialToGlsl(*spec, &lights, vertex, fragment);
-    return Material{.name = std::string(spec->name().view()),
+    glslTarget().compile(*spec, &lights, extras, vertex, fragment);
+    std::string materialName(spec->name().view());
+    if (!checkSize(materialName, extras.isTooLarge ? kMostProgramBytes : std::max(vertex.length(), fragment.length())))
+        return std::nullopt;
+    return Material{.name = std::move(materialName),
                     .vertexProgram = programSource("<vertex program>", vertex.view()),
                     .fragmentProgram = programSource("<fragment program>", fragment.view()),
                     .inputs = std::move(inputs),

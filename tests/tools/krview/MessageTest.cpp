@@ -189,6 +189,18 @@ TEST(Files, MayBeginWithAByteOrderMark)
     EXPECT_EQ(outcome.status, 0);
 }
 
+TEST(Programs, AreNotDrawnWhenTheyAreTooLarge)
+{
+    const Workplace place;
+    std::string text = "material long(out float4 outRGBA)\n{\n    outRGBA = float4(0.0, 0.0, 0.0, 1.0);\n";
+    for (int i = 0; i < 50000; ++i)
+        text += "    outRGBA.x += 0.00001;\n";
+    place.write("long.krs", text + "}\n");
+    for (const std::string plain : {"", "--plain "})
+        EXPECT_EQ(krview(place, plain + "--material long.krs --frames 1").err,
+                  "krview: error: a program of \"long\" has more than 1 MB and is not drawn\n");
+}
+
 TEST(WithoutADisplay, SaysSoAndNothingElse)
 {
     const Workplace place;

@@ -124,12 +124,12 @@ material full(
 {
     outLightDiffuseColor = color;
 })");
-    place.write("scene.json", R"({"material": "full.krs", "size": [120, 90],
+    place.write("scene.json", R"({"material": "full.krs",
     "lights": [{"key": "a", "function": "lamp", "source": "lamp.krs"}]})");
     std::filesystem::copy_file(KRENDER_SHARE "/scenes/bricks.png", place.path() / "grain.png");
     const auto drawn = [&](const std::string& arguments)
     {
-        const Outcome outcome = krview(place, "scene.json --screenshot picture.png " + arguments);
+        const Outcome outcome = krview(place, arguments + " --size 120x90 --screenshot picture.png");
         EXPECT_EQ(outcome.err, "");
         return readImage(place.path() / "picture.png");
     };
@@ -139,14 +139,14 @@ material full(
 }
 
 constexpr SamePicture kSamePictures[] = {
-    {"DefaultNumbers", "", "--set half=1,0.6,0.2"},
-    {"DefaultMatrix", "", "--set turn=0,0,1,1,0,0,0,1,0"},
-    {"DefaultPicture", "", "--set grain=" KRENDER_SHARE "/scenes/bricks.png"},
-    {"DefaultOfALight", "", "--set acolor=0,0.3,0"},
-    {"LightOfAFile", "", "--light a=lamp.krs:lamp"},
-    {"LightOfALibrary", "", "--light a=lamp --lib lamp.krs"},
-    {"PlainOfTheSame", "--material " KRENDER_SHARE "/materials/phong.krs --light a=pointLight",
-     "--plain --material " KRENDER_SHARE "/materials/phong.krs --light a=pointLight"},
+    {"DefaultNumbers", "scene.json", "scene.json --set half=1,0.6,0.2"},
+    {"DefaultMatrix", "scene.json", "scene.json --set turn=0,0,1,1,0,0,0,1,0"},
+    {"DefaultPicture", "scene.json", "scene.json --set grain=" KRENDER_SHARE "/scenes/bricks.png"},
+    {"DefaultOfALight", "scene.json", "scene.json --set acolor=0,0.3,0"},
+    {"LightOfAFile", "scene.json", "--material full.krs --light a=lamp.krs:lamp"},
+    {"LightOfALibrary", "scene.json", "--material full.krs --light a=lamp --lib lamp.krs"},
+    {"PlainOfSeveralBlocks", "--material " KRENDER_SHARE "/materials/lacquer.krs",
+     "--plain --material " KRENDER_SHARE "/materials/lacquer.krs"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Krview, SamePictures, testing::ValuesIn(kSamePictures),
