@@ -1,7 +1,7 @@
 #include "Canvas.h"
 #include "FrontEnds.h"
 
-#include <common/Preamble.h>
+#include <krender/shadergen/Target.h>
 
 #include <gtest/gtest.h>
 
@@ -27,8 +27,8 @@ protected:
     Pixels drawGlsl()
     {
         scenes::Programs programs = scenes::compileShipped(compileMaterialToGlsl, GetParam(), 3);
-        programs.vertex.insert(0, krTools::kGlsl120Preamble);
-        programs.fragment.insert(0, krTools::kGlsl120Preamble);
+        programs.vertex.insert(0, findTarget("glsl")->preamble);
+        programs.fragment.insert(0, findTarget("glsl")->preamble);
         return fCanvas.draw(programs);
     }
 
