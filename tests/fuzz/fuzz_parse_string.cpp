@@ -1,7 +1,6 @@
 // One function of any source: parsed within the limits for sources from people, printed, copied, and its tokens made.
 #include "FuzzInput.h"
 
-#include <krender/shading/ShadingParser.h>
 #include <krender/shading/Statement.h>
 
 using namespace krShadingDag;
@@ -26,7 +25,7 @@ void makeTokens(const StatementCompound& list)
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     ShadingParser parser;
-    parser.setLimits({.refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000});
+    parser.setLimits(kLimits);
     ShadingNodeSpec* spec = nullptr;
     if (!parser.parseString(textOf(data, size), &spec))
     {

@@ -2,9 +2,9 @@
 #include "FrontEnds.h"
 #include "Scenes.h"
 
-#include <common/Preamble.h>
 #include <krender/shadergen/CgMaterialCompiler.h>
 #include <krender/shadergen/GlslMaterialCompiler.h>
+#include <krender/shadergen/Target.h>
 
 #include <gtest/gtest.h>
 
@@ -34,8 +34,8 @@ protected:
     Pixels drawGlsl()
     {
         scenes::Programs programs = scenes::compileShipped(compileMaterialToGlsl, GetParam(), 3);
-        programs.vertex.insert(0, krTools::kGlsl120Preamble);
-        programs.fragment.insert(0, krTools::kGlsl120Preamble);
+        programs.vertex.insert(0, findTarget("glsl")->preamble);
+        programs.fragment.insert(0, findTarget("glsl")->preamble);
         return fCanvas.draw(programs);
     }
 

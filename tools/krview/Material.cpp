@@ -1,7 +1,7 @@
 #include "Material.h"
 
 #include <common/Findings.h>
-#include <common/MaterialReader.h>
+#include <common/Modules.h>
 #include <common/NearNames.h>
 
 #include <krender/frontend/Interface.h>

@@ -1,7 +1,7 @@
 #include "PlainMaterial.h"
 
 #include <common/Findings.h>
-#include <common/MaterialReader.h>
+#include <common/Modules.h>
 #include <common/NearNames.h>
 #include <common/Source.h>
 

@@ -5,7 +5,7 @@
 
 #include <common/DataFiles.h>
 #include <common/Findings.h>
-#include <common/MaterialReader.h>
+#include <common/Modules.h>
 #include <common/Source.h>
 #include <common/UsageError.h>
 #include <common/Words.h>
