@@ -126,6 +126,8 @@ void setUniforms(GLuint program)
         const std::array<float, 4> vector = vectorFor(plain);
         switch (type)
         {
+        case GL_INT:
+            return glUniform1i(location, static_cast<GLint>(10 * vector[0]));
         case GL_FLOAT:
             return glUniform1f(location, vector[0]);
         case GL_FLOAT_VEC3:
