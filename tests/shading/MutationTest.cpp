@@ -31,18 +31,23 @@ using namespace krShadingDag;
 namespace
 {
 
-/// The functions of all shipped sources, with the comments before them.
+/// The functions of the shipped sources in plain KRSL, with the comments before them. Those that include others, and
+/// those that are made to be included, are not plain.
 std::vector<std::string> shippedFunctions()
 {
     std::vector<std::string> functions;
     std::vector<std::filesystem::path> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(KRENDER_SHARE_DIR))
-        if (entry.path().extension() == ".krs")
+        if (entry.path().extension() == ".krs" && entry.path().parent_path().filename() != "include")
             files.push_back(entry.path());
     std::sort(files.begin(), files.end());
     for (const auto& file : files)
     {
         std::ifstream in(file, std::ios::binary);
+        const std::string text{std::istreambuf_iterator<char>(in), {}};
+        if (text.find("#include") != std::string::npos)
+            continue;
+        in.seekg(0);
         std::string function;
         for (std::string line; std::getline(in, line);)
         {
