@@ -1,5 +1,6 @@
 #include <krender/geometry/Geometry.h>
 
+#include <krender/geometry/GeometryData.h>
 #include <krender/geometry/GeometryDataIndex.h>
 #include <krender/geometry/GeometryLogicalGroup.h>
 

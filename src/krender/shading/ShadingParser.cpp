@@ -1,7 +1,10 @@
 #include <krender/shading/ShadingParser.h>
 
 #include <krender/core/Exception.h>
+#include <krender/platform/String.h>
+#include <krender/shading/ShadingAttribute.h>
 #include <krender/shading/ShadingNodeSpec.h>
+#include <krender/shading/Token.h>
 #include <krender/shading/Tokenizer.h>
 
 #include <string>

@@ -2,6 +2,8 @@
 
 #include "krender/shading/private/Words.h"
 #include <krender/core/Exception.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
 #include <krender/shading/Token.h>
 
 #include <algorithm>

@@ -3,6 +3,7 @@
 #include <krender/platform/Linear.h>
 #include <krender/spatial/BoundingSphere.h>
 #include <krender/spatial/IBoundingPlanes.h>
+#include <krender/spatial/IBounds.h>
 
 #include <algorithm>
 #include <cstddef>

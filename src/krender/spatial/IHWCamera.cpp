@@ -2,6 +2,7 @@
 
 #include <krender/platform/Linear.h>
 #include <krender/spatial/Frustum.h>
+#include <krender/spatial/IBoundingVolume.h>
 #include <krender/spatial/IBounds.h>
 
 #include <cmath>
