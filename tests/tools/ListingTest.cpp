@@ -1,5 +1,6 @@
 #include "CaseName.h"
 #include "Program.h"
+#include "Schema.h"
 
 #include <nlohmann/json.hpp>
 
@@ -96,13 +97,13 @@ INSTANTIATE_TEST_SUITE_P(
     All, SpecsReport,
     testing::Values(Unreadable{"second function", "float f(float a);\nfloat g(float a;\n",
                                "stdlib.krs(line 2, column 1) : error Not a valid data type: ;\n", 1,
-                               R"([{"file": "<stdin>", "line": 2, "column": 16, "severity": "error", "name": null,
+                               R"([{"file": "<stdin>", "line": 2, "column": 1, "severity": "error", "name": null,
                                     "text": "Not a valid data type: ;"}])"},
-                    // The parser must never see this source: it would not return.
-                    Unreadable{"empty statement", "float f(float a) { ; }\n", "", 0,
+                    Unreadable{"empty statement", "float f(float a) { ; }\n",
+                               "stdlib.krs(line 1, column 20) : error Empty statement at line 1, column 20\n", 0,
                                R"([{"file": "<stdin>", "line": 1, "column": 20, "severity": "error",
-                                    "name": "empty-statement",
-                                    "text": "empty statement: parsing would never end"}])"}),
+                                    "name": null,
+                                    "text": "Empty statement"}])"}),
     CaseName());
 
 TEST(Specs, ForPeopleShowHeaders)
@@ -114,11 +115,78 @@ TEST(Specs, ForPeopleShowHeaders)
               "declaration float f(\n\t\tconstant float a)\ndefinition light l(\n\t\tout constant float r)\n");
 }
 
-// Both
+// Interface
+
+constexpr const char* kShaders = R"(const float3 kTint = float3(0.5);
+material ggx(
+    uniform float3 color = kTint * 2.0 [[ string label = "Base", float min = 0 ]],
+    uniform int steps = 3,
+    uniform bool soft = true,
+    uniform matrix2 m = matrix2(1.0, 2.0, 3.0, 4.5),
+    uniform sampler2D grain [[ string file = "wood.png" ]],
+    vertex float2 uv,
+    float3 gWorldPos,
+    out float4 outRGBA)
+{ outRGBA = steps > 2 && soft ? texture2D(grain, mul(m, uv)) : float4(color + gWorldPos, half(0.5)); }
+light lamp(out float3 outLightDiffuseColor) { outLightDiffuseColor = float3(1.0); }
+float half(float a) { return 0.5 * a; }
+float declared(inout float a);
+)";
+
+TEST(Interface, ForPeopleIsWrittenLikeASource)
+{
+    const Outcome outcome = Workplace().krslc({"interface", "-"}, {.input = kShaders});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out, "material ggx\n"
+                           "    uniform float3 color = float3(1, 1, 1)\n"
+                           "        label = \"Base\"\n"
+                           "        min = 0\n"
+                           "    uniform int steps = 3\n"
+                           "    uniform bool soft = true\n"
+                           "    uniform matrix2 m = matrix2(1, 2, 3, 4.5)\n"
+                           "    uniform sampler2D grain\n"
+                           "        file = \"wood.png\"\n"
+                           "    vertex float2 uv\n"
+                           "    float3 gWorldPos\n"
+                           "    out float4 outRGBA\n"
+                           "light lamp\n"
+                           "    out float3 outLightDiffuseColor\n"
+                           "float half\n"
+                           "    float a\n"
+                           "float declared (declared)\n"
+                           "    out float a\n");
+}
+
+TEST(Interface, AsJsonFollowsItsSchema)
+{
+    const Outcome outcome = Workplace().krslc({"interface", "-", "--json"}, {.input = kShaders});
+    EXPECT_EQ(schemaFault(outcome.out, "krslc-interface"), "");
+    const auto list = nlohmann::json::parse(outcome.out);
+    ASSERT_EQ(list.size(), 4u);
+    EXPECT_EQ(list[0]["arguments"][0], nlohmann::json::parse(R"({"name": "color", "type": "float3", "isOutput": false,
+        "minFrequency": "uniform", "maxFrequency": "uniform", "default": [1.0, 1.0, 1.0],
+        "metadata": {"label": "Base", "min": 0.0}})"));
+    EXPECT_EQ(list[0]["arguments"][1]["default"], 3);
+    EXPECT_EQ(list[0]["arguments"][2]["default"], true);
+    EXPECT_TRUE(list[0]["arguments"][4]["default"].is_null());
+    EXPECT_EQ(list[2]["result"], "float");
+    EXPECT_EQ(list[2]["line"], 13);
+    EXPECT_EQ(list[3]["hasBody"], false);
+}
+
+TEST(Interface, OfASourceWithErrorsIsItsErrors)
+{
+    const Outcome outcome = Workplace().krslc({"interface", "-", "--json"}, {.input = "float f(flot a);\n"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_TRUE(outcome.err.starts_with("<stdin>:1:9: error: ")) << outcome.err;
+}
+
+// All
 
 TEST(Listings, FailWhereTheyCannotBeWritten)
 {
-    for (const char* command : {"tokens", "specs"})
+    for (const char* command : {"tokens", "specs", "interface"})
     {
         const Outcome outcome =
             Workplace().krslc({command, "-"}, {.input = "float f(float a);\n", .standardOutput = "/dev/full"});

@@ -80,8 +80,10 @@ public:
     {
         std::array<char, 4096> bytes;
         ::fcntl(fMaster, F_SETFL, O_NONBLOCK);
-        const ssize_t got = ::read(fMaster, bytes.data(), bytes.size());
-        return {bytes.data(), got > 0 ? static_cast<std::size_t>(got) : 0};
+        std::string all;
+        for (ssize_t got; (got = ::read(fMaster, bytes.data(), bytes.size())) > 0;)
+            all.append(bytes.data(), static_cast<std::size_t>(got));
+        return all;
     }
 
 private:

@@ -1,22 +1,14 @@
 #include "SpecsCommand.h"
 
-#include "FindingsJson.h"
+#include "Report.h"
 
 #include <common/ExitStatus.h>
-#include <common/SourceReader.h>
+#include <common/PlainReading.h>
 #include <common/StandardOutput.h>
-
-#include <krender/shading/ShadingParser.h>
-
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <nlohmann/json.hpp>
 
-#include <cerrno>
-#include <cstring>
 #include <map>
-#include <memory>
 #include <utility>
 
 using krShadingDag::ShadingNodeSpec;
@@ -24,66 +16,6 @@ using nlohmann::ordered_json;
 
 namespace
 {
-
-/// A file in memory with the text of a source, so that the parser reads exactly what was looked through before, even
-/// from a pipe or a file that changes.
-class Snapshot
-{
-public:
-    explicit Snapshot(const krTools::Source& source) : fDescriptor(::memfd_create("krslc", MFD_CLOEXEC))
-    {
-        const int error = fDescriptor < 0 ? errno : krTools::writeAll(fDescriptor, source.text());
-        if (error != 0)
-            throw krTools::FileError("cannot copy '" + source.name() + "': " + std::strerror(error));
-    }
-    Snapshot(const Snapshot&) = delete;
-    Snapshot& operator=(const Snapshot&) = delete;
-    ~Snapshot() { ::close(fDescriptor); }
-
-    [[nodiscard]] std::string path() const { return "/proc/self/fd/" + std::to_string(fDescriptor); }
-
-private:
-    int fDescriptor;
-};
-
-/// Empties the spec library at the end, which owns what parsing enters into it.
-struct SpecLibraryCleaner
-{
-    SpecLibraryCleaner() = default;
-    SpecLibraryCleaner(const SpecLibraryCleaner&) = delete;
-    SpecLibraryCleaner& operator=(const SpecLibraryCleaner&) = delete;
-    ~SpecLibraryCleaner() { ShadingNodeSpec::clearLibrary(); }
-};
-
-/// What the plain parser made of a source.
-struct Reading
-{
-    bool parsed = false;
-    std::string messages;                                      ///< the parser's, as they are
-    std::map<const ShadingNodeSpec*, std::string> resultWords; ///< as written: a type, "material" or "light"
-};
-
-/// Parses a source into the spec library. What is wrong with it is found by a second reading: the parser's messages have
-/// no column and a fixed name in place of the file's, and there is one even when all went well.
-Reading read(const krTools::Source& source, krTools::Findings& findings)
-{
-    Reading reading;
-    krTools::SourceReader reader(source, findings);
-    // The parser would not come back from some sources.
-    if (!reader.scan())
-        return reading;
-    const Snapshot snapshot(source);
-    krShadingDag::ShadingParser parser;
-    reading.parsed = parser.parseFile(snapshot.path().c_str(), false);
-    reading.messages = parser.errorString().view();
-    reader.parse(
-        [&reading](const std::unique_ptr<ShadingNodeSpec>& spec, const krTools::FunctionOutline& outline)
-        {
-            const ShadingNodeSpec* const entered = ShadingNodeSpec::findSpecInLibrary(spec->name(), spec->arguments());
-            reading.resultWords[entered] = outline.resultWord;
-        });
-    return reading;
-}
 
 const char* nodeTypeName(const ShadingNodeSpec& spec)
 {
@@ -118,11 +50,10 @@ ordered_json jsonOf(const ShadingNodeSpec& spec)
 
 int printSpecs(const std::string& path, bool asJson)
 {
-    const SpecLibraryCleaner cleaner;
+    const krTools::SpecLibraryCleaner cleaner;
     const krTools::Source source(path);
     krTools::Findings findings;
-    Reading reading = read(source, findings);
-    findings.sort();
+    const krTools::PlainReading reading = readPlain(source, findings);
     krTools::print(stderr, source, findings);
 
     krTools::StandardOutput output;
@@ -132,16 +63,30 @@ int printSpecs(const std::string& path, bool asJson)
         for (const auto& [name, spec] : ShadingNodeSpec::fLibrary)
             functions.push_back(jsonOf(*spec));
         ordered_json problems = ordered_json::array();
-        appendFindings(problems, source, findings);
+        for (const krTools::Finding& finding : findings.kept())
+        {
+            const krTools::Source::Place place = source.place(finding.position);
+            problems.push_back({{"file", source.name()},
+                                {"line", place.line},
+                                {"column", place.column},
+                                {"severity", "error"},
+                                {"name", nullptr},
+                                {"text", krTools::printable(finding.text)}});
+        }
         output.write(textOf({{"parsed", reading.parsed},
                              {"messages", reading.messages},
                              {"problems", std::move(problems)},
                              {"functions", std::move(functions)}}));
     }
     else
+    {
+        std::map<const ShadingNodeSpec*, std::string> resultWords;
+        for (const krTools::PlainFunction& function : reading.functions)
+            resultWords[function.spec] = function.resultWord;
         for (const auto& [name, spec] : ShadingNodeSpec::fLibrary)
-            output.write(std::string(nodeTypeName(*spec)) + ' ' + reading.resultWords[spec] + ' ' +
+            output.write(std::string(nodeTypeName(*spec)) + ' ' + resultWords[spec] + ' ' +
                          spec->functionHeaderString().asChar());
+    }
     output.finish();
     return reading.parsed && !findings.hasErrors() ? krTools::kDone : krTools::kInputHasErrors;
 }

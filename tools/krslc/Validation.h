@@ -1,14 +1,10 @@
 #pragma once
-#include <common/Source.h>
+#include <common/Findings.h>
 
-/// The two programs of a material for one target, as they are written.
-struct ProgramPair
-{
-    bool isGlsl;
-    krTools::Source vertex; ///< named after its file
-    krTools::Source fragment;
-};
+#include <krender/shadergen/Target.h>
+#include <validation/PairFindings.h>
 
-/// Checks both programs with a compiler front end and prints what is wrong with them.
-/// @return  whether they are correct, as far as the front end can tell
-[[nodiscard]] bool validate(const ProgramPair& programs);
+/// Checks the two programs of a material for a target with a compiler front end, in a process of its own.
+/// @return  what is wrong with them, as far as the front end can tell
+[[nodiscard]] krTools::PairFindings validate(const Target& target, const krTools::Source& vertex,
+                                             const krTools::Source& fragment);

@@ -1,4 +1,5 @@
 #pragma once
+#include <map>
 #include <string>
 #include <vector>
 
@@ -6,7 +7,7 @@
 class FileWatch
 {
 public:
-    /// Watches these files instead of the former ones.
+    /// Watches these files instead of the former ones; changes of those that are among both are not lost.
     void watch(const std::vector<std::string>& files);
     /// Whether a file has changed, appeared or disappeared since the last call or watch().
     [[nodiscard]] bool hasChanged();
@@ -20,13 +21,8 @@ private:
         unsigned long node = 0;
         friend bool operator==(const State&, const State&) = default;
     };
-    struct File
-    {
-        std::string path;
-        State state;
-    };
 
     [[nodiscard]] static State stateOf(const std::string& path);
 
-    std::vector<File> fFiles;
+    std::map<std::string, State> fStates; ///< by path
 };

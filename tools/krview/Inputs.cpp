@@ -217,33 +217,34 @@ void fitToDriver(PixelArray2D& picture)
 
 } // namespace
 
-Inputs::Inputs(const Scene& scene, const Material& material)
+Inputs::Inputs(const Scene& scene, const Material& material, std::vector<std::string>& files)
 {
     std::vector<std::string> names;
-    for (const ProgramInput& input : material.inputs())
+    for (const ProgramInput& input : material.inputs)
         names.push_back(input.name);
     for (const auto& [name, value] : scene.inputs)
         if (std::find(names.begin(), names.end(), name) == names.end())
-            fail(value, "neither the material " + inQuotes(material.name()) + " nor its lights have an input " +
+            fail(value, "neither the material " + inQuotes(material.name) + " nor its lights have an input " +
                             inQuotes(name) + krTools::didYouMean(name, names));
 
-    for (const ProgramInput& input : material.inputs())
+    for (const ProgramInput& input : material.inputs)
     {
         const auto found = scene.inputs.find(input.name);
-        const InputValue* value = found == scene.inputs.end() ? nullptr : &found->second;
+        const InputValue* const ownValue = input.defaultValue ? &*input.defaultValue : nullptr;
+        const InputValue* const value = found == scene.inputs.end() ? ownValue : &found->second;
         if (input.perVertex)
             addAttribute(input, value);
         else
-            addUniform(input, value);
+            addUniform(input, value, files);
     }
     fAttributes.push_back({"gObjTangent", "tangent", {1, 0, 0}});
 }
 
-void Inputs::addUniform(const ProgramInput& input, const InputValue* value)
+void Inputs::addUniform(const ProgramInput& input, const InputValue* value, std::vector<std::string>& files)
 {
-    Uniform uniform{input.name, input.type, {}, {}};
+    Uniform uniform{input.programName, input.type, {}, {}};
     if (isSampler(input.type))
-        uniform.texture = texture(input, value);
+        uniform.texture = texture(input, value, files);
     else
         uniform.numbers = value ? numbersOf(*value, input) : defaultNumbers(input);
     fUniforms.push_back(std::move(uniform));
@@ -251,7 +252,7 @@ void Inputs::addUniform(const ProgramInput& input, const InputValue* value)
 
 void Inputs::addAttribute(const ProgramInput& input, const InputValue* value)
 {
-    Attribute attribute{input.name, likelyStream(input), defaultNumbers(input)};
+    Attribute attribute{input.programName, likelyStream(input), defaultNumbers(input)};
     if (const auto* named = value ? std::get_if<NamedValue>(&value->value) : nullptr)
     {
         const std::vector<std::string> names = streamNames();
@@ -267,7 +268,7 @@ void Inputs::addAttribute(const ProgramInput& input, const InputValue* value)
     fAttributes.push_back(std::move(attribute));
 }
 
-Ref<Texture> Inputs::texture(const ProgramInput& input, const InputValue* value)
+Ref<Texture> Inputs::texture(const ProgramInput& input, const InputValue* value, std::vector<std::string>& files)
 {
     const auto* named = value ? std::get_if<NamedValue>(&value->value) : nullptr;
     if (value && (!named || input.type != kSampler2D))
@@ -302,10 +303,10 @@ Ref<Texture> Inputs::texture(const ProgramInput& input, const InputValue* value)
     else
     {
         const std::string path = (std::filesystem::path(picture.directory) / picture.name).lexically_normal().string();
+        files.push_back(path);
         std::error_code failure;
         if (!std::filesystem::is_regular_file(path, failure))
             fail(*value, "there is no picture '" + path + "'" + krTools::didYouMean(picture.name, builtIn));
-        fFiles.push_back(path);
         pixels = readPng(path);
         fitToDriver(*pixels);
     }

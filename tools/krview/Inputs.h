@@ -17,10 +17,8 @@ class Inputs
 public:
     /// Checks the scene's values against the inputs of the material and its lights, and uploads their pictures. Throws an
     /// InputError, and a krTools::FileError for a picture that cannot be read.
-    Inputs(const Scene& scene, const Material& material);
-
-    /// The picture files in use.
-    [[nodiscard]] const std::vector<std::string>& files() const noexcept { return fFiles; }
+    /// @param files  the picture files that are read or missing are appended
+    Inputs(const Scene& scene, const Material& material, std::vector<std::string>& files);
 
     /// Sets the uniforms of the program, which must be in use.
     void setUniforms(const GlProgram& program) const;
@@ -44,11 +42,11 @@ private:
         std::vector<double> numbers;
     };
 
-    void addUniform(const ProgramInput& input, const InputValue* value);
+    void addUniform(const ProgramInput& input, const InputValue* value, std::vector<std::string>& files);
     void addAttribute(const ProgramInput& input, const InputValue* value);
-    [[nodiscard]] Ref<Texture> texture(const ProgramInput& input, const InputValue* value);
+    [[nodiscard]] static Ref<Texture> texture(const ProgramInput& input, const InputValue* value,
+                                              std::vector<std::string>& files);
 
     std::vector<Uniform> fUniforms;
     std::vector<Attribute> fAttributes;
-    std::vector<std::string> fFiles;
 };

@@ -11,7 +11,9 @@ struct Options
     std::string shape;
     std::string stdlib;
     std::vector<std::string> libraries;
-    std::vector<std::string> lights;   ///< KEY=FUNCTION
+    std::vector<std::string> includeFolders;
+    bool plain = false;
+    std::vector<std::string> lights;   ///< KEY=FUNCTION or KEY=FILE:FUNCTION
     std::vector<std::string> settings; ///< NAME=VALUE
     std::string size;                  ///< WxH
     unsigned grid = 0;

@@ -38,8 +38,16 @@ struct SceneLight
 {
     std::string key; ///< the prefix of the names of its inputs in the program
     std::string function;
-    std::string place; ///< where the light stands in the scene or the options, for messages
+    std::string place;  ///< where the light stands in the scene or the options, for messages
+    std::string source; ///< the file that the function is in; empty: one of the libraries
 };
+
+/// The lights of a scene that names none.
+[[nodiscard]] inline std::vector<SceneLight> defaultLights()
+{
+    const std::string place = "the light that comes with every scene";
+    return {{"sun", "directionalLight", place, ""}, {"sky", "skyLight", place, ""}};
+}
 
 /// What is shown and how. Angles are in degrees, colours red, green and blue from 0 to 1.
 struct Scene
@@ -47,7 +55,9 @@ struct Scene
     std::string material; ///< FILE or FILE:NAME
     std::string stdlib;
     std::vector<std::string> libraries;
-    std::optional<std::vector<SceneLight>> lights; ///< nothing: default lights that suit the material
+    std::vector<std::string> includeFolders;       ///< where included files are looked for after their own folder
+    bool plain = false;                            ///< whether the sources are read as plain KRSL
+    std::optional<std::vector<SceneLight>> lights; ///< nothing: defaultLights()
     std::map<std::string, InputValue> inputs;      ///< by the names of the uniforms and of the per-vertex inputs
 
     Shape shape = Shape::Sphere;

@@ -5,7 +5,7 @@
 
 #include <common/DataFiles.h>
 #include <common/Findings.h>
-#include <common/MaterialReader.h>
+#include <common/Modules.h>
 #include <common/Source.h>
 #include <common/UsageError.h>
 #include <common/Words.h>
@@ -88,6 +88,7 @@ void readLight(const SceneValue& value, Scene& scene)
     value.readMembers({
         {"key", [&](const SceneValue& key) { light.key = key.text(); }},
         {"function", [&](const SceneValue& function) { light.function = function.text(); }},
+        {"source", [&](const SceneValue& source) { light.source = fileOf(source, source.text()); }},
         {"inputs", [&](const SceneValue& all)
          { all.forEachMember([&](const auto& name, const auto& input) { inputs[name] = inputValue(input); }); }},
     });
@@ -274,15 +275,22 @@ void applyOptions(const Options& options, Scene& scene)
     if (!options.stdlib.empty())
         scene.stdlib = options.stdlib;
     scene.libraries.insert(scene.libraries.end(), options.libraries.begin(), options.libraries.end());
+    scene.includeFolders = options.includeFolders;
+    scene.plain = options.plain;
     if (!options.lights.empty())
         scene.lights.emplace();
     for (const std::string& option : options.lights)
     {
         const auto [key, function] = assignment("--light", option, "KEY=FUNCTION");
+        const std::size_t colon = function.rfind(':');
+        const bool hasSource = colon != std::string::npos;
         for (const SceneLight& other : *scene.lights)
             if (other.key == key)
                 throw UsageError("--light " + option + ": another light has this key, and their inputs would clash");
-        scene.lights->push_back({key, function, "--light " + option});
+        scene.lights->push_back({.key = key,
+                                 .function = hasSource ? function.substr(colon + 1) : function,
+                                 .place = "--light " + option,
+                                 .source = hasSource ? function.substr(0, colon) : ""});
     }
     for (const std::string& option : options.settings)
     {
@@ -315,5 +323,8 @@ std::optional<Scene> readScene(const Options& options)
     scene.files.push_back(krTools::materialName(scene.material).file);
     scene.files.push_back(scene.stdlib);
     scene.files.insert(scene.files.end(), scene.libraries.begin(), scene.libraries.end());
+    for (const SceneLight& light : scene.lights.value_or(std::vector<SceneLight>()))
+        if (!light.source.empty())
+            scene.files.push_back(light.source);
     return scene;
 }

@@ -154,7 +154,6 @@ private:
             const std::optional<Scene> scene = readScene(fOptions);
             if (scene && fStage.load(*scene))
             {
-                fWatch.watch(fStage.files());
                 std::printf("krview: now showing %s\n", fStage.description().c_str());
                 std::fflush(stdout);
             }
@@ -167,6 +166,8 @@ private:
         {
             krTools::print(stderr, "krview", krTools::Severity::Error, error.what());
         }
+        // Also after an error: it may stand in a file that is included for the first time.
+        fWatch.watch(fStage.files());
         fView.windowMoved();
     }
 

@@ -1,6 +1,9 @@
 #include "Stage.h"
 
 #include "DeviceBuffer.h"
+#include "GlProgram.h"
+#include "Material.h"
+#include "PlainMaterial.h"
 #include "ShapeJoiner.h"
 #include "Streams.h"
 
@@ -39,13 +42,14 @@ Stage::Stage()
 
 bool Stage::load(const Scene& scene)
 {
-    const std::unique_ptr<Material> material = Material::read(scene);
+    fFiles = scene.files;
+    const std::optional<Material> material = scene.plain ? compilePlainMaterial(scene) : compileMaterial(scene, fFiles);
     if (!material)
         return false;
     std::unique_ptr<GlProgram> program = GlProgram::link(*material);
     if (!program)
         return false;
-    Inputs inputs(scene, *material);
+    Inputs inputs(scene, *material, fFiles);
 
     const bool isSameShape =
         fProgram && fScene.shape == scene.shape && fScene.smooth == scene.smooth && fScene.particles == scene.particles;
@@ -55,7 +59,7 @@ bool Stage::load(const Scene& scene)
     fGrid.emplace(scene.grid, scene.spacing, fFountain ? Fountain::bounds() : surface->boundingBox());
     fOverlays->find(kAxesProcedure)->enable(scene.axes);
     fOverlays->find(kWireProcedure)->enable(scene.wire);
-    fMaterialName = material->name();
+    fMaterialName = material->name;
     fProgram = std::move(program);
     fInputs = std::move(inputs);
     fScene = scene;
@@ -86,13 +90,6 @@ void Stage::buildGeometry(const Scene& scene)
 }
 
 std::string Stage::description() const { return fMaterialName + " on " + shapeName(fScene.shape); }
-
-std::vector<std::string> Stage::files() const
-{
-    std::vector<std::string> files = fScene.files;
-    files.insert(files.end(), fInputs->files().begin(), fInputs->files().end());
-    return files;
-}
 
 void Stage::draw(View& view, int width, int height, double seconds)
 {

@@ -35,8 +35,8 @@ public:
     /// The material and the shape, such as "phong on sphere".
     [[nodiscard]] std::string description() const;
     [[nodiscard]] const DrawProcedureList& overlays() const noexcept { return *fOverlays; }
-    /// The files that the scene was read from, its pictures included.
-    [[nodiscard]] std::vector<std::string> files() const;
+    /// The files that the last load() read or looked for: sources, what they include, pictures.
+    [[nodiscard]] const std::vector<std::string>& files() const noexcept { return fFiles; }
     [[nodiscard]] const ObjectGrid& grid() const noexcept { return *fGrid; }
     [[nodiscard]] const MeshUpload& upload() const noexcept { return fUpload; }
 
@@ -47,6 +47,7 @@ private:
     void drawObjects();
 
     Scene fScene;
+    std::vector<std::string> fFiles;
     std::string fMaterialName;
     std::unique_ptr<GlProgram> fProgram;
     std::optional<Inputs> fInputs;

@@ -189,7 +189,8 @@ void checkWords(std::string_view program, Findings& findings)
                     const std::size_t next = program.find_first_not_of(kBlanks, word.position + word.text.size());
                     const bool isMember = word.position > 0 && program[word.position - 1] == '.';
                     if (isMember && word.text.find_first_not_of("stpq") == std::string_view::npos)
-                        findings.error(word.position, inQuotes(word.text) + " names no components: Cg has xyzw and rgba");
+                        findings.error(word.position,
+                                       inQuotes(word.text) + " names no components: Cg has xyzw and rgba");
                     else if (word.text == "return" && next != std::string_view::npos && program[next] == ';')
                         findings.error(word.position, "a value is missing: this program returns a colour");
                 });

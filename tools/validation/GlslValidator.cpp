@@ -1,7 +1,8 @@
 #include <validation/GlslValidator.h>
 
-#include <common/Preamble.h>
 #include <validation/GlslangLog.h>
+
+#include <krender/shadergen/Target.h>
 
 #include <glslang/Public/ResourceLimits.h>
 #include <glslang/Public/ShaderLang.h>
@@ -21,9 +22,10 @@ void compile(glslang::TShader& shader, const Source& program, Findings& findings
 {
     // glslang wants the version in the first of the strings that are not skipped, an empty one included.
     const std::string_view text = program.text();
+    const std::string_view preamble = findTarget("glsl")->preamble;
     const bool isWhole = text.starts_with("#version");
-    const std::array<const char*, 2> strings{isWhole ? text.data() : kGlsl120Preamble.data(), text.data()};
-    const std::array<int, 2> lengths{static_cast<int>(isWhole ? text.size() : kGlsl120Preamble.size()),
+    const std::array<const char*, 2> strings{isWhole ? text.data() : preamble.data(), text.data()};
+    const std::array<int, 2> lengths{static_cast<int>(isWhole ? text.size() : preamble.size()),
                                      static_cast<int>(text.size())};
     shader.setStringsWithLengths(strings.data(), lengths.data(), isWhole ? 1 : 2);
     const bool ok = shader.parse(GetDefaultResources(), kVersion, false, EShMsgDefault);

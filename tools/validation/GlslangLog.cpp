@@ -94,9 +94,7 @@ void addLog(std::string_view log, const Source& program, unsigned string, Findin
                 text.starts_with('\'') ? std::string_view(text).substr(1, text.find('\'', 1) - 1) : std::string_view();
             position += findWord(program.place(position).text, word);
             constexpr std::string_view kNoWord = "'' : ";
-            findings.add({position,
-                          severity,
-                          {},
+            findings.add({position, severity,
                           word.empty() && text.starts_with(kNoWord) ? text.substr(kNoWord.size()) : std::move(text)});
         });
 }

@@ -75,13 +75,22 @@ void Checker::checkBody(Function& function)
     fLoops = 0;
     fSet.clear();
     const Scope scope(*this);
+    std::array<const Symbol*, kProvidedValues.size()> listed{};
     for (Symbol* argument = function.arguments; argument; argument = argument->next)
     {
         argument->isSet = argument->kind != SymbolKind::Output;
         const Symbol* provided = fProvidedByName[argument->name];
         const bool isListed = provided && function.kind != FunctionKind::Regular && argument->kind == SymbolKind::Input;
         if (!isListed) // a value that programs provide, listed to say that it is used
+        {
             declare(*argument);
+            continue;
+        }
+        const Symbol*& first = listed[provided->provided];
+        if (first)
+            fDiagnostics.report(Message::Redeclared, argument->range, {fStore.names.text(argument->name)})
+                .note(first->range, "it is declared here");
+        first = argument;
     }
     if (function.kind == FunctionKind::Regular && function.result != kVoidType)
     {

@@ -82,6 +82,27 @@ void forEachExpr(const Stmt* first, Visitor visit)
         }
 }
 
+/// The function that Cg's text of an expression calls where the source calls none; empty: there is none.
+std::string_view insertedByCg(const Expr& expr) noexcept
+{
+    const auto isMatrix = [](const Expr* e) { return e && e->type.isMatrix(); };
+    switch (expr.kind)
+    {
+    case ExprKind::Binary:
+        if (expr.op == TokenKind::Equal || expr.op == TokenKind::NotEqual)
+            return !expr.first->type.isVector() ? "" : expr.op == TokenKind::Equal ? "all" : "any";
+        return expr.op == TokenKind::Star && (isMatrix(expr.first) || isMatrix(expr.second())) ? "mul" : "";
+    case ExprKind::Index:
+        return isMatrix(expr.first) ? "transpose" : "";
+    case ExprKind::Construct:
+        return isMatrix(&expr) ? "transpose" : "";
+    case ExprKind::Variable:
+        return isMatrix(&expr) && expr.symbol->kind == SymbolKind::Constant ? "transpose" : "";
+    default:
+        return "";
+    }
+}
+
 } // namespace
 
 void TracedText::append(std::string_view more, TextOrigin origin, bool follows)
@@ -183,7 +204,6 @@ void Lowering::collectAllCalls(const Function& shader, std::unordered_set<std::s
 
 void Lowering::collectInserted(const Function& function, std::unordered_set<std::string>& names)
 {
-    names.insert({"all", "any", "mul", "transpose"});
     forEachExpr(function.body,
                 [&](Expr* expr, const Symbol*)
                 {
@@ -192,6 +212,8 @@ void Lowering::collectInserted(const Function& function, std::unordered_set<std:
                           {
                               if (e->kind == ExprKind::Call && spellingOf(*e) != nameText(e->name))
                                   names.emplace(spellingOf(*e));
+                              if (const std::string_view name = insertedByCg(*e); isCg() && !name.empty())
+                                  names.emplace(name);
                           });
                 });
 }
@@ -312,6 +334,8 @@ void Lowering::lowerHeader(const Function& shader, LoweredShader& lowered)
         // A value that programs have anyway is not declared by them again, whatever its header says.
         const krShadingDag::CompFreqRange range =
             isProvidedName(nameText(argument->name)) ? krShadingDag::kFullRange : argument->frequencies;
+        if (isCg() && argument->type == Type{BaseType::Matrix, 2, 0})
+            fProgram.needHelper("#define matrix2 float2x2\n"); // which the frame does not have, as it has the others
         const krString::CString name{std::string_view(nameOf(*argument))};
         if (argument->kind == SymbolKind::Input)
             spec.addInput(dataType(argument->type), name, range);

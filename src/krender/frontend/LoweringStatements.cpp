@@ -15,6 +15,11 @@ bool isSimple(const Stmt& statement) noexcept
            statement.kind == StmtKind::Continue || statement.kind == StmtKind::Discard;
 }
 
+bool beginsWithType(std::string_view text) noexcept
+{
+    return typeOfWord(text.substr(0, text.find_first_of(" \t\r\n(/"))).isKnown();
+}
+
 } // namespace
 
 void Lowering::addText(StatementCompound& list, StatementType type, const std::string& text, Offset origin)
@@ -54,6 +59,13 @@ void Lowering::lowerStatement(const Stmt& statement, StatementCompound& list)
         lowerStatements(statement.body, addCompound(list, StatementType::Block, "", statement.begin));
         break;
     case StmtKind::Expression:
+    {
+        const std::string text = textOf(statement, statement.range());
+        const bool seemsDeclared = isCg() && beginsWithType(text); // a type's name begins a declaration there
+        addText(list, StatementType::Opaque,
+                seemsDeclared ? concat({"(", text.substr(0, text.size() - 1), ");"}) : text, statement.begin);
+        break;
+    }
     case StmtKind::Declaration:
     case StmtKind::Break:
     case StmtKind::Continue:
@@ -152,10 +164,17 @@ void Lowering::editSimple(const Stmt& statement, TextEdits& edits)
 bool Lowering::keepsConst(const Stmt& statement) const
 {
     // The targets want values that they can work out themselves; whether a call is one of these they see differently.
+    // "%" becomes a call where the target has none.
+    bool keeps = true;
+    ExprWalk walk;
     for (const Symbol* variable = statement.variables; variable; variable = variable->next)
+    {
         if (!variable->value)
             return false;
-    return true;
+        if (!isCg())
+            walk(variable->initializer, [&](const Expr* e) { keeps &= e->op != TokenKind::Percent; });
+    }
+    return keeps;
 }
 
 void Lowering::editDeclaration(const Stmt& statement, TextEdits& edits)

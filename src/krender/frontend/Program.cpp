@@ -149,12 +149,14 @@ private:
     {
         Lowering& material = loweringOf(*fRequest.module);
         material.collectAllCalls(*fMaterial, fShading.called);
+        material.collectInserted(*fMaterial, fShading.called);
         material.collectInserted(*fMaterial, fShading.hiding);
         for (const Light& light : fLights)
         {
             Lowering& lowering = loweringOf(*light.use->module);
             lowering.collectAllCalls(*light.function, fShading.called);
             lowering.collectCalls(*light.function, fShading.hiding);
+            lowering.collectInserted(*light.function, fShading.called);
             lowering.collectInserted(*light.function, fShading.hiding);
         }
         // The frame calls these itself, where a vertex input would hide them.

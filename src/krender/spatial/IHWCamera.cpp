@@ -1,5 +1,9 @@
 #include <krender/spatial/IHWCamera.h>
 
+#include <krender/platform/Linear.h>
+#include <krender/spatial/Frustum.h>
+#include <krender/spatial/IBounds.h>
+
 #include <cmath>
 #include <numbers>
 

@@ -91,6 +91,7 @@ private:
     Stmt* readDo();
     Stmt* readIlluminance();
     Stmt* readReturn();
+    [[nodiscard]] bool beginsValue() const noexcept;
     Stmt* finishSimple(Stmt* statement);
 
     // Expressions. A null never comes back: what cannot be read is of kind Bad, and fFailed is set.
