@@ -135,6 +135,7 @@ material full(
     };
     const Image image = drawn(GetParam().arguments);
     ASSERT_EQ(image.width, 120U);
+    EXPECT_GT(image.at(60, 45)[0], 4) << "a value does not reach the program";
     EXPECT_EQ(image.bytes, drawn(GetParam().alsoAs).bytes);
 }
 
