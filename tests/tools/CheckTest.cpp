@@ -110,11 +110,6 @@ INSTANTIATE_TEST_SUITE_P(
                         "    ^\n",
                         {"-Wplain"},
                         0},
-                    Case{"unknown warning",
-                         kUnused,
-                         "krslc: error: no warning is called \"unused\"\nTry \"krslc --help\".\n",
-                         {"-Wno-unused"},
-                         2},
                     Case{"mistyped warning",
                          kUnused,
                          "krslc: error: no warning is called \"hiden-name\"; did you mean hidden-name?\n"
