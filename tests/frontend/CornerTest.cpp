@@ -23,7 +23,7 @@ class Corners : public testing::TestWithParam<Corner>
 
 constexpr Corner kCorners[] = {
     {"ReturnedValueOnTheNextLine", "f += next(f);", "float next(float x)\n{\n    return\n        x + 1.0;\n}\n"},
-    {"ConstantWithRemainder", "const int k = 7 % 4; f += k;"},
+    {"ConstantWithRemainder", "const int k = 7 % 4; const int2 j = int2(k, 1); f += k + j.x;"},
     {"ConstantOfAnInputsDefault", "const float k = u + 1.0; bool b = n > k; f += b ? k : 0;"},
     {"IndexOfAnInputsDefault", "f += v[n];"},
     {"FloatConstantOfAnInt", "f += kHalf;", "const int kOne = 1;\nconst float kHalf = kOne;\n"},
