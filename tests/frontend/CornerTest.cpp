@@ -45,7 +45,8 @@ constexpr Corner kCorners[] = {
      "f = b ? one(f) : (u > 0.5 ? one(arr[0]) : 0);"
      "for (int i = 0, j = 3; i < j && one(f) < 9.0; i++) ;",
      "float one(inout float x) { x += 0.5; return x; }\n"},
-    {"ChainsOfOperators", "bool b = u > 0.5 ^^ n > 1 ^^ true; b = b == true != false; f += b ? 1 : 2; f = -(-f) - -f;"},
+    {"ChainsOfOperators", "f += u > 5.0 && n > 1 ^^ true ? 1 : 2; bool b = u > 0.5 ^^ n > 1 ^^ true; b = b == true != "
+                          "false; f += b ? 1 : 2; f = -(-f) - -f;"},
     {"CommentsInOddPlaces", "f /* a */ += /* b */ float /* c */ ( // d\n n /* e */ % /* f */ 2 ) /* g */ ;"},
     {"HeadsOverSeveralLines",
      "for (int i = 0;\n     i < 3; // three\n     i++)\n    if (i\n        == 1)\n        continue;"},
