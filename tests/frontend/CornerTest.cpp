@@ -23,7 +23,7 @@ class Corners : public testing::TestWithParam<Corner>
 
 constexpr Corner kCorners[] = {
     {"ReturnedValueOnTheNextLine", "f += next(f);", "float next(float x)\n{\n    return\n        x + 1.0;\n}\n"},
-    {"ConstantWithRemainder", "const int k = 7 % 4; f += k;"},
+    {"ConstantWithRemainder", "const int k = 7 % 4; const int2 j = int2(k, 1); f += k + j.x;"},
     {"ConstantOfAnInputsDefault", "const float k = u + 1.0; bool b = n > k; f += b ? k : 0;"},
     {"IndexOfAnInputsDefault", "f += v[n];"},
     {"FloatConstantOfAnInt", "f += kHalf;", "const int kOne = 1;\nconst float kHalf = kOne;\n"},
@@ -45,7 +45,8 @@ constexpr Corner kCorners[] = {
      "f = b ? one(f) : (u > 0.5 ? one(arr[0]) : 0);"
      "for (int i = 0, j = 3; i < j && one(f) < 9.0; i++) ;",
      "float one(inout float x) { x += 0.5; return x; }\n"},
-    {"ChainsOfOperators", "bool b = u > 0.5 ^^ n > 1 ^^ true; b = b == true != false; f += b ? 1 : 2; f = -(-f) - -f;"},
+    {"ChainsOfOperators", "f += u > 5.0 && n > 1 ^^ true ? 1 : 2; bool b = u > 0.5 ^^ n > 1 ^^ true; b = b == true != "
+                          "false; f += b ? 1 : 2; f = -(-f) - -f;"},
     {"CommentsInOddPlaces", "f /* a */ += /* b */ float /* c */ ( // d\n n /* e */ % /* f */ 2 ) /* g */ ;"},
     {"HeadsOverSeveralLines",
      "for (int i = 0;\n     i < 3; // three\n     i++)\n    if (i\n        == 1)\n        continue;"},
@@ -68,6 +69,69 @@ TEST_P(Corners, AreAcceptedAndDrawnTheSameByEveryTarget)
 }
 
 INSTANTIATE_TEST_SUITE_P(Sources, Corners, testing::ValuesIn(kCorners),
+                         [](const auto& given) { return std::string(given.param.name); });
+
+/// What a program means, and not only that the targets agree about it: statements that leave a value in f.
+struct Meaning
+{
+    const char* name;
+    const char* statements;
+    const char* value;
+};
+
+void PrintTo(const Meaning& meaning, std::ostream* out) { *out << meaning.name; }
+
+class Meanings : public testing::TestWithParam<Meaning>
+{
+};
+
+constexpr Meaning kMeanings[] = {
+    {"ElseIfs",
+     "for (int i = 0; i < 4; i++) if (i < 1) f += 1; else if (i < 2) f += 10; else if (i < 3) f += 100; "
+     "else f += 1000;",
+     "1111"},
+    {"NestedElse", "if (f < 1) if (f > 1) f = 5; else f = 7;", "7"},
+    {"BreakAndContinue", "for (int i = 0; i < 9; i++) { if (i == 2) continue; if (i == 5) break; f += i; }", "8"},
+    {"DoAndWhile", "int i = 5; do f += 1; while (i < 3); while (i-- > 2) f += 10;", "31"},
+    {"ReturnAndOutput", "f = early(2) + early(-2);", "13"},
+    {"InoutAndOut", "float b; f = both(b, f); f += b;", "8"},
+    {"Remainders", "f = -7 % 4 + 7 % -4 * 10;", "27"},
+    {"IntDivision", "f = 7 / 2 + float(7) / 2;", "6.5"},
+    {"ShortCircuit", "bool b = f > 1 && (f = 9) > 1 || (f += 2) > 1; b = b || (f = 100) > 1;", "2"},
+    {"HiddenNames", "{ float f = f + 3; f += 1; } float early = early(2); f += early;", "3"},
+    {"MatrixTimesVector", "f = (matrix2(1, 2, 3, 4) * float2(1, 10)).y + mul(float2(1, 10), matrix2(1, 2, 3, 4)).x;",
+     "63"},
+    {"Columns", "matrix2 m = matrix2(1, 2, 3, 4); m[1] = float2(5, 6); m[0][1] = 7; f = m[1].x * 10 + (m * m)[0].y;",
+     "99"},
+    {"Swizzles", "float4 v = float4(1, 2, 3, 4); v.wzy = v.xyz; f = dot(v, float4(1000, 100, 10, 1));", "1321"},
+    {"Overloads", "f = which(1) + which(1.0) * 10 + which(float2(1)) * 100;", "321"},
+    {"Mod", "f = mod(-1, 4) + mod(-5.0, 3.0) * 10;", "13"},
+    {"Precedence", "f = 1 + 2 * 3 - 4 / 2 + (true || false && false ? 10 : 20) + (false ^^ true && true ? 100 : 0);",
+     "115"},
+};
+
+TEST_P(Meanings, AreDrawnByEveryTarget)
+{
+    constexpr std::string_view kFunctions =
+        "float early(float x) { output = 3; if (x > 0) return x + 1; output += 7; }\n"
+        "float both(out float a, inout float b) { a = 5; b += 1; return b + 2; }\n"
+        "float which(int i) { return 1; }\nfloat which(float x) { return 2; }\n"
+        "float which(float2 v) { return 3; }\n";
+    const auto sourceOf = [&](const Meaning& meaning)
+    {
+        return std::string(kFunctions) + "material m(out float4 outRGBA)\n{\n    float f = 0;\n    " +
+               meaning.statements + "\n    outRGBA = abs(f - " + meaning.value +
+               ") < 0.01 ? float4(1) : float4(0, 0, 0, 1);\n}\n";
+    };
+    const CompiledSource found = compileSource(sourceOf(GetParam()));
+    ASSERT_EQ(found.problems, "");
+    const CompiledSource white = compileSource(sourceOf({"", "", "0"}));
+    Canvas canvas;
+    EXPECT_EQ(pictureDifference(canvas, {{found.programs[0], white.programs[1]}, ""}), 0.0) << textsOf(found);
+    EXPECT_EQ(pictureDifference(canvas, {{white.programs[0], found.programs[1]}, ""}), 0.0) << textsOf(found);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, Meanings, testing::ValuesIn(kMeanings),
                          [](const auto& given) { return std::string(given.param.name); });
 
 } // namespace

@@ -105,7 +105,7 @@ scenes::Programs cgAsGlsl(const scenes::Programs& programs)
 {
     // What leaves the one stage and enters the other has to have one name.
     const std::regex leaving(R"(\b_entryPointOutput_)");
-    const std::regex entering(R"(\bIN_)");
+    const std::regex entering(R"(\bIN_(?!\d))"); // IN_1 is an input that was called IN
     return {
         std::regex_replace(nameUniforms(decompile(codeOf(EShLangVertex, programs.vertex)), "inVertex"), leaving, "to_"),
         std::regex_replace(nameUniforms(decompile(codeOf(EShLangFragment, programs.fragment)), "inFragment"), entering,

@@ -161,19 +161,21 @@ void Lowering::editSimple(const Stmt& statement, TextEdits& edits)
         edit(statement.step, edits);
 }
 
-bool Lowering::keepsConst(const Stmt& statement) const
+bool Lowering::keepsConst(const Stmt& statement)
 {
     // The targets want values that they can work out themselves; whether a call is one of these they see differently.
-    // "%" becomes a call where the target has none.
+    // "%" becomes a call where the target has none, and a variable that lost the word is none of these values either.
     bool keeps = true;
-    ExprWalk walk;
+    const auto consider = [&](const Expr* e)
+    { keeps &= e->kind == ExprKind::Variable ? !fUnconst.contains(e->symbol) : isCg() || e->op != TokenKind::Percent; };
     for (const Symbol* variable = statement.variables; variable; variable = variable->next)
     {
-        if (!variable->value)
-            return false;
-        if (!isCg())
-            walk(variable->initializer, [&](const Expr* e) { keeps &= e->op != TokenKind::Percent; });
+        keeps &= variable->value != nullptr;
+        if (keeps)
+            fWalk(variable->initializer, consider);
     }
+    for (const Symbol* variable = statement.variables; variable && !keeps; variable = variable->next)
+        fUnconst.insert(variable);
     return keeps;
 }
 

@@ -130,7 +130,7 @@ private:
                                    Offset origin);
     void editSimple(const Stmt& statement, TextEdits& edits);
     void editDeclaration(const Stmt& statement, TextEdits& edits);
-    [[nodiscard]] bool keepsConst(const Stmt& statement) const;
+    [[nodiscard]] bool keepsConst(const Stmt& statement);
     /// The source of a statement, or of a part of it, as the target takes it.
     [[nodiscard]] std::string textOf(const Stmt& statement, SourceRange range);
 
@@ -176,6 +176,7 @@ private:
     ExprWalk fWalk;
     std::unordered_map<const Symbol*, std::string> fNames; // those that differ from the source, and asked-for ones
     std::unordered_map<const Expr*, Wrap> fArgumentWraps;  // of arguments that are yet to be visited
+    std::unordered_set<const Symbol*> fUnconst;            // const locals that the program declares without the word
     std::string fReturnText;                               // what a "return;" becomes
     std::unordered_map<const Statement*, TextOrigin>* fOrigins = nullptr; // of the statements that are being made
 };
