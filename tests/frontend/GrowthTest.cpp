@@ -306,7 +306,9 @@ TEST(Memory, OfTheShippedSourcesIsAtMostTwentyTimesTheirSize)
     {
         std::ostringstream text;
         text << std::ifstream(entry.path()).rdbuf();
-        shipped += text.str();
+        if (text.str().find("#include") ==
+            std::string::npos) // these have functions of their own, which are no material
+            shipped += text.str();
     }
     std::string all;
     for (unsigned i = 0; all.size() < (std::size_t{10} << 20); ++i)
