@@ -40,6 +40,10 @@ std::string plainName(std::string name)
     if (name.starts_with("IN_"))
         name.erase(0, 3);
     name.erase(0, name.find('.') + 1);
+    constexpr std::string_view kHiddenPrefix =
+        "krslc_"; // which the Cg check puts ahead of a word that its reader reserves
+    if (const std::size_t hidden = name.find(kHiddenPrefix); hidden != std::string::npos)
+        name.erase(0, hidden + kHiddenPrefix.size());
     return name.substr(name.starts_with('_')); // which a decompiler puts ahead of a word that GLSL reserves
 }
 
