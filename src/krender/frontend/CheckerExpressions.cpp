@@ -66,8 +66,6 @@ bool Checker::enterExpr(Expr* expr)
 
 void Checker::leaveExpr(Expr* expr)
 {
-    for (const Expr* operand = expr->first; operand; operand = operand->next)
-        expr->hasEffect |= operand->hasEffect;
     switch (expr->kind)
     {
     case ExprKind::Bad:
@@ -110,6 +108,8 @@ void Checker::leaveExpr(Expr* expr)
         checkSwizzle(expr);
         break;
     }
+    for (const Expr* operand = expr->first; operand; operand = operand->next)
+        expr->hasEffect |= operand->hasEffect;
 }
 
 Symbol* Checker::findVariable(Name name)

@@ -11,7 +11,6 @@ namespace krFrontend
 namespace
 {
 
-using krShadingDag::StatementCompound;
 using krShadingDag::StatementPrinter;
 
 /// Prints a function's body and keeps where its lines came from.

@@ -151,6 +151,7 @@ const std::vector<DiagnosticKind>& diagnosticKinds()
     static const std::vector<DiagnosticKind> kinds = []
     {
         std::vector<DiagnosticKind> list;
+        list.reserve(kRows.size());
         for (const Row& row : kRows)
             list.push_back(row.kind);
         return list;

@@ -20,10 +20,10 @@ public:
     {
     }
 
-    std::unique_ptr<ModuleContents> read(const std::string& name, const std::string* text)
+    std::unique_ptr<ModuleContents> read(const std::string& name, std::string* text)
     {
         if (text && text->size() <= kMostSourceBytes)
-            fContents->sources.add(name, *text);
+            fContents->sources.add(name, std::move(*text));
         else
             readFirst(name, text != nullptr);
         fSeen.insert(std::filesystem::path(name).lexically_normal().string());
