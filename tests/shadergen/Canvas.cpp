@@ -205,12 +205,12 @@ std::vector<float> stream(const std::string& name)
 std::vector<GLuint> triangles()
 {
     std::vector<GLuint> indices;
-    constexpr GLuint row = kSlices + 1;
+    constexpr GLuint kRow = kSlices + 1;
     for (GLuint stack = 0; stack < kStacks; ++stack)
         for (GLuint slice = 0; slice < kSlices; ++slice)
         {
-            const GLuint a = stack * row + slice;
-            indices.insert(indices.end(), {a, a + 1, a + row, a + 1, a + row + 1, a + row});
+            const GLuint a = stack * kRow + slice;
+            indices.insert(indices.end(), {a, a + 1, a + kRow, a + 1, a + kRow + 1, a + kRow});
         }
     return indices;
 }
