@@ -1,6 +1,10 @@
 #include "krender/frontend/private/DiagnosticList.h"
 
+#include <krender/frontend/Diagnostic.h>
+
 #include <algorithm>
+#include <memory>
+#include <string>
 
 namespace krFrontend
 {

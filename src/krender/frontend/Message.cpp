@@ -1,7 +1,11 @@
 #include "krender/frontend/private/Message.h"
 
+#include <krender/frontend/Diagnostic.h>
+
 #include <algorithm>
 #include <array>
+#include <string_view>
+#include <vector>
 
 namespace krFrontend
 {

@@ -1,7 +1,12 @@
 #include <krender/frontend/Module.h>
 
 #include "krender/frontend/private/Checker.h"
+#include "krender/frontend/private/DiagnosticList.h"
+#include "krender/frontend/private/Message.h"
 #include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/SyntaxReader.h"
+
+#include <krender/frontend/Diagnostic.h>
 
 #include <filesystem>
 #include <unordered_set>

@@ -2,6 +2,7 @@
 
 #include "krender/shading/private/StatementPrinter.h"
 #include <krender/platform/String.h>
+#include <krender/shadergen/FragmentExtras.h>
 #include <krender/shadergen/LightSpec.h>
 #include <krender/shading/DataType.h>
 #include <krender/shading/ShadingAttribute.h>

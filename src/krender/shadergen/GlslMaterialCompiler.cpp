@@ -2,6 +2,7 @@
 
 #include "krender/shadergen/private/FragmentWriter.h"
 #include <krender/platform/String.h>
+#include <krender/shadergen/FragmentExtras.h>
 #include <krender/shadergen/InterpolantBank.h>
 #include <krender/shadergen/LightSpec.h>
 #include <krender/shading/DataType.h>
