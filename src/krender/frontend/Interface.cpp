@@ -9,6 +9,7 @@
 #include "krender/frontend/private/Type.h"
 
 #include <krender/frontend/Module.h>
+#include <krender/frontend/SourceSet.h>
 
 #include <array>
 #include <memory>

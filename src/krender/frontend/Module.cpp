@@ -7,6 +7,7 @@
 #include "krender/frontend/private/SyntaxReader.h"
 
 #include <krender/frontend/Diagnostic.h>
+#include <krender/frontend/SourceSet.h>
 
 #include <filesystem>
 #include <unordered_set>

@@ -13,10 +13,13 @@
 #include "krender/frontend/private/SyntaxReader.h"
 #include "krender/frontend/private/Type.h"
 #include <krender/frontend/Interface.h>
+#include <krender/frontend/Module.h>
+#include <krender/frontend/SourceSet.h>
 #include <krender/platform/String.h>
 #include <krender/shadergen/FragmentExtras.h>
 #include <krender/shadergen/InterpolantBank.h>
 #include <krender/shadergen/LightSpec.h>
+#include <krender/shadergen/Target.h>
 #include <krender/shading/ShadingAttribute.h>
 #include <krender/shading/Statement.h>
 

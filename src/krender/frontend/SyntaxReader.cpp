@@ -1,5 +1,8 @@
 #include "krender/frontend/private/SyntaxReader.h"
 
+#include <krender/frontend/SourceSet.h>
+#include <krender/shading/ShadingAttribute.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
