@@ -15,6 +15,7 @@
 #include <krender/frontend/Module.h>
 #include <krender/frontend/PlainReading.h>
 #include <krender/frontend/Program.h>
+#include <krender/frontend/SourceQuery.h>
 #include <krender/frontend/SourceSet.h>
 #include <krender/geometry/DepthSorter.h>
 #include <krender/geometry/Geometry.h>

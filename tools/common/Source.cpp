@@ -1,5 +1,7 @@
 #include <common/Source.h>
 
+#include <krender/shading/MemMappedFile.h>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,9 +15,6 @@ namespace krTools
 
 namespace
 {
-
-/// What the library's file reader puts behind a file's last byte.
-constexpr char kClosingByte = '\xff';
 
 /// Some editors begin UTF-8 files with it; it is no part of the text.
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
@@ -90,7 +89,7 @@ Source::Source(const std::string& path)
 
 Source::Source(std::string name, std::string text) : fName(std::move(name)), fSize(text.size())
 {
-    text += kClosingByte;
+    text += MemMappedFile::kClosingByte;
     fContents = krString::CString(std::move(text));
 }
 

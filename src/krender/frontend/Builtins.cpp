@@ -209,4 +209,32 @@ Type signatureType(char letter, unsigned size) noexcept
     }
 }
 
+std::string signatureText(const Builtin& builtin, bool hasResult)
+{
+    const auto letterText = [](char letter) -> std::string
+    {
+        switch (letter)
+        {
+        case 'T':
+            return "float...float4";
+        case 'V':
+            return "float2...float4";
+        case 'J':
+            return "int2...int4";
+        case 'B':
+            return "bool2...bool4";
+        case 'M':
+            return "matrix2...matrix4";
+        default:
+            return typeName(signatureType(letter, 1));
+        }
+    };
+    std::string text = hasResult ? letterText(builtin.signature[0]) + " " : std::string();
+    text += builtin.name;
+    text += '(';
+    for (std::size_t i = 2; i < builtin.signature.size(); ++i)
+        text += (i == 2 ? "" : ", ") + letterText(builtin.signature[i]);
+    return text + ")";
+}
+
 } // namespace krFrontend

@@ -51,33 +51,6 @@ std::string list(const Expr* call)
     return text;
 }
 
-std::string signatureText(const Builtin& builtin)
-{
-    const auto letterText = [](char letter) -> std::string
-    {
-        switch (letter)
-        {
-        case 'T':
-            return "float...float4";
-        case 'V':
-            return "float2...float4";
-        case 'J':
-            return "int2...int4";
-        case 'B':
-            return "bool2...bool4";
-        case 'M':
-            return "matrix2...matrix4";
-        default:
-            return typeName(signatureType(letter, 1));
-        }
-    };
-    std::string text(builtin.name);
-    text += '(';
-    for (std::size_t i = 2; i < builtin.signature.size(); ++i)
-        text += (i == 2 ? "" : ", ") + letterText(builtin.signature[i]);
-    return text + ")";
-}
-
 } // namespace
 
 Function* Checker::findExact(Name name, const Expr* call) const
@@ -245,8 +218,9 @@ void Checker::applyFunction(Expr* call, Function& declared)
                 applyBuiltin(call, candidate);
                 return;
             }
-        fDiagnostics.report(Message::OnlyDeclared, call->range(), {fStore.names.text(call->name)})
-            .note(function.range, "it is declared here");
+        if (fTree.isComplete)
+            fDiagnostics.report(Message::OnlyDeclared, call->range(), {fStore.names.text(call->name)})
+                .note(function.range, "it is declared here");
         return;
     }
     call->function = &function;
@@ -302,6 +276,8 @@ void Checker::reportNoMatch(Expr* call)
     }
     if (!fFunctions[call->name] && rows.empty())
     {
+        if (!fTree.isComplete)
+            return; // the file that could not be read may have it
         auto entry = fDiagnostics.report(Message::UnknownFunction, range, {name});
         if (fDiagnostics.errorCount() > kMostDiagnostics)
             return;
@@ -323,7 +299,7 @@ void Checker::reportNoMatch(Expr* call)
     if (!fFunctions[call->name])
         for (const Builtin& row : rows)
             if (shown++ < kShownCandidates)
-                entry.note(call->range(), "there is " + signatureText(row));
+                entry.note(call->range(), "there is " + signatureText(row, false));
 }
 
 } // namespace krFrontend

@@ -236,6 +236,8 @@ void Checker::checkShaderHeader(Function& function)
             checkInput(function, *argument);
         checkDefault(*argument);
     }
+    if (function.kind == FunctionKind::Light && function.body)
+        checkLightOutputs(function);
     if (function.kind == FunctionKind::Material)
     {
         const Symbol* output = function.arguments;
@@ -243,6 +245,18 @@ void Checker::checkShaderHeader(Function& function)
             output = output->next;
         if (!output)
             fDiagnostics.report(Message::NoColor, function.range);
+    }
+}
+
+void Checker::checkLightOutputs(const Function& light)
+{
+    for (const std::string_view name : kLightOutputs)
+    {
+        const Symbol* output = light.arguments;
+        while (output && fStore.names.text(output->name) != name)
+            output = output->next;
+        if (!output)
+            fDiagnostics.report(Message::OutputNotSet, light.range, {name});
     }
 }
 

@@ -172,6 +172,9 @@ void Checker::reportUnknown(Expr* expr)
 {
     expr->kind = ExprKind::Bad;
     const std::string_view name = fStore.names.text(expr->name);
+    const bool isNamed = fFunctions[expr->name] || fProvidedByName[expr->name] || !findBuiltins(name).empty();
+    if (!fTree.isComplete && !isNamed && name != "output")
+        return; // the file that could not be read may have it
     if (fInConstant)
     {
         fDiagnostics.report(Message::NotConstantName, expr->range(), {name});

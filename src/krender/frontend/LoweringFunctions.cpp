@@ -8,6 +8,7 @@
 #include "krender/frontend/private/NameTable.h"
 #include "krender/frontend/private/ProgramNames.h"
 #include "krender/frontend/private/Provided.h"
+#include "krender/frontend/private/StmtWalk.h"
 #include "krender/frontend/private/Syntax.h"
 #include "krender/frontend/private/SyntaxReader.h"
 #include "krender/frontend/private/Type.h"
@@ -61,50 +62,6 @@ private:
     const std::unordered_map<const krShadingDag::Statement*, TextOrigin>& fOrigins;
     std::vector<std::pair<std::size_t, TextOrigin>>& fPlaces;
 };
-
-/// Calls the visitor with every variable that the statements declare.
-template <class Visitor>
-void forEachVariable(const Stmt* first, Visitor visit)
-{
-    for (const Stmt* statement = first; statement; statement = statement->next)
-    {
-        for (const Symbol* variable = statement->variables; variable; variable = variable->next)
-            visit(*variable);
-        if (statement->init)
-            forEachVariable(statement->init, visit);
-        for (const Stmt* part = statement; part; part = part->otherwise)
-        {
-            if (part->body)
-                forEachVariable(part->body, visit);
-            if (part != statement && part->kind != StmtKind::If)
-            {
-                forEachVariable(part, visit);
-                break;
-            }
-        }
-    }
-}
-
-/// Calls the visitor with every expression of the statements, its operands not among them.
-template <class Visitor>
-void forEachExpr(const Stmt* first, Visitor visit)
-{
-    for (const Stmt* statement = first; statement; statement = statement->next)
-        for (const Stmt* part = statement; part; part = part->otherwise)
-        {
-            for (const Symbol* variable = part->variables; variable; variable = variable->next)
-                if (variable->initializer)
-                    visit(variable->initializer, variable);
-            if (part->init)
-                forEachExpr(part->init, visit);
-            if (part->expr)
-                visit(part->expr, nullptr);
-            if (part->step)
-                visit(part->step, nullptr);
-            if (part->body)
-                forEachExpr(part->body, visit);
-        }
-}
 
 /// The function that Cg's text of an expression calls where the source calls none; empty: there is none.
 std::string_view insertedByCg(const Expr& expr) noexcept
@@ -245,7 +202,7 @@ void Lowering::collectInserted(const Function& function, std::unordered_set<std:
 void Lowering::nameVariable(const Symbol& symbol, const std::unordered_set<std::string>& called)
 {
     const std::string name(nameText(symbol.name));
-    if (fProgram.names().isReserved(name) || fProgram.isFunction(name) || called.contains(name))
+    if (fProgram.names().needsOther(name) || fProgram.isFunction(name) || called.contains(name))
         fNames[&symbol] = fProgram.names().invent(name);
 }
 

@@ -130,7 +130,7 @@ constexpr std::array kRows{
     Row{Message::ProgramTooLarge, {"large-program", kError, "the program of '%1' would have more than %2 MB"}},
     Row{Message::PlainReadsOther,
         {"plain", kWarning, "a host that uses ShadingParser reads this otherwise: it finds '%1'"}},
-    Row{Message::PlainRefuses, {"plain", kWarning, "a host that uses ShadingParser refuses this function: %1"}},
+    Row{Message::PlainRefuses, {"plain", kWarning, "a host that uses ShadingParser refuses this: %1"}},
     Row{Message::MissingComma, {"missing-comma", kWarning, "there is no ',' between the arguments"}},
     Row{Message::HiddenName, {"hidden-name", kWarning, "'%1' hides another one of its name"}},
     Row{Message::IntegerDivision,

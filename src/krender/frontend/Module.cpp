@@ -10,6 +10,7 @@
 #include <krender/frontend/SourceSet.h>
 
 #include <filesystem>
+#include <string_view>
 #include <unordered_set>
 
 namespace krFrontend
@@ -35,6 +36,7 @@ public:
         fSeen.insert(std::filesystem::path(name).lexically_normal().string());
         for (std::size_t i = 0; i < fContents->sources.fileCount(); ++i)
             readSyntax(fContents->sources.file(i));
+        fContents->tree.isComplete = !fFull && !fHasFailed;
         Checker(fContents->sources, fContents->store, fContents->tree, fDiagnostics, fContents->sources.file(0).end())
             .check();
         fContents->errorCount = fDiagnostics.errorCount();
@@ -65,10 +67,11 @@ private:
     {
         if (fFull)
             return;
+        fContents->tree.includes.push_back(include.range);
         const std::string path = find(std::filesystem::path(from.name()).parent_path(), include.path);
         if (path.empty())
         {
-            fDiagnostics.report(Message::IncludeFailed, include.range, {include.path, "there is no such file"});
+            reportFailed(include, "there is no such file");
             return;
         }
         if (!fSeen.insert(path).second)
@@ -84,7 +87,13 @@ private:
         if (problem.empty())
             fContents->sources.add(path, std::move(text));
         else
-            fDiagnostics.report(Message::IncludeFailed, include.range, {include.path, problem});
+            reportFailed(include, problem);
+    }
+
+    void reportFailed(const IncludeRequest& include, std::string_view problem)
+    {
+        fDiagnostics.report(Message::IncludeFailed, include.range, {include.path, problem});
+        fHasFailed = true;
     }
 
     [[nodiscard]] std::string find(const std::filesystem::path& folder, const std::string& wanted)
@@ -106,7 +115,8 @@ private:
     DiagnosticList fDiagnostics;
     std::unique_ptr<ModuleContents> fContents = std::make_unique<ModuleContents>();
     std::unordered_set<std::string> fSeen;
-    bool fFull = false;
+    bool fFull = false; // too many files
+    bool fHasFailed = false;
 };
 
 } // namespace

@@ -4,18 +4,24 @@
 #include "krender/frontend/private/Message.h"
 #include "krender/frontend/private/ModuleContents.h"
 #include "krender/frontend/private/Syntax.h"
+#include <krender/core/Exception.h>
 #include <krender/frontend/Diagnostic.h>
 #include <krender/frontend/Module.h>
 #include <krender/frontend/SourceSet.h>
 #include <krender/platform/String.h>
+#include <krender/shading/MemMappedFile.h>
 #include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
 #include <krender/shading/Statement.h>
 #include <krender/shading/StatementCompound.h>
+#include <krender/shading/Token.h>
+#include <krender/shading/Tokenizer.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace krFrontend
 {
@@ -195,6 +201,82 @@ void compareBodies(const SourceSet& sources, const Function& function, const Sha
     }
 }
 
+/// What a source has at file level, from the end of what stands ahead of it: comments there may swallow its beginning.
+struct Part
+{
+    SourceRange range;
+    const Function* function = nullptr;
+    std::string_view problem; ///< of what plain KRSL does not have
+};
+
+/// The parts of the module's first file, in order; the last one is what stands behind them.
+std::vector<Part> partsOf(const ModuleContents& contents)
+{
+    const SourceFile& file = contents.sources.file(0);
+    const auto endOfStatement = [&file](Offset behind) // behind the next ";"
+    {
+        return static_cast<Offset>(file.begin() +
+                                   std::min(file.text().find(';', behind - file.begin()), file.text().size() - 1) + 1);
+    };
+    const auto isHere = [&file](Offset offset) { return offset < file.end(); };
+    std::vector<Part> parts;
+    for (const Function* function : contents.tree.functions)
+        if (isHere(function->header.begin))
+            parts.push_back(
+                {{function->header.begin, function->body ? function->body->end : endOfStatement(function->header.end)},
+                 function,
+                 {}});
+    for (const SourceRange include : contents.tree.includes)
+        if (isHere(include.begin))
+            parts.push_back({include, nullptr, "plain KRSL has no #include"});
+    for (const Symbol* constant : contents.tree.constants)
+        if (isHere(constant->range.begin))
+            parts.push_back({{constant->range.begin, endOfStatement(constant->initializer->end)},
+                             nullptr,
+                             "plain KRSL has no constants outside functions"});
+    std::sort(parts.begin(), parts.end(), [](const Part& a, const Part& b) { return a.range.begin < b.range.begin; });
+    Offset begin = file.begin();
+    for (Part& part : parts)
+    {
+        part.range.begin = part.problem.empty() ? begin : part.range.begin;
+        begin = part.range.end;
+    }
+    parts.push_back({{begin, file.end()}, nullptr, {}});
+    return parts;
+}
+
+/// Reads a function as such a host does.
+void compareFunction(const SourceSet& sources, const Part& part, DiagnosticList& diagnostics)
+{
+    krShadingDag::ShadingParser parser;
+    parser.setLimits({.refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000});
+    ShadingNodeSpec* read = nullptr;
+    const bool isRead = parser.parseString(krString::CString(sources.text(part.range)), &read);
+    const std::unique_ptr<ShadingNodeSpec> spec(read);
+    const krString::CString problem = parser.errorString();
+    if (!isRead)
+        diagnostics.report(Message::PlainRefuses, part.function->range,
+                           {problem.view().substr(0, problem.view().find('\n'))});
+    else if (part.function->body && spec)
+        compareBodies(sources, *part.function, *spec, diagnostics);
+}
+
+/// What stands behind the last function can only end badly: within a comment.
+void checkEnd(const SourceSet& sources, SourceRange end, DiagnosticList& diagnostics)
+{
+    krShadingDag::Tokenizer tokenizer;
+    tokenizer.openString(krString::CString(std::string(sources.text(end)) + MemMappedFile::kClosingByte));
+    try
+    {
+        for (krShadingDag::Token token; token.type != krShadingDag::TokenType::EndOfStream;)
+            tokenizer.nextToken(&token);
+    }
+    catch (const Exception&)
+    {
+        diagnostics.report(Message::PlainRefuses, {end.begin, end.begin}, {"a comment that the source ends within"});
+    }
+}
+
 } // namespace
 
 std::vector<Diagnostic> plainDifferences(const Module& module)
@@ -202,29 +284,13 @@ std::vector<Diagnostic> plainDifferences(const Module& module)
     DiagnosticList diagnostics;
     if (module.hasErrors())
         return {};
-    const ModuleContents& contents = module.contents();
-    for (const Function* function : contents.tree.functions)
-    {
-        const Offset end = function->body ? function->body->end : function->header.end;
-        if (end > contents.sources.file(0).end())
-            continue;
-        std::string source(contents.sources.text({function->header.begin, end}));
-        if (!function->body)
-            source += ';';
-        krShadingDag::ShadingParser parser;
-        parser.setLimits({.refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000});
-        ShadingNodeSpec* read = nullptr;
-        const bool isRead = parser.parseString(krString::CString(source), &read);
-        const std::unique_ptr<ShadingNodeSpec> spec(read);
-        if (!isRead)
-        {
-            const krString::CString problem = parser.errorString();
-            const std::string_view text = problem.view();
-            diagnostics.report(Message::PlainRefuses, function->range, {text.substr(0, text.find('\n'))});
-        }
-        else if (function->body && spec)
-            compareBodies(contents.sources, *function, *spec, diagnostics);
-    }
+    for (const Part& part : partsOf(module.contents()))
+        if (part.function)
+            compareFunction(module.sources(), part, diagnostics);
+        else if (part.problem.empty())
+            checkEnd(module.sources(), part.range, diagnostics);
+        else
+            diagnostics.report(Message::PlainRefuses, part.range, {part.problem});
     return diagnostics.take();
 }
 

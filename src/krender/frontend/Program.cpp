@@ -112,7 +112,7 @@ private:
                 return false;
             Light& light = fLights.emplace_back();
             light.use = &use;
-            light.key = use.key;
+            light.key = use.key.substr(0, kLongestProgramName);
             light.function = find(*use.module, use.function, FunctionKind::Light);
             if (!light.function)
                 reportMissing(*use.module, use.function, FunctionKind::Light);
@@ -209,7 +209,7 @@ private:
             return true;
         };
         for (unsigned number = 1; !isFree(light.key); ++number)
-            light.key = light.use->key + "_" + std::to_string(number) + "_";
+            light.key = light.use->key.substr(0, kLongestProgramName) + "_" + std::to_string(number) + "_";
         for (const std::string& name : names(light.key))
         {
             fNames.take(name);

@@ -63,7 +63,7 @@ bool ProgramNames::isReserved(std::string_view name) const noexcept
 
 std::string ProgramNames::claim(std::string_view name)
 {
-    if (isReserved(name) || isTaken(name))
+    if (needsOther(name) || isTaken(name))
         return invent(name);
     take(name);
     return std::string(name);
@@ -71,7 +71,7 @@ std::string ProgramNames::claim(std::string_view name)
 
 std::string ProgramNames::invent(std::string_view like)
 {
-    std::string_view stem = like;
+    std::string_view stem = like.substr(0, kLongestProgramName);
     for (const std::string_view prefix : kFramePrefixes)
         if (stem.starts_with(prefix))
             stem.remove_prefix(prefix.size());

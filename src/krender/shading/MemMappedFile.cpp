@@ -27,7 +27,7 @@ bool MemMappedFile::open(const krString::CString& path)
         fBytes.resize(before);
         return false;
     }
-    fBytes += '\xff';
+    fBytes += kClosingByte;
     return true;
 }
 

@@ -10,7 +10,10 @@
 class KRENDER_EXPORT MemMappedFile
 {
 public:
-    /// Appends a file's bytes and one more, 0xFF. Deliberate: that byte is no white space, so a file that ends in white
+    /// Stands behind the last byte of a file.
+    static constexpr char kClosingByte = '\xff';
+
+    /// Appends a file's bytes and the closing one. Deliberate: that byte is no white space, so a file that ends in white
     /// space ends in an unknown token instead of an exception of the tokenizer.
     /// @return  false when the file cannot be opened or read; the bytes then stay as they were
     [[nodiscard]] bool open(const krString::CString& path);

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace krFrontend
@@ -47,6 +48,9 @@ struct Builtin
 
 /// The type that a letter of a signature stands for in a call of that size.
 [[nodiscard]] Type signatureType(char letter, unsigned size) noexcept;
+/// A signature for people, such as "mix(float...float4, float...float4, float)".
+/// @param hasResult  whether the type of the result stands ahead of it
+[[nodiscard]] std::string signatureText(const Builtin& builtin, bool hasResult);
 /// Whether the letter stands for types of several sizes.
 [[nodiscard]] constexpr bool isGenericLetter(char letter) noexcept
 {

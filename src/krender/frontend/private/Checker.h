@@ -32,6 +32,8 @@ private:
     void checkHeader(Function& function);
     void checkShaderHeader(Function& function);
     void checkArgumentType(const Symbol& argument);
+    /// Materials read all that a light can answer with.
+    void checkLightOutputs(const Function& light);
     void checkOutput(const Function& function, const Symbol& argument);
     void checkInput(const Function& function, Symbol& argument);
     void checkDefault(Symbol& argument);

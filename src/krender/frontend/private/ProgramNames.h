@@ -10,6 +10,10 @@
 namespace krFrontend
 {
 
+/// Compilers take names of 1,024 bytes. Half of that is left for what programs put ahead of a name: "var_", a light's
+/// key.
+inline constexpr std::size_t kLongestProgramName = 500;
+
 /// The names that one program uses, so that no two things in it share one by accident.
 class ProgramNames
 {
@@ -23,6 +27,11 @@ public:
     [[nodiscard]] bool isTaken(std::string_view name) const { return fTaken.contains(std::string(name)); }
     /// Whether the target or the frame that every program has keeps the word for itself.
     [[nodiscard]] bool isReserved(std::string_view name) const noexcept;
+    /// Whether a name of the sources needs another one in the program: it is reserved, or too long to put one ahead.
+    [[nodiscard]] bool needsOther(std::string_view name) const noexcept
+    {
+        return name.size() > kLongestProgramName || isReserved(name);
+    }
     /// The name, if nothing has it, and else one like it that nothing has; it is taken then.
     [[nodiscard]] std::string claim(std::string_view name);
     /// A name like this one that no word of the sources equals; it is taken then.

@@ -181,6 +181,8 @@ struct Metadata
 /// What a set of sources declares.
 struct SyntaxTree
 {
+    bool isComplete = true; ///< all that is included could be read
+    std::vector<SourceRange> includes;
     std::vector<Symbol*> constants;
     std::vector<Function*> functions; ///< all kinds, in the order of the sources
     std::vector<std::vector<Metadata>> metadata;
