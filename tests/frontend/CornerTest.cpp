@@ -71,6 +71,15 @@ TEST_P(Corners, AreAcceptedAndDrawnTheSameByEveryTarget)
 INSTANTIATE_TEST_SUITE_P(Sources, Corners, testing::ValuesIn(kCorners),
                          [](const auto& given) { return std::string(given.param.name); });
 
+TEST(Names, OfTheGreatestLengthLeaveRoomForWhatProgramsPutAhead)
+{
+    const std::string uv(1024, 'v');
+    const std::string scale(1024, 's');
+    EXPECT_EQ(faultsOf("material m(vertex float2 " + uv + ", uniform float " + scale +
+                       ", out float4 outRGBA)\n{\n    outRGBA = float4(" + uv + " * " + scale + ", 0, 1);\n}\n"),
+              "");
+}
+
 /// What a program means, and not only that the targets agree about it: statements that leave a value in f.
 struct Meaning
 {
