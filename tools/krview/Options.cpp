@@ -20,6 +20,9 @@ Drag to tumble, drag with the right button or turn the wheel to change the dista
 R resets the view, A shows the axes, W the wire frame, S saves a picture, Q quits.
 )";
 
+constexpr const char* kOldApi = "gl2.1";
+constexpr const char* kCoreApi = "gl3.3";
+
 constexpr unsigned kMaxFrames = 1000000000;
 
 /// Pictures are written as PNG and nothing else.
@@ -45,6 +48,7 @@ void printText(const std::string& text)
 std::optional<Options> readOptions(int argc, char** argv)
 {
     Options options;
+    std::string api = kOldApi;
     CLI::App app("krview, a viewer of KRSL materials", "krview");
     app.footer(kFooter);
     app.set_version_flag("--version", "krview " KRENDER_VERSION);
@@ -77,6 +81,9 @@ std::optional<Options> readOptions(int argc, char** argv)
     app.add_option("--frames", options.frames, "quit after N frames")
         ->type_name("N")
         ->check(CLI::Range(1U, kMaxFrames));
+    app.add_option("--api", api, "what to draw with: OpenGL 2.1, or the core profile of OpenGL 3.3")
+        ->type_name("API")
+        ->check(CLI::IsMember({kOldApi, kCoreApi}));
     app.add_flag("--watch", options.watch, "read the sources again when they, or files that they include, change");
     app.add_flag("--stats", options.stats, "print at the end what was drawn, culled and uploaded");
     try
@@ -97,6 +104,7 @@ std::optional<Options> readOptions(int argc, char** argv)
     {
         throw krTools::UsageError(error.what());
     }
+    options.api = api == kCoreApi ? GraphicsApi::Gl33 : GraphicsApi::Gl21;
     if (app.count("--screenshot") != 0)
     {
         checkPictureName(options.screenshot);

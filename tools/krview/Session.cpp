@@ -44,7 +44,7 @@ public:
           fPictureWidth(scene.width),
           fPictureHeight(scene.height),
           fView(scene),
-          fWindow("krview", scene.width, scene.height, fView)
+          fWindow("krview", scene.width, scene.height, options.api, fView)
     {
     }
 
