@@ -208,8 +208,9 @@ std::vector<Diagnostic> plainDifferences(const Module& module)
         const std::unique_ptr<ShadingNodeSpec> spec(read);
         if (!isRead)
         {
-            const std::string_view problem = parser.errorString().view();
-            diagnostics.report(Message::PlainRefuses, function->range, {problem.substr(0, problem.find('\n'))});
+            const krString::CString messages = parser.errorString();
+            const std::string_view problem = messages.view().substr(0, messages.view().find('\n'));
+            diagnostics.report(Message::PlainRefuses, function->range, {problem});
         }
         else if (function->body && spec)
             compareBodies(contents.sources, *function, *spec, diagnostics);
