@@ -10,6 +10,12 @@
 #include <krender/draw/DrawProcedure.h>
 #include <krender/draw/DrawProcedureData.h>
 #include <krender/draw/DrawProcedureList.h>
+#include <krender/frontend/Diagnostic.h>
+#include <krender/frontend/Interface.h>
+#include <krender/frontend/Module.h>
+#include <krender/frontend/PlainReading.h>
+#include <krender/frontend/Program.h>
+#include <krender/frontend/SourceSet.h>
 #include <krender/geometry/DepthSorter.h>
 #include <krender/geometry/Geometry.h>
 #include <krender/geometry/GeometryCustomData.h>
@@ -43,9 +49,11 @@
 #include <krender/platform/LinearConversion.h>
 #include <krender/platform/String.h>
 #include <krender/shadergen/CgMaterialCompiler.h>
+#include <krender/shadergen/FragmentExtras.h>
 #include <krender/shadergen/GlslMaterialCompiler.h>
 #include <krender/shadergen/InterpolantBank.h>
 #include <krender/shadergen/LightSpec.h>
+#include <krender/shadergen/Target.h>
 #include <krender/shading/DataType.h>
 #include <krender/shading/FunctionType.h>
 #include <krender/shading/IHWShaderManager.h>

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
+#include <memory>
 
 TEST(AllocateLarge, AlignsFromTheThresholdOnAndAnswersNullWhenTheRoundedSizeOverflows)
 {

@@ -6,6 +6,8 @@
 #include <krender/geometry/Geometry.h>
 #include <krender/geometry/GeometryData.h>
 #include <krender/geometry/ParticleData.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
 #include <krender/shading/ShadingAttribute.h>
 #include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/TypedConstant.h>
@@ -14,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <string>
 
 using namespace krShadingDag;
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <concepts>
+#include <string>
 #include <utility>
 
 namespace

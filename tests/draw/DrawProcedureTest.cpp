@@ -3,9 +3,11 @@
 #include <krender/draw/DrawProcedure.h>
 #include <krender/draw/DrawProcedureData.h>
 #include <krender/draw/DrawProcedureList.h>
+#include <krender/platform/String.h>
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>

@@ -1,5 +1,7 @@
 #include <krender/geometry/DepthSorter.h>
 
+#include <krender/platform/Linear.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,6 +14,7 @@
 #include <iterator>
 #include <numeric>
 #include <random>
+#include <string>
 #include <tuple>
 #include <utility>
 #include <vector>

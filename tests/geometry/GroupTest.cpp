@@ -1,13 +1,19 @@
 #include "geometry/Fixtures.h"
 
+#include "SharedObjects.h"
+
+#include <krender/core/IResource.h>
 #include <krender/geometry/Geometry.h>
 #include <krender/geometry/GeometryCustomData.h>
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
 #include <krender/geometry/GeometryLogicalGroup.h>
 #include <krender/geometry/GeometryMonitor.h>
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <tuple>
 #include <utility>

@@ -1,5 +1,9 @@
 #include "geometry/Fixtures.h"
 
+#include "SharedObjects.h"
+
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
 #include <krender/geometry/GeometryDataIterator.h>
 #include <krender/geometry/GeometryLogicalGroup.h>
 #include <krender/geometry/GeometryLogicalIterator.h>
@@ -8,6 +12,8 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
+#include <string>
 #include <tuple>
 #include <vector>
 

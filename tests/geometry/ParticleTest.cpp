@@ -1,7 +1,12 @@
 #include "geometry/Fixtures.h"
 
+#include "SharedObjects.h"
+
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
 #include <krender/geometry/ParticleData.h>
 #include <krender/geometry/ParticleDataIterator.h>
+#include <krender/platform/Linear.h>
 
 #include <gtest/gtest.h>
 
@@ -9,6 +14,7 @@
 #include <array>
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <tuple>
 #include <utility>

@@ -1,12 +1,18 @@
 #include "geometry/Fixtures.h"
 
+#include "SharedObjects.h"
+
 #include <krender/geometry/Geometry.h>
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/geometry/GeometryLogicalGroup.h>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstddef>
 #include <fstream>
+#include <memory>
 #include <ostream>
 #include <set>
 #include <sstream>

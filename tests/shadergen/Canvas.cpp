@@ -1,5 +1,7 @@
 #include "Canvas.h"
 
+#include "Scenes.h"
+
 #include <epoxy/egl.h>
 #include <epoxy/gl.h>
 
@@ -7,8 +9,12 @@
 #include <cmath>
 #include <cstdlib>
 #include <functional>
+#include <map>
+#include <memory>
 #include <numeric>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 
 namespace
 {
@@ -28,12 +34,17 @@ void require(bool condition, const std::string& message)
         throw std::runtime_error(message);
 }
 
-/// The name that the material's author gave to an input or uniform.
+/// The name of an input or uniform in the programs as they were written.
 std::string plainName(std::string name)
 {
     if (name.starts_with("IN_"))
         name.erase(0, 3);
-    return name.substr(name.find('.') + 1);
+    name.erase(0, name.find('.') + 1);
+    constexpr std::string_view kHiddenPrefix =
+        "krslc_"; // which the Cg check puts ahead of a word that its reader reserves
+    if (const std::size_t hidden = name.find(kHiddenPrefix); hidden != std::string::npos)
+        name.erase(0, hidden + kHiddenPrefix.size());
+    return name.substr(name.starts_with('_')); // which a decompiler puts ahead of a word that GLSL reserves
 }
 
 /// Four numbers that depend on a name alone, from 0.3 to 0.9.
@@ -116,22 +127,49 @@ void forEachActive(GLuint program, GLenum count, decltype(glGetActiveUniform) qu
     }
 }
 
-void setUniforms(GLuint program)
+/// A square matrix's upper left part of that size, row by row.
+std::array<float, 16> part(const std::array<float, 16>& matrix, unsigned size)
+{
+    std::array<float, 16> found{};
+    for (unsigned i = 0; i < size * size; ++i)
+        found[i] = matrix[i / size * 4 + i % size];
+    return found;
+}
+
+using Names = std::map<std::string, std::string>;
+
+std::string authorsName(const std::string& name, const Names& names)
+{
+    for (const std::string& known : {name, plainName(name)})
+        if (const auto given = names.find(known); given != names.end())
+            return given->second;
+    return plainName(name);
+}
+
+void setUniforms(GLuint program, const Names& names)
 {
     GLint unit = 0;
     const auto set = [&](const std::string& name, GLenum type)
     {
         const GLint location = glGetUniformLocation(program, name.c_str());
-        const std::string plain = plainName(name);
+        const std::string plain = authorsName(name, names);
         const std::array<float, 4> vector = vectorFor(plain);
         switch (type)
         {
+        case GL_INT:
+            return glUniform1i(location, vector[0] < 0.6f ? 1 : 2);
         case GL_FLOAT:
             return glUniform1f(location, vector[0]);
+        case GL_FLOAT_VEC2:
+            return glUniform2fv(location, 1, vector.data());
         case GL_FLOAT_VEC3:
             return glUniform3fv(location, 1, vector.data());
         case GL_FLOAT_VEC4:
             return glUniform4fv(location, 1, vector.data());
+        case GL_FLOAT_MAT2:
+            return glUniformMatrix2fv(location, 1, GL_TRUE, part(matrixFor(plain), 2).data());
+        case GL_FLOAT_MAT3:
+            return glUniformMatrix3fv(location, 1, GL_TRUE, part(matrixFor(plain), 3).data());
         case GL_FLOAT_MAT4:
             return glUniformMatrix4fv(location, 1, GL_TRUE, matrixFor(plain).data());
         default:
@@ -167,12 +205,12 @@ std::vector<float> stream(const std::string& name)
 std::vector<GLuint> triangles()
 {
     std::vector<GLuint> indices;
-    constexpr GLuint row = kSlices + 1;
+    constexpr GLuint kRow = kSlices + 1;
     for (GLuint stack = 0; stack < kStacks; ++stack)
         for (GLuint slice = 0; slice < kSlices; ++slice)
         {
-            const GLuint a = stack * row + slice;
-            indices.insert(indices.end(), {a, a + 1, a + row, a + 1, a + row + 1, a + row});
+            const GLuint a = stack * kRow + slice;
+            indices.insert(indices.end(), {a, a + 1, a + kRow, a + 1, a + kRow + 1, a + kRow});
         }
     return indices;
 }
@@ -246,12 +284,12 @@ Canvas::~Canvas()
     // The display stays for the next canvas: unloaded, the driver would leave its memory behind as leaks.
 }
 
-std::vector<std::uint8_t> Canvas::draw(const scenes::Programs& programs)
+std::vector<std::uint8_t> Canvas::draw(const scenes::Programs& programs, const Names& names)
 {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     const GLuint program = link(programs);
     glUseProgram(program);
-    setUniforms(program);
+    setUniforms(program, names);
 
     // The streams have four numbers a vertex; a program takes as many as it declares.
     const std::vector<float> positions = stream("gObjPos");
@@ -263,7 +301,7 @@ std::vector<std::uint8_t> Canvas::draw(const scenes::Programs& programs)
     const auto bind = [&](const std::string& name, GLenum)
     {
         const auto location = static_cast<GLuint>(glGetAttribLocation(program, name.c_str()));
-        inputs.emplace_back(location, stream(plainName(name)));
+        inputs.emplace_back(location, stream(authorsName(name, names)));
         glVertexAttribPointer(location, 4, GL_FLOAT, GL_FALSE, 0, inputs.back().second.data());
         glEnableVertexAttribArray(location);
     };

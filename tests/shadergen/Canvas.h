@@ -2,6 +2,8 @@
 #include "Scenes.h"
 
 #include <cstdint>
+#include <map>
+#include <vector>
 
 /// A small picture drawn by the system's OpenGL, without a window. It shows a sphere, with the same values for everything
 /// that a program asks for by name, so that two programs can be compared.
@@ -18,7 +20,9 @@ public:
 
     /// The pixels, four bytes each, of the sphere drawn with a pair of GLSL programs. Throws std::runtime_error with
     /// the driver's messages when they do not compile or link.
-    [[nodiscard]] std::vector<std::uint8_t> draw(const scenes::Programs& programs);
+    /// @param names  which names of the programs stand for others, whose values they get
+    [[nodiscard]] std::vector<std::uint8_t> draw(const scenes::Programs& programs,
+                                                 const std::map<std::string, std::string>& names = {});
 
 private:
     void* fDisplay = nullptr;

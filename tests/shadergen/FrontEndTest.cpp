@@ -1,6 +1,16 @@
 #include "FrontEnds.h"
 
+#include "Scenes.h"
+
+#include <krender/frontend/Program.h>
+#include <krender/shadergen/CgMaterialCompiler.h>
+#include <krender/shadergen/GlslMaterialCompiler.h>
+
 #include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <vector>
 
 using scenes::Programs;
 
@@ -100,3 +110,31 @@ TEST(CgOverflow, StopsTheCompiler)
     EXPECT_NE(frontends::cgFaults({programs.vertex, ""}), frontends::cgFaults({"", ""}));
     EXPECT_NE(frontends::cgFaults(programs), "");
 }
+
+class FullMaterial : public testing::TestWithParam<std::string>
+{
+};
+
+TEST_P(FullMaterial, IsAcceptedWithEveryLight)
+{
+    const auto shipped = [](const std::string& file) { return krFrontend::Module::readFile(KRENDER_SHARE "/" + file); };
+    const krFrontend::Module material = shipped("materials/" + GetParam() + ".krs");
+    for (const std::string& name : scenes::fullNamesIn("lights"))
+    {
+        const krFrontend::Module library = shipped("lights/" + name + ".krs");
+        const krFrontend::ProgramRequest request{
+            &material, "", {{&library, name + "Light", "first"}, {&library, name + "Light", "second"}}, false};
+        for (const Target& target : targets())
+        {
+            std::vector<krFrontend::ProgramDiagnostic> problems;
+            const auto program = krFrontend::compileProgram(request, target, problems);
+            ASSERT_TRUE(program && problems.empty()) << name << " for " << target.name;
+            const bool isCg = target.language == TargetLanguage::Cg;
+            EXPECT_EQ((isCg ? frontends::cgFaults : frontends::glslFaults)({program->vertex, program->fragment}), "")
+                << name << " for " << target.name;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Materials, FullMaterial, testing::ValuesIn(scenes::fullNamesIn("materials")),
+                         [](const auto& test) { return test.param; });

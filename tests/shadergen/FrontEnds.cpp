@@ -1,8 +1,11 @@
 #include "FrontEnds.h"
 
+#include <common/Findings.h>
+#include <common/Source.h>
 #include <validation/CgReader.h>
 #include <validation/CgValidator.h>
 #include <validation/GlslValidator.h>
+#include <validation/PairFindings.h>
 
 #include <glslang/SPIRV/GlslangToSpv.h>
 #include <unistd.h>
@@ -13,7 +16,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <regex>
+#include <vector>
 
 namespace frontends
 {
@@ -37,6 +42,17 @@ std::string faults(Validator validate, const scenes::Programs& programs)
     return text;
 }
 
+/// Gives the "%" of ints the sign of the dividend, as Cg and HLSL have it: glslang takes the sign of the divisor.
+void mendRemainders(std::vector<std::uint32_t>& code)
+{
+    constexpr std::size_t kHeaderWords = 5;
+    constexpr std::uint32_t kSMod = 139;
+    constexpr std::uint32_t kSRem = 138;
+    for (std::size_t i = kHeaderWords; i < code.size(); i += code[i] >> 16)
+        if ((code[i] & 0xFFFFu) == kSMod)
+            code[i] -= kSMod - kSRem;
+}
+
 std::vector<std::uint32_t> codeOf(EShLanguage stage, const std::string& program)
 {
     krTools::CgReader reader(stage);
@@ -44,6 +60,7 @@ std::vector<std::uint32_t> codeOf(EShLanguage stage, const std::string& program)
     std::vector<std::uint32_t> code;
     if (reader.read(krTools::Source("program", program), findings))
         glslang::GlslangToSpv(reader.tree(), code);
+    mendRemainders(code);
     return code;
 }
 
@@ -88,7 +105,7 @@ scenes::Programs cgAsGlsl(const scenes::Programs& programs)
 {
     // What leaves the one stage and enters the other has to have one name.
     const std::regex leaving(R"(\b_entryPointOutput_)");
-    const std::regex entering(R"(\bIN_)");
+    const std::regex entering(R"(\bIN_(?!\d))"); // IN_1 is an input that was called IN
     return {
         std::regex_replace(nameUniforms(decompile(codeOf(EShLangVertex, programs.vertex)), "inVertex"), leaving, "to_"),
         std::regex_replace(nameUniforms(decompile(codeOf(EShLangFragment, programs.fragment)), "inFragment"), entering,

@@ -1,6 +1,8 @@
 #pragma once
 #include "Scenes.h"
 
+#include <string>
+
 /// Compilers' front ends for the programs of both targets.
 namespace frontends
 {

@@ -1,6 +1,11 @@
 #include <krender/shadergen/InterpolantBank.h>
 
+#include <krender/platform/String.h>
+
 #include <gtest/gtest.h>
+
+#include <array>
+#include <string>
 
 namespace
 {

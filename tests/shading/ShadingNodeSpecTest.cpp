@@ -1,12 +1,22 @@
 #include <krender/core/Exception.h>
+#include <krender/platform/Linear.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/FunctionType.h>
+#include <krender/shading/IHWShaderManager.h>
+#include <krender/shading/ShadingAttribute.h>
 #include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
+#include <krender/shading/TypedConstant.h>
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <initializer_list>
+#include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 using namespace krShadingDag;

@@ -1,5 +1,9 @@
 #include <krender/shading/Statement.h>
 
+#include <krender/platform/String.h>
+#include <krender/shading/StatementCompound.h>
+#include <krender/shading/Token.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -7,6 +11,7 @@
 #include <new>
 #include <ostream>
 #include <string>
+#include <vector>
 
 using namespace krShadingDag;
 
@@ -264,7 +269,7 @@ struct SourceText
     StatementType type;
     const char* text;
     const char* tokens;
-    friend void PrintTo(const SourceText& row, std::ostream* out) { *out << row.name; }
+    friend std::ostream& operator<<(std::ostream& out, const SourceText& row) { return out << row.name; }
 };
 class StatementTokens : public testing::TestWithParam<SourceText>
 {

@@ -1,5 +1,6 @@
 #include <krender/window/MessageHandler.h>
 #include <krender/window/SimpleWindow.h>
+#include <krender/window/WindowWrapper.h>
 
 #include <gtest/gtest.h>
 
@@ -8,6 +9,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <map>
 #include <memory>
 #include <string>
 #include <thread>

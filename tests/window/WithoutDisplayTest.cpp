@@ -1,10 +1,14 @@
 #include <krender/window/SimpleWindow.h>
 
+#include <krender/window/ISimpleWindow.h>
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <map>
+#include <string>
 
 namespace
 {

@@ -114,8 +114,8 @@ public:
     NewFolders& operator=(const NewFolders&) = delete;
     ~NewFolders()
     {
-        for (auto folder = fMade.rbegin(); folder != fMade.rend(); ++folder)
-            ::rmdir(folder->c_str());
+        for (; !fMade.empty(); fMade.pop_back())
+            ::rmdir(fMade.back().c_str());
     }
 
     /// Makes the folders that lead to a file.

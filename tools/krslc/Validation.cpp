@@ -63,6 +63,7 @@ void addFindings(const ordered_json& list, krTools::Findings& findings)
     constexpr rlim_t kMaxSeconds = 60;
     const rlimit seconds{kMaxSeconds, kMaxSeconds};
     const rlimit noCore{0, 0};
+    std::signal(SIGSEGV, SIG_DFL); // sanitizers catch it and report
     ::setrlimit(RLIMIT_CPU, &seconds);
     ::setrlimit(RLIMIT_CORE, &noCore);
     // A stack that overflows ends this process without a word, in builds that watch over memory too.

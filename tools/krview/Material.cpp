@@ -27,8 +27,6 @@ namespace
 /// Drivers take programs of many times the length of any that people write, but the time for it has no bound.
 constexpr std::size_t kMostDrawnBytes = std::size_t{1} << 20;
 
-const Target& glsl() { return *findTarget("glsl"); }
-
 /// Prints the errors of a module.
 void printErrors(const Module& module, const std::vector<Diagnostic>& diagnostics)
 {
@@ -92,13 +90,13 @@ public:
             return std::nullopt;
         fRequest.module = &module;
         fRequest.material = name.function;
-        for (const SceneLight& light : fScene.lights ? *fScene.lights : defaultLights())
+        for (const SceneLight& light : fScene.lights.value_or(defaultLights()))
             addLight(light);
         if (!fOk)
             return std::nullopt;
 
         std::vector<krFrontend::ProgramDiagnostic> problems;
-        const std::optional<krFrontend::Program> program = compileProgram(fRequest, glsl(), problems);
+        const std::optional<krFrontend::Program> program = compileProgram(fRequest, glslTarget(), problems);
         for (const krFrontend::ProgramDiagnostic& problem : problems)
             printErrors(*problem.module, {problem.diagnostic});
         if (!program)
@@ -124,7 +122,8 @@ private:
 
     void addLight(const SceneLight& light)
     {
-        std::vector<const Module*> modules = fLibraries;
+        std::vector<const Module*> modules{fRequest.module};
+        modules.insert(modules.end(), fLibraries.begin(), fLibraries.end());
         if (!light.source.empty())
             modules = {&read(light.source)};
         std::vector<std::string> names;
@@ -139,13 +138,13 @@ private:
                         return;
                     }
                 }
-        if (!fOk)
+        if (modules[0]->hasErrors())
             return;
         fOk = false;
         krTools::print(stderr, "krview", Severity::Error,
                        light.place + ": " +
-                           (light.source.empty() ? "the libraries have" : "'" + light.source + "' has") + " no light " +
-                           inQuotes(light.function) + krTools::didYouMean(light.function, names));
+                           (light.source.empty() ? "there is no light " : light.source + " has no light ") +
+                           inQuotes(light.function) + " with a body" + krTools::didYouMean(light.function, names));
     }
 
     /// The material or light of that name, as its module declares it; the first material if the name is empty.
@@ -183,9 +182,11 @@ private:
         return std::nullopt;
     }
 
-    Material materialOf(const krFrontend::Program& program)
+    std::optional<Material> materialOf(const krFrontend::Program& program)
     {
         const ShaderInterface material = shaderOf(*fRequest.module, fRequest.material, ShaderKind::Material);
+        if (!checkSize(material.name, std::max(program.vertex.size(), program.fragment.size())))
+            return std::nullopt;
         Material result{.name = material.name,
                         .vertexProgram = programSource("<vertex program>", program.vertex),
                         .fragmentProgram = programSource("<fragment program>", program.fragment),
@@ -214,7 +215,7 @@ private:
     const Scene& fScene;
     NotingReader fReader;
     std::map<std::string, Module> fModules; ///< by their paths
-    std::vector<const Module*> fLibraries;  ///< in the order in which lights are looked for
+    std::vector<const Module*> fLibraries;  ///< where lights are looked for after the material's own file, in order
     krFrontend::ProgramRequest fRequest;
     bool fOk = true;
 };
@@ -223,7 +224,7 @@ private:
 
 Material::Origin Material::origin(std::size_t line) const
 {
-    const std::string_view preamble = glsl().preamble;
+    const std::string_view preamble = glslTarget().preamble;
     const auto ahead = static_cast<std::size_t>(std::count(preamble.begin(), preamble.end(), '\n'));
     if (line <= ahead || line - ahead > fragmentOrigins.size())
         return {};
@@ -234,17 +235,19 @@ Material::Origin Material::origin(std::size_t line) const
     return {&file, origin.offset - file.begin()};
 }
 
+const Target& glslTarget() { return *findTarget("glsl"); }
+
 krTools::Source programSource(const char* name, std::string_view program)
 {
-    return {name, std::string(glsl().preamble).append(program)};
+    return {name, std::string(glslTarget().preamble).append(program)};
 }
 
-bool areDrawable(const Material& material)
+bool checkSize(const std::string& material, std::size_t bytes)
 {
-    if (std::max(material.vertexProgram.size(), material.fragmentProgram.size()) <= kMostDrawnBytes)
+    if (bytes <= kMostDrawnBytes)
         return true;
     krTools::print(stderr, "krview", Severity::Error,
-                   "a program of " + inQuotes(material.name) + " has more than 1 MB and is not drawn");
+                   "a program of " + inQuotes(material) + " has more than 1 MB and is not drawn");
     return false;
 }
 

@@ -4,6 +4,7 @@
 #include <common/Source.h>
 
 #include <krender/frontend/Program.h>
+#include <krender/shadergen/Target.h>
 #include <krender/shading/DataType.h>
 
 #include <cstddef>
@@ -48,11 +49,14 @@ struct Material
     std::map<std::string, krFrontend::Module> modules; ///< of the origins, by their paths
 };
 
+/// What programs are written for.
+[[nodiscard]] const Target& glslTarget();
+
 /// A program with what GLSL 1.20 needs ahead of it.
 [[nodiscard]] krTools::Source programSource(const char* name, std::string_view program);
 
-/// Whether the programs of a material are small enough for a driver. If not, that is printed.
-[[nodiscard]] bool areDrawable(const Material& material);
+/// Whether the larger program of a material is small enough for a driver. If not, that is printed.
+[[nodiscard]] bool checkSize(const std::string& material, std::size_t bytes);
 
 /// Reads the sources of a scene as full KRSL and compiles them. Errors are printed. Throws a krTools::FileError.
 /// @param files  the files that includes may come from are appended, whether or not they exist

@@ -11,7 +11,11 @@
 namespace
 {
 
-constexpr const char* kKeys = R"(
+constexpr const char* kFooter = R"(
+Inputs without a value from the scene or --set have the default that their source gives them, and a sampler2D with
+[[ string file = "FILE.png" ]] shows that picture, which is relative to its source. Lights are looked for in the material's
+file, then in the standard library and the others; a scene's light may name a "source" beside its "function".
+
 Drag to tumble, drag with the right button or turn the wheel to change the distance.
 R resets the view, A shows the axes, W the wire frame, S saves a picture, Q quits.
 )";
@@ -42,7 +46,7 @@ std::optional<Options> readOptions(int argc, char** argv)
 {
     Options options;
     CLI::App app("krview, a viewer of KRSL materials", "krview");
-    app.footer(kKeys);
+    app.footer(kFooter);
     app.set_version_flag("--version", "krview " KRENDER_VERSION);
     app.add_option("scene", options.scene, "what to show; a textured sphere if neither it nor a material is given")
         ->type_name("SCENE.json");

@@ -6,12 +6,11 @@
 #include <common/Source.h>
 
 #include <krender/core/Exception.h>
-#include <krender/shadergen/GlslMaterialCompiler.h>
+#include <krender/shadergen/FragmentExtras.h>
 #include <krender/shadergen/LightSpec.h>
+#include <krender/shadergen/Target.h>
 #include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
-#include <krender/shading/Statement.h>
-#include <krender/shading/StatementCompound.h>
 #include <krender/shading/Token.h>
 
 #include <algorithm>
@@ -27,8 +26,7 @@
 using krShadingDag::ShadingAttribute;
 using krShadingDag::ShadingNodeSpec;
 using krShadingDag::ShadingParser;
-using krShadingDag::StatementCompound;
-using krShadingDag::StatementType;
+using krShadingDag::Token;
 using krShadingDag::TokenType;
 using krTools::inQuotes;
 using krTools::Severity;
@@ -41,19 +39,6 @@ using Specs = std::vector<std::unique_ptr<ShadingNodeSpec>>;
 constexpr krShadingDag::ShadingParserLimits kLimits{
     .refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000};
 
-/// The illuminance blocks that a program may hold, far more than any driver takes. A block comes once a light, and so does
-/// every block within it: a short source could fill the memory.
-constexpr double kMostBlocks = 10000;
-
-void printError(const krTools::Source& source, std::size_t position, std::string_view text)
-{
-    text.remove_prefix(text.starts_with("error ") ? 6 : 0);
-    text.remove_suffix(text.ends_with('\n') ? 1 : 0);
-    krTools::Findings findings;
-    findings.error(position, std::string(text));
-    krTools::print(stderr, source, findings);
-}
-
 /// Reads the functions of a source.
 class PlainReader
 {
@@ -65,43 +50,51 @@ public:
     bool read(Specs& specs)
     {
         // A parser goes on in its source when it is given more of it, so each further function takes an empty piece.
-        krString::CString piece = fSource.contents();
-        do
-        {
-            ShadingNodeSpec* spec = nullptr;
-            if (!fParser.parseString(std::exchange(piece, {}), &spec))
-            {
-                (void)findNext();
-                printError(fSource, fPosition, fParser.errorString().view());
-                return false;
-            }
+        const krString::CString nothing;
+        ShadingNodeSpec* spec = nullptr;
+        for (bool more = fParser.parseString(fSource.contents(), &spec); more;
+             more = fParser.parseString(nothing, &spec))
             specs.emplace_back(spec);
-        } while (findNext());
-        return true;
+        return hasEnded();
     }
 
 private:
-    /// Finds the place of the next token; one that cannot be read leaves the place before it.
-    /// @return  whether there is one
-    bool findNext()
+    /// Whether the parser stopped because there was nothing left. An error is printed.
+    bool hasEnded()
+    {
+        const std::string message(fParser.errorString().view());
+        constexpr std::string_view kError = "error ";
+        if (message.starts_with(kError))
+            return fail(message.substr(kError.size(), message.find('\n') - kError.size()));
+        return position() == fSource.size() || fail("the source ends within this header");
+    }
+
+    bool fail(const std::string& text)
+    {
+        krTools::Findings findings;
+        findings.error(position(), text.empty() ? "the source ends within what begins here" : text);
+        krTools::print(stderr, fSource, findings);
+        return false;
+    }
+
+    /// Where the parser stands.
+    [[nodiscard]] std::size_t position()
     {
         try
         {
-            const krShadingDag::Token token = fParser.token_ahead(0);
-            if (token.type == TokenType::EndOfStream)
-                return false;
-            fPosition = static_cast<std::size_t>(token.position);
+            const Token front = fParser.token_ahead(0);
+            if (front.type != TokenType::EndOfStream)
+                return std::min(static_cast<std::size_t>(front.position), fSource.size());
         }
         catch (const Exception&)
         {
-            // The next function will not be read, and then the parser says why.
+            // What it stands at goes on to the end of the source.
         }
-        return true;
+        return fSource.size();
     }
 
     krTools::Source fSource;
     ShadingParser fParser;
-    std::size_t fPosition = 0;
 };
 
 bool hasBody(const ShadingNodeSpec& spec) { return spec.nodeType() == krShadingDag::kDefinition; }
@@ -138,29 +131,6 @@ const ShadingNodeSpec* find(const Specs& specs, const std::string& name, const s
     return found;
 }
 
-/// The illuminance blocks in the program of that many lights.
-double countBlocks(const StatementCompound& list, double lights)
-{
-    double count = 0;
-    for (unsigned i = 0; i < list.size(); ++i)
-    {
-        const krShadingDag::Statement& statement = *list.statement(i);
-        const double below = countBlocks(statement.children(), lights);
-        count += statement.type() == StatementType::Illuminance ? lights * (1 + below) : below;
-    }
-    return count;
-}
-
-/// Lights for a scene that names none. Each illuminance block declares the inputs of its lights, so a material with
-/// several blocks gets lights without inputs.
-std::vector<SceneLight> suitableLights(const StatementCompound& body)
-{
-    std::vector<SceneLight> lights = defaultLights();
-    if (countBlocks(body, 1) > 1)
-        lights[0] = {"eye", "headLight", lights[0].place, ""};
-    return lights;
-}
-
 /// Lists the inputs of a material or, with its key, of a light.
 void listInputs(const ShadingNodeSpec& spec, const std::string& key, std::vector<ProgramInput>& inputs)
 {
@@ -191,7 +161,7 @@ std::optional<Material> compilePlainMaterial(const Scene& scene)
     std::vector<LightSpec> lights;
     std::vector<ProgramInput> inputs;
     listInputs(*spec, "", inputs);
-    for (const SceneLight& light : scene.lights ? *scene.lights : suitableLights(spec->body()))
+    for (const SceneLight& light : scene.lights.value_or(defaultLights()))
     {
         Specs own;
         ok &= light.source.empty() || PlainReader(light.source).read(own);
@@ -206,18 +176,14 @@ std::optional<Material> compilePlainMaterial(const Scene& scene)
     }
     if (!ok)
         return std::nullopt;
-    if (countBlocks(spec->body(), static_cast<double>(lights.size())) > kMostBlocks)
-    {
-        krTools::print(stderr, "krview", Severity::Error,
-                       "with so many lights the illuminance blocks within each other in " +
-                           inQuotes(spec->name().view()) + " would come to more than 10000 copies");
-        return std::nullopt;
-    }
-
+    FragmentExtras extras;
     krString::CString vertex;
     krString::CString fragment;
-    compileMaterialToGlsl(*spec, &lights, vertex, fragment);
-    return Material{.name = std::string(spec->name().view()),
+    glslTarget().compile(*spec, &lights, extras, vertex, fragment);
+    std::string materialName(spec->name().view());
+    if (!checkSize(materialName, extras.isTooLarge ? kMostProgramBytes : std::max(vertex.length(), fragment.length())))
+        return std::nullopt;
+    return Material{.name = std::move(materialName),
                     .vertexProgram = programSource("<vertex program>", vertex.view()),
                     .fragmentProgram = programSource("<fragment program>", fragment.view()),
                     .inputs = std::move(inputs),

@@ -44,7 +44,7 @@ bool Stage::load(const Scene& scene)
 {
     fFiles = scene.files;
     const std::optional<Material> material = scene.plain ? compilePlainMaterial(scene) : compileMaterial(scene, fFiles);
-    if (!material || !areDrawable(*material))
+    if (!material)
         return false;
     std::unique_ptr<GlProgram> program = GlProgram::link(*material);
     if (!program)

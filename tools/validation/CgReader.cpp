@@ -46,6 +46,7 @@ f32tof16 firstbithigh firstbitlow fma mad msad4 printf rcp reversebits
 /// What Cg has and HLSL has not.
 constexpr std::string_view kPrologue = R"(
 #define POSITION SV_Position
+#define float1 float2 // glslang takes float1 for a scalar, and a scalar has no ".x" that could be written
 #define matrix krslc_matrix
 #define fixed half
 #define fixed2 half2

@@ -183,6 +183,7 @@ void forEachWord(std::string_view program, Visitor visit)
 /// The front end takes GLSL's letters for components, and a return without a value from a function that has one.
 void checkWords(std::string_view program, Findings& findings)
 {
+    const std::size_t main = program.rfind(" main("); // the last function; those ahead of it may return nothing
     forEachWord(program,
                 [&](const Piece& word)
                 {
@@ -191,7 +192,8 @@ void checkWords(std::string_view program, Findings& findings)
                     if (isMember && word.text.find_first_not_of("stpq") == std::string_view::npos)
                         findings.error(word.position,
                                        inQuotes(word.text) + " names no components: Cg has xyzw and rgba");
-                    else if (word.text == "return" && next != std::string_view::npos && program[next] == ';')
+                    else if (word.text == "return" && word.position > main && next != std::string_view::npos &&
+                             program[next] == ';')
                         findings.error(word.position, "a value is missing: this program returns a colour");
                 });
 }

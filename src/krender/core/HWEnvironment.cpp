@@ -1,5 +1,7 @@
 #include <krender/core/HWEnvironment.h>
 
+#include <krender/platform/String.h>
+
 // Initialised early, so that the initialisers of other files can use the strings.
 [[gnu::init_priority(200)]] krString::CString HWEnvironment::enable_hwr_cg_programs;
 [[gnu::init_priority(200)]] krString::IString HWEnvironment::teka_path;

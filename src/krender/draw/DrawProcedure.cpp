@@ -1,5 +1,8 @@
 #include <krender/draw/DrawProcedure.h>
 
+#include <krender/core/IResource.h>
+#include <krender/platform/String.h>
+
 DrawProcedure::DrawProcedure() = default;
 
 DrawProcedure::DrawProcedure(const krString::CString& name) { IResource::setName(name.asChar()); }

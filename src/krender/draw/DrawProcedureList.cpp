@@ -1,10 +1,14 @@
 #include <krender/draw/DrawProcedureList.h>
 
+#include <krender/core/Ref.h>
 #include <krender/draw/DrawProcedure.h>
+#include <krender/platform/String.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <memory>
+#include <ranges>
 #include <utility>
 
 DrawProcedureList::DrawProcedureList() = default;

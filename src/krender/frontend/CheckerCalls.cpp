@@ -1,7 +1,23 @@
+#include "krender/frontend/private/Builtins.h"
 #include "krender/frontend/private/Checker.h"
+#include "krender/frontend/private/DiagnosticList.h"
+#include "krender/frontend/private/Message.h"
+#include "krender/frontend/private/NameTable.h"
 #include "krender/frontend/private/NearNames.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/SyntaxReader.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
 
 #include <algorithm>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace krFrontend
 {
@@ -17,6 +33,14 @@ void appendType(std::string& key, const Type& type)
 {
     key += static_cast<char>('A' + static_cast<int>(type.base));
     key += static_cast<char>('0' + type.size);
+}
+
+/// Whether it is a column of a matrix, or some of its components; one that is indexed is no problem.
+bool isPartOfColumn(const Expr* value) noexcept
+{
+    while (value->kind == ExprKind::Swizzle)
+        value = value->first;
+    return value->kind == ExprKind::Index && value->first->type.isMatrix();
 }
 
 std::string list(const Expr* call)
@@ -229,7 +253,7 @@ void Checker::applyFunction(Expr* call, Function& declared)
     call->type = function.result;
     function.isCalled = true;
     call->hasEffect |= function.discards;
-    if (fFunction && std::find(fFunction->calls.begin(), fFunction->calls.end(), &function) == fFunction->calls.end())
+    if (fFunction && std::exchange(function.lastCaller, fFunction) != fFunction)
         fFunction->calls.push_back(&function);
     Expr* value = call->first;
     for (const Symbol* argument = function.arguments; argument && value; argument = argument->next, value = value->next)
@@ -242,7 +266,7 @@ void Checker::applyFunction(Expr* call, Function& declared)
         call->hasEffect = true;
         if (!checkStorable(value))
             call->type = kNoType;
-        else if (value->kind == ExprKind::Index && value->first->type.isMatrix())
+        else if (isPartOfColumn(value))
             fDiagnostics.report(Message::ColumnAsOutput, value->range());
         else
             noteStored(value, argument->kind == SymbolKind::Inout);

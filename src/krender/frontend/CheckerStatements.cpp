@@ -1,5 +1,24 @@
 #include "krender/frontend/private/Checker.h"
 
+#include "krender/frontend/private/Arena.h"
+#include "krender/frontend/private/Constant.h"
+#include "krender/frontend/private/ConstantFolder.h"
+#include "krender/frontend/private/DiagnosticList.h"
+#include "krender/frontend/private/Message.h"
+#include "krender/frontend/private/NameTable.h"
+#include "krender/frontend/private/Provided.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/SyntaxReader.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
 namespace krFrontend
 {
 namespace
@@ -75,13 +94,22 @@ void Checker::checkBody(Function& function)
     fLoops = 0;
     fSet.clear();
     const Scope scope(*this);
+    std::array<const Symbol*, kProvidedValues.size()> listed{};
     for (Symbol* argument = function.arguments; argument; argument = argument->next)
     {
         argument->isSet = argument->kind != SymbolKind::Output;
         const Symbol* provided = fProvidedByName[argument->name];
         const bool isListed = provided && function.kind != FunctionKind::Regular && argument->kind == SymbolKind::Input;
         if (!isListed) // a value that programs provide, listed to say that it is used
+        {
             declare(*argument);
+            continue;
+        }
+        const Symbol*& first = listed[provided->provided];
+        if (first)
+            fDiagnostics.report(Message::Redeclared, argument->range, {fStore.names.text(argument->name)})
+                .note(first->range, "it is declared here");
+        first = argument;
     }
     if (function.kind == FunctionKind::Regular && function.result != kVoidType)
     {

@@ -1,7 +1,12 @@
 #include "krender/frontend/private/ConstantFolder.h"
 
+#include "krender/frontend/private/Lexer.h"
+
 #include <array>
 #include <charconv>
+#include <cstdint>
+#include <limits>
+#include <string>
 
 namespace krFrontend
 {
@@ -203,6 +208,12 @@ std::optional<ConstantValue> picked(const Type& type, const ConstantValue& value
     return result;
 }
 
+/// A constant's value, or null; an input's is its default, which may be another one in the end.
+const ConstantValue* valueOf(const Symbol* symbol) noexcept
+{
+    return symbol && symbol->kind != SymbolKind::Input ? symbol->value : nullptr;
+}
+
 } // namespace
 
 std::optional<ConstantValue> ConstantFolder::fold(const Expr* expr, const ConstantValue* operands) const
@@ -223,7 +234,9 @@ std::optional<ConstantValue> ConstantFolder::fold(const Expr* expr, const Consta
     case ExprKind::Bool:
         return boolean(expr->number != 0.0);
     case ExprKind::Variable:
-        return expr->symbol && expr->symbol->value ? std::optional(*expr->symbol->value) : std::nullopt;
+        if (const ConstantValue* value = valueOf(expr->symbol))
+            return *value;
+        return std::nullopt;
     case ExprKind::Unary:
         if (expr->op == TokenKind::Not)
             return boolean(!operands[0].ints[0]);
@@ -255,8 +268,8 @@ std::optional<ConstantValue> ConstantFolder::fold(const Expr* expr, const Consta
 
 const ConstantValue* ConstantFolder::evaluate(Expr* expr)
 {
-    if (expr->kind == ExprKind::Variable) // the common case: an index that varies
-        return expr->symbol ? expr->symbol->value : nullptr;
+    if (expr->kind == ExprKind::Variable && !expr->toFloat) // the common case: an index that varies
+        return valueOf(expr->symbol);
     fValues.clear();
     bool isConstant = true;
     fWalk(expr,

@@ -1,9 +1,15 @@
 #include "krender/frontend/private/Lexer.h"
 
+#include "krender/frontend/private/Message.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <limits>
+#include <string>
 
 namespace krFrontend
 {
@@ -254,14 +260,18 @@ void Lexer::readNumber(LexerToken& token)
     const SourceRange range{token.begin, offset(fAt)};
     token.kind = isFloat ? TokenKind::FloatNumber : TokenKind::IntNumber;
     const std::from_chars_result result = std::from_chars(digits.data(), digits.data() + digits.size(), token.number);
+    const bool isTooLarge = isFloat
+                                ? isOverflow(digits, result.ec, token.number)
+                                : result.ec != std::errc() || token.number > std::numeric_limits<std::int32_t>::max();
+    if (isTooLarge)
+        token.number = 0.0; // which every type holds
     if (end != fAt)
         fDiagnostics.report(Message::BadNumber, range,
                             {std::string_view(begin, static_cast<std::size_t>(fAt - begin))});
     else if (!isFloat && digits.size() > 1 && digits[0] == '0')
         fDiagnostics.report(Message::LeadingZero, range)
             .fix(range, digits.substr(std::min(digits.find_first_not_of('0'), digits.size() - 1)));
-    else if (isFloat ? isOverflow(digits, result.ec, token.number)
-                     : result.ec != std::errc() || token.number > std::numeric_limits<std::int32_t>::max())
+    else if (isTooLarge)
         fDiagnostics.report(Message::NumberTooLarge, range, {typeName(isFloat ? kFloatType : kIntType)});
 }
 
@@ -272,12 +282,13 @@ void Lexer::readHexNumber(LexerToken& token)
     std::uint64_t value = 0;
     const auto [end, error] = std::from_chars(begin + 2, fAt, value, 16);
     token.kind = TokenKind::IntNumber;
-    token.number = static_cast<double>(value);
+    const bool isTooLarge = error != std::errc() || value > std::numeric_limits<std::int32_t>::max();
+    token.number = isTooLarge ? 0.0 : static_cast<double>(value);
     const SourceRange range{token.begin, offset(fAt)};
     if (end != fAt || end == begin + 2)
         fDiagnostics.report(Message::BadNumber, range,
                             {std::string_view(begin, static_cast<std::size_t>(fAt - begin))});
-    else if (error != std::errc() || value > std::numeric_limits<std::int32_t>::max())
+    else if (isTooLarge)
         fDiagnostics.report(Message::NumberTooLarge, range, {typeName(kIntType)});
 }
 

@@ -1,18 +1,33 @@
+#include "krender/frontend/private/ExprWalk.h"
+#include "krender/frontend/private/Lexer.h"
 #include "krender/frontend/private/Lowering.h"
+#include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/ProgramNames.h"
 #include "krender/frontend/private/Provided.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/TextEdits.h"
+#include "krender/frontend/private/Type.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace krFrontend
 {
 namespace
 {
 
-std::string swizzleLetters(const Expr& expr)
+/// The components of a vector that are left of it behind its swizzles.
+std::string lettersOf(const Expr& expr)
 {
+    if (expr.kind != ExprKind::Swizzle)
+        return std::string("xyzw").substr(0, expr.type.size);
+    const std::string inner = lettersOf(*expr.first);
     std::string letters;
     for (unsigned i = 0; i < 4 && expr.swizzle[i] < 4; ++i)
-        letters += "xyzw"[expr.swizzle[i]];
+        letters += inner[expr.swizzle[i]];
     return letters;
 }
 
@@ -55,6 +70,14 @@ const Symbol& rootOf(const Expr* target)
 }
 
 } // namespace
+
+const Expr& withoutSwizzles(const Expr& expr) noexcept
+{
+    const Expr* whole = &expr;
+    while (whole->kind == ExprKind::Swizzle)
+        whole = whole->first;
+    return *whole;
+}
 
 std::string Lowering::outlineChoice(Expr* expr)
 {
@@ -114,10 +137,10 @@ std::string Lowering::outlineChoice(Expr* expr)
 std::string Lowering::storeColumn(Expr* target, std::string_view op, const std::string& value, const Type& valueType)
 {
     const bool isPart = target->kind == ExprKind::Swizzle;
-    Expr* column = isPart ? target->first : target;
+    const Expr* column = &withoutSwizzles(*target);
     const std::string_view assignment = op.ends_with('=') && op[0] != '=' ? op : "=";
     const Type matrix = column->first->type;
-    const std::string letters = isPart ? swizzleLetters(*target) : std::string("xyzw").substr(0, matrix.size);
+    const std::string letters = lettersOf(*target);
     const std::string name = "kr_column" + std::string(wordOf(assignment)) + (isPart ? "_" + letters : "");
     const std::string part = typeText({BaseType::Float, static_cast<std::uint8_t>(letters.size()), 0});
     std::string body = "\t" + part + " c = transpose(m)[i]." + letters + ";\n";
@@ -137,8 +160,17 @@ std::string Lowering::storeColumn(Expr* target, std::string_view op, const std::
 std::string Lowering::swappedElement(Expr* element)
 {
     // m[column][row] is m[row][column] where the first index picks a row.
-    Expr* column = element->first;
-    return render(column->first) + "[" + render(element->second()) + "][" + render(column->second()) + "]";
+    const Expr& column = withoutSwizzles(*element->first);
+    std::string row = render(element->second());
+    if (&column != element->first)
+    {
+        const std::string letters = lettersOf(*element->first);
+        std::string rows;
+        for (const char letter : letters)
+            rows += concat({rows.empty() ? "" : ", ", std::to_string(std::string_view("xyzw").find(letter))});
+        row = concat({"int", std::to_string(letters.size()), "(", rows, ")[", row, "]"});
+    }
+    return render(column.first) + "[" + row + "][" + render(column.second()) + "]";
 }
 
 } // namespace krFrontend

@@ -1,6 +1,23 @@
 #include "krender/frontend/private/Lowering.h"
 
+#include "krender/frontend/private/Builtins.h"
+#include "krender/frontend/private/Constant.h"
+#include "krender/frontend/private/ExprWalk.h"
+#include "krender/frontend/private/Lexer.h"
+#include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/TextEdits.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
+
 #include <algorithm>
+#include <array>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
 
 namespace krFrontend
 {
@@ -85,9 +102,7 @@ std::string Lowering::render(Expr* expr)
 
 void Lowering::wrapArgument(const Expr& argument, std::string_view before, std::string_view after)
 {
-    const auto known = std::find_if(fArgumentWraps.begin(), fArgumentWraps.end(),
-                                    [&](const auto& entry) { return entry.first == &argument; });
-    Wrap& wrap = known == fArgumentWraps.end() ? fArgumentWraps.emplace_back(&argument, Wrap()).second : known->second;
+    Wrap& wrap = fArgumentWraps[&argument];
     wrap.before = concat({before, wrap.before});
     wrap.after += after;
 }
@@ -103,8 +118,7 @@ void Lowering::edit(Expr* root, TextEdits& edits)
     std::vector<Open> open;
     const auto enter = [&](Expr* expr)
     {
-        const auto asked = std::find_if(fArgumentWraps.begin(), fArgumentWraps.end(),
-                                        [&](const auto& entry) { return entry.first == expr; });
+        const auto asked = fArgumentWraps.find(expr);
         Wrap outer;
         if (asked != fArgumentWraps.end())
         {
@@ -141,9 +155,11 @@ bool Lowering::replaceWhole(Expr* expr, TextEdits& edits)
 {
     if (!isCg())
         return false;
-    const auto isColumn = [](const Expr& e) { return e.kind == ExprKind::Index && e.first->type.isMatrix(); };
-    const auto isColumnTarget = [&](const Expr& e)
-    { return isColumn(e) || (e.kind == ExprKind::Swizzle && isColumn(*e.first)); };
+    const auto isColumnTarget = [](const Expr& e)
+    {
+        const Expr& whole = withoutSwizzles(e);
+        return whole.kind == ExprKind::Index && whole.first->type.isMatrix();
+    };
     const bool isLogical = expr->kind == ExprKind::Binary && (expr->op == TokenKind::And || expr->op == TokenKind::Or);
     const bool steps = (expr->kind == ExprKind::Unary || expr->kind == ExprKind::Postfix) &&
                        (expr->op == TokenKind::PlusPlus || expr->op == TokenKind::MinusMinus);
@@ -161,7 +177,7 @@ bool Lowering::replaceWhole(Expr* expr, TextEdits& edits)
         if (expr->kind == ExprKind::Postfix)
             text = concat({"(", text, isPlus ? " - 1.0)" : " + 1.0)"});
     }
-    else if (expr->kind == ExprKind::Index && isColumn(*expr->first))
+    else if (expr->kind == ExprKind::Index && isColumnTarget(*expr->first))
         text = swappedElement(expr);
     else
         return false;
@@ -371,22 +387,20 @@ void Lowering::editConstruct(const Expr& expr, TextEdits& edits, Wrap& wrap)
 {
     const Type type = expr.toFloat ? kIntType : expr.type;
     const std::string word = typeName(type);
-    replaceWord(expr, word, typeText(type), edits);
-    if (!isCg())
-        return;
-    if (type.isMatrix())
-    {
-        editCgMatrix(expr, edits, wrap);
-        return;
-    }
     const bool isFilled = type.isVector() && !expr.first->next && expr.first->type.isScalar();
-    if (isFilled)
+    if (isCg() && type.isMatrix())
+        editCgMatrix(expr, edits, wrap);
+    else if (isCg() && isFilled)
     {
         replaceWord(expr, word, concat({"((", typeText(type), ")"}), edits);
         wrap.after = std::string(")");
-        return;
     }
-    cutLastArgument(expr);
+    else
+    {
+        replaceWord(expr, word, typeText(type), edits);
+        if (isCg())
+            cutLastArgument(expr);
+    }
 }
 
 void Lowering::cutLastArgument(const Expr& expr)
@@ -426,6 +440,7 @@ void Lowering::editCgMatrix(const Expr& expr, TextEdits& edits, Wrap& wrap)
         replaceWord(expr, word, name, edits);
         return;
     }
+    replaceWord(expr, word, type, edits);
     wrap.before = std::string("transpose("); // a constructor takes rows there
     wrap.after = std::string(")");
 }

@@ -1,17 +1,41 @@
 #include "krender/frontend/private/Lowering.h"
 
+#include "krender/frontend/private/Builtins.h"
+#include "krender/frontend/private/Constant.h"
+#include "krender/frontend/private/ExprWalk.h"
+#include "krender/frontend/private/Lexer.h"
+#include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/NameTable.h"
+#include "krender/frontend/private/ProgramNames.h"
 #include "krender/frontend/private/Provided.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/SyntaxReader.h"
+#include "krender/frontend/private/Type.h"
 #include "krender/shading/private/StatementPrinter.h"
+#include <krender/frontend/SourceSet.h>
+#include <krender/platform/String.h>
+#include <krender/shadergen/Target.h>
+#include <krender/shading/FunctionType.h>
+#include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 namespace krFrontend
 {
 namespace
 {
 
-using krShadingDag::StatementCompound;
 using krShadingDag::StatementPrinter;
 
 /// Prints a function's body and keeps where its lines came from.
@@ -80,6 +104,27 @@ void forEachExpr(const Stmt* first, Visitor visit)
             if (part->body)
                 forEachExpr(part->body, visit);
         }
+}
+
+/// The function that Cg's text of an expression calls where the source calls none; empty: there is none.
+std::string_view insertedByCg(const Expr& expr) noexcept
+{
+    const auto isMatrix = [](const Expr* e) { return e && e->type.isMatrix(); };
+    switch (expr.kind)
+    {
+    case ExprKind::Binary:
+        if (expr.op == TokenKind::Equal || expr.op == TokenKind::NotEqual)
+            return !expr.first->type.isVector() ? "" : expr.op == TokenKind::Equal ? "all" : "any";
+        return expr.op == TokenKind::Star && (isMatrix(expr.first) || isMatrix(expr.second())) ? "mul" : "";
+    case ExprKind::Index:
+        return isMatrix(expr.first) ? "transpose" : "";
+    case ExprKind::Construct:
+        return isMatrix(&expr) ? "transpose" : "";
+    case ExprKind::Variable:
+        return isMatrix(&expr) && expr.symbol->kind == SymbolKind::Constant ? "transpose" : "";
+    default:
+        return "";
+    }
 }
 
 } // namespace
@@ -183,7 +228,6 @@ void Lowering::collectAllCalls(const Function& shader, std::unordered_set<std::s
 
 void Lowering::collectInserted(const Function& function, std::unordered_set<std::string>& names)
 {
-    names.insert({"all", "any", "mul", "transpose"});
     forEachExpr(function.body,
                 [&](Expr* expr, const Symbol*)
                 {
@@ -192,6 +236,8 @@ void Lowering::collectInserted(const Function& function, std::unordered_set<std:
                           {
                               if (e->kind == ExprKind::Call && spellingOf(*e) != nameText(e->name))
                                   names.emplace(spellingOf(*e));
+                              if (const std::string_view name = insertedByCg(*e); isCg() && !name.empty())
+                                  names.emplace(name);
                           });
                 });
 }
@@ -312,6 +358,8 @@ void Lowering::lowerHeader(const Function& shader, LoweredShader& lowered)
         // A value that programs have anyway is not declared by them again, whatever its header says.
         const krShadingDag::CompFreqRange range =
             isProvidedName(nameText(argument->name)) ? krShadingDag::kFullRange : argument->frequencies;
+        if (isCg() && argument->type == Type{BaseType::Matrix, 2, 0})
+            fProgram.needHelper("#define matrix2 float2x2\n"); // which the frame does not have, as it has the others
         const krString::CString name{std::string_view(nameOf(*argument))};
         if (argument->kind == SymbolKind::Input)
             spec.addInput(dataType(argument->type), name, range);

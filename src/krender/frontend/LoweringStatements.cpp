@@ -1,6 +1,21 @@
 #include "krender/frontend/private/Lowering.h"
 
+#include "krender/frontend/private/ExprWalk.h"
+#include "krender/frontend/private/Lexer.h"
+#include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/TextEdits.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
+#include <krender/platform/String.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace krFrontend
 {
@@ -13,6 +28,11 @@ bool isSimple(const Stmt& statement) noexcept
 {
     return statement.kind == StmtKind::Expression || statement.kind == StmtKind::Break ||
            statement.kind == StmtKind::Continue || statement.kind == StmtKind::Discard;
+}
+
+bool beginsWithType(std::string_view text) noexcept
+{
+    return typeOfWord(text.substr(0, text.find_first_of(" \t\r\n(/"))).isKnown();
 }
 
 } // namespace
@@ -54,6 +74,13 @@ void Lowering::lowerStatement(const Stmt& statement, StatementCompound& list)
         lowerStatements(statement.body, addCompound(list, StatementType::Block, "", statement.begin));
         break;
     case StmtKind::Expression:
+    {
+        const std::string text = textOf(statement, statement.range());
+        const bool seemsDeclared = isCg() && beginsWithType(text); // a type's name begins a declaration there
+        addText(list, StatementType::Opaque,
+                seemsDeclared ? concat({"(", text.substr(0, text.size() - 1), ");"}) : text, statement.begin);
+        break;
+    }
     case StmtKind::Declaration:
     case StmtKind::Break:
     case StmtKind::Continue:
@@ -149,13 +176,22 @@ void Lowering::editSimple(const Stmt& statement, TextEdits& edits)
         edit(statement.step, edits);
 }
 
-bool Lowering::keepsConst(const Stmt& statement) const
+bool Lowering::keepsConst(const Stmt& statement)
 {
     // The targets want values that they can work out themselves; whether a call is one of these they see differently.
+    // "%" becomes a call where the target has none, and a variable that lost the word is none of these values either.
+    bool keeps = true;
+    const auto consider = [&](const Expr* e)
+    { keeps &= e->kind == ExprKind::Variable ? !fUnconst.contains(e->symbol) : isCg() || e->op != TokenKind::Percent; };
     for (const Symbol* variable = statement.variables; variable; variable = variable->next)
-        if (!variable->value)
-            return false;
-    return true;
+    {
+        keeps &= variable->value != nullptr;
+        if (keeps)
+            fWalk(variable->initializer, consider);
+    }
+    for (const Symbol* variable = statement.variables; variable && !keeps; variable = variable->next)
+        fUnconst.insert(variable);
+    return keeps;
 }
 
 void Lowering::editDeclaration(const Stmt& statement, TextEdits& edits)

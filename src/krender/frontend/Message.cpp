@@ -1,7 +1,11 @@
 #include "krender/frontend/private/Message.h"
 
+#include <krender/frontend/Diagnostic.h>
+
 #include <algorithm>
 #include <array>
+#include <string_view>
+#include <vector>
 
 namespace krFrontend
 {
@@ -91,7 +95,8 @@ constexpr std::array kRows{
     Row{Message::OnlyDeclared, {"only-declared", kError, "'%1' is declared, but has no body"}},
     Row{Message::Recursion, {"recursion", kError, "'%1' calls itself"}},
     Row{Message::ColumnAsOutput,
-        {"column-as-output", kError, "a column of a matrix cannot be an out argument: use a variable"}},
+        {"column-as-output", kError,
+         "a column of a matrix, or a part of it, cannot be an out argument: use a variable"}},
     Row{Message::LightValueOutside, {"light-value-outside", kError, "'%1' is known within illuminance alone"}},
     Row{Message::NoOutputHere,
         {"output-not-here", kError, "'output' is the value of a function with a result, and of nothing else"}},
@@ -150,6 +155,7 @@ const std::vector<DiagnosticKind>& diagnosticKinds()
     static const std::vector<DiagnosticKind> kinds = []
     {
         std::vector<DiagnosticKind> list;
+        list.reserve(kRows.size());
         for (const Row& row : kRows)
             list.push_back(row.kind);
         return list;

@@ -1,12 +1,21 @@
 #include <krender/frontend/PlainReading.h>
 
 #include "krender/frontend/private/DiagnosticList.h"
+#include "krender/frontend/private/Message.h"
 #include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/Syntax.h"
+#include <krender/frontend/Diagnostic.h>
+#include <krender/frontend/Module.h>
+#include <krender/frontend/SourceSet.h>
+#include <krender/platform/String.h>
 #include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
 
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace krFrontend
 {
@@ -199,18 +208,19 @@ std::vector<Diagnostic> plainDifferences(const Module& module)
         const Offset end = function->body ? function->body->end : function->header.end;
         if (end > contents.sources.file(0).end())
             continue;
-        const std::string_view text = contents.sources.text({function->header.begin, end});
+        std::string source(contents.sources.text({function->header.begin, end}));
+        if (!function->body)
+            source += ';';
         krShadingDag::ShadingParser parser;
         parser.setLimits({.refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000});
         ShadingNodeSpec* read = nullptr;
-        const krString::CString source(function->body ? std::string(text) : std::string(text) + ";");
-        const bool isRead = parser.parseString(source, &read);
+        const bool isRead = parser.parseString(krString::CString(source), &read);
         const std::unique_ptr<ShadingNodeSpec> spec(read);
         if (!isRead)
         {
-            const krString::CString messages = parser.errorString();
-            const std::string_view problem = messages.view().substr(0, messages.view().find('\n'));
-            diagnostics.report(Message::PlainRefuses, function->range, {problem});
+            const krString::CString problem = parser.errorString();
+            const std::string_view text = problem.view();
+            diagnostics.report(Message::PlainRefuses, function->range, {text.substr(0, text.find('\n'))});
         }
         else if (function->body && spec)
             compareBodies(contents.sources, *function, *spec, diagnostics);

@@ -1,5 +1,7 @@
 #include "krender/frontend/private/ProgramNames.h"
 
+#include <krender/shadergen/Target.h>
+
 #include <algorithm>
 #include <array>
 
@@ -77,9 +79,9 @@ std::string ProgramNames::invent(std::string_view like)
         stem.remove_suffix(1);
     if (stem.empty() || (stem[0] >= '0' && stem[0] <= '9'))
         stem = "value";
-    for (unsigned number = 1;; ++number)
+    for (unsigned& number = fNumbers[std::string(stem)];;)
     {
-        std::string name = std::string(stem) + "_" + std::to_string(number);
+        std::string name = std::string(stem) + "_" + std::to_string(++number);
         if (isReserved(name) || isTaken(name) || fWords.contains(name))
             continue;
         take(name);

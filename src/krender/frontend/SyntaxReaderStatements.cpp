@@ -1,5 +1,14 @@
 #include "krender/frontend/private/SyntaxReader.h"
 
+#include "krender/frontend/private/Arena.h"
+#include "krender/frontend/private/DiagnosticList.h"
+#include "krender/frontend/private/Lexer.h"
+#include "krender/frontend/private/Message.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
+
 namespace krFrontend
 {
 
@@ -123,9 +132,32 @@ Stmt* SyntaxReader::readReturn()
 {
     Stmt* statement = makeStatement(StmtKind::Return);
     advance();
-    if (!is(TokenKind::Semicolon) && !is(TokenKind::CloseBrace) && !fToken.startsLine)
+    // On the next line only what begins a value counts as one: other tokens begin a statement, and a ";" is missing.
+    if (fToken.startsLine ? beginsValue() : !is(TokenKind::Semicolon) && !is(TokenKind::CloseBrace))
         statement->expr = readExpression();
     return finishSimple(statement);
+}
+
+bool SyntaxReader::beginsValue() const noexcept
+{
+    switch (kind()) // NOLINT(clang-diagnostic-switch-enum): no other token begins a value
+    {
+    case TokenKind::Identifier:
+    case TokenKind::Output:
+    case TokenKind::IntNumber:
+    case TokenKind::FloatNumber:
+    case TokenKind::True:
+    case TokenKind::False:
+    case TokenKind::OpenParen:
+    case TokenKind::Plus:
+    case TokenKind::Minus:
+    case TokenKind::PlusPlus:
+    case TokenKind::MinusMinus:
+    case TokenKind::Not:
+        return true;
+    default:
+        return is(TokenKind::TypeName) && fAhead.kind == TokenKind::OpenParen;
+    }
 }
 
 Stmt* SyntaxReader::readDeclaration()

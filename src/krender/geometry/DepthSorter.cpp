@@ -3,6 +3,8 @@
 #include "krender/geometry/private/DepthOrder.h"
 #include "krender/geometry/private/ScratchArray.h"
 
+#include <krender/platform/Linear.h>
+
 #include <cstddef>
 
 using krLinear::ProjMatrix;

@@ -1,6 +1,7 @@
 #pragma once
 #include <krender/Export.h>
 #include <krender/core/IResource.h>
+#include <krender/geometry/GeometryData.h>
 #include <krender/geometry/GeometryDataIndex.h>
 #include <krender/geometry/GeometryLogicalGroup.h>
 

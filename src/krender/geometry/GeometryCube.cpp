@@ -2,6 +2,9 @@
 
 #include "krender/geometry/private/GeometryShapes.h"
 
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+
 #include <numbers>
 
 using namespace krShapes;

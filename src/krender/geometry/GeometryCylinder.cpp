@@ -2,6 +2,8 @@
 
 #include "krender/geometry/private/GeometryShapes.h"
 
+#include <krender/geometry/GeometryData.h>
+
 #include <array>
 #include <numbers>
 

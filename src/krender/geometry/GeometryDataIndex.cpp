@@ -1,6 +1,7 @@
 #include <krender/geometry/GeometryDataIndex.h>
 
 #include <krender/core/IHWMemoryObject.h>
+#include <krender/core/IResource.h>
 #include <krender/geometry/GeometryData.h>
 
 #include <cstddef>

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <vector>
 
 GeometryDataIterator::GeometryDataIterator(const GeometryDataIndex* index, const unsigned* textureSets) noexcept
 {

@@ -1,7 +1,11 @@
 #include <krender/geometry/GeometryLogicalGroup.h>
 
+#include <krender/core/Ref.h>
+#include <krender/core/RefVector.h>
 #include <krender/geometry/GeometryCustomData.h>
+#include <krender/geometry/GeometryData.h>
 #include <krender/geometry/GeometryDataIndex.h>
+#include <krender/geometry/GeometryMonitorRegistry.h>
 
 #include <algorithm>
 #include <cstring>

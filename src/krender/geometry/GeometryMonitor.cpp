@@ -2,6 +2,7 @@
 
 #include <krender/geometry/GeometryData.h>
 #include <krender/geometry/GeometryLogicalGroup.h>
+#include <krender/geometry/GeometryMonitorRegistry.h>
 
 constinit std::uint32_t GeometryMonitor::gNextFreeId = 0;
 

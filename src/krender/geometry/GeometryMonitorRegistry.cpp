@@ -2,6 +2,7 @@
 
 #include <krender/core/IResource.h>
 #include <krender/geometry/GeometryMonitor.h>
+#include <krender/geometry/GeometryMonitorEntry.h>
 
 #include <algorithm>
 

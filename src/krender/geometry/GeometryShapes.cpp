@@ -1,5 +1,11 @@
 #include "krender/geometry/private/GeometryShapes.h"
 
+#include <krender/core/Ref.h>
+#include <krender/geometry/Geometry.h>
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/platform/Linear.h>
+
 #include <algorithm>
 #include <cmath>
 #include <memory>

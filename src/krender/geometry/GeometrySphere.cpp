@@ -2,9 +2,13 @@
 
 #include "krender/geometry/private/GeometryShapes.h"
 
+#include <krender/geometry/GeometryData.h>
+#include <krender/platform/Linear.h>
+
 #include <cmath>
 #include <initializer_list>
 #include <numbers>
+#include <vector>
 
 using krLinear::Point;
 using krLinear::Vector;

@@ -1,7 +1,12 @@
 #include <krender/geometry/ParticleData.h>
 
+#include <krender/core/Ref.h>
+#include <krender/core/RefVector.h>
 #include <krender/geometry/DepthSorter.h>
 #include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/platform/Linear.h>
+#include <krender/platform/String.h>
 
 #include <algorithm>
 #include <bit>

@@ -1,6 +1,7 @@
 #include <krender/geometry/ParticleDataIterator.h>
 
 #include <krender/geometry/GeometryData.h>
+#include <krender/geometry/ParticleData.h>
 
 #include <cstddef>
 #include <cstdint>

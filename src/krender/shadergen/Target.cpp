@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
 
 namespace
 {
@@ -124,7 +125,7 @@ constexpr std::array kGlslWords = std::to_array<std::string_view>({
 });
 static_assert(std::is_sorted(kGlslWords.begin(), kGlslWords.end()));
 
-/// Cg: its keywords, those of C++ that it keeps, and the macros of the programs.
+/// Cg: its keywords, those of C++ that it keeps, the macros of the programs, and what these call.
 constexpr std::array kCgWords = std::to_array<std::string_view>({
     "asm",
     "asm_fragment",
@@ -153,6 +154,15 @@ constexpr std::array kCgWords = std::to_array<std::string_view>({
     "enum",
     "explicit",
     "extern",
+    "f1texcompare1D",
+    "f1texcompare2D",
+    "f4tex1D",
+    "f4tex1Dproj",
+    "f4tex2D",
+    "f4tex2Dproj",
+    "f4tex3D",
+    "f4tex3Dproj",
+    "f4texCUBE",
     "false",
     "fixed",
     "float",
@@ -243,7 +253,7 @@ static_assert(std::is_sorted(kCgWords.begin(), kCgWords.end()));
 /// Cg's names of vectors and matrices: float3, half4x4, bool2.
 bool isCgShape(std::string_view word) noexcept
 {
-    constexpr std::array<std::string_view, 5> kScalars{"bool", "fixed", "float", "half", "int"};
+    constexpr std::array<std::string_view, 6> kScalars{"bool", "double", "fixed", "float", "half", "int"};
     const auto isCount = [](char c) { return c >= '1' && c <= '4'; };
     return std::any_of(kScalars.begin(), kScalars.end(),
                        [&](std::string_view scalar)

@@ -1,6 +1,7 @@
 #include <krender/shading/StatementCompound.h>
 
 #include "krender/shading/private/StatementPrinter.h"
+#include <krender/platform/String.h>
 #include <krender/shading/Statement.h>
 
 #include <algorithm>

@@ -1,5 +1,9 @@
 #include "krender/shading/private/StatementPrinter.h"
 
+#include <krender/platform/String.h>
+#include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
+
 #include <algorithm>
 #include <cstddef>
 

@@ -1,10 +1,14 @@
 #include <krender/spatial/AABoundingBox.h>
 
+#include <krender/platform/Linear.h>
 #include <krender/spatial/BoundingSphere.h>
+#include <krender/spatial/IBoundingPlanes.h>
+#include <krender/spatial/IBounds.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <ranges>
 
 using krLinear::PointFlt;
 

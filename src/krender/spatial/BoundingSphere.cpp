@@ -1,6 +1,9 @@
 #include <krender/spatial/BoundingSphere.h>
 
+#include <krender/platform/Linear.h>
 #include <krender/spatial/AABoundingBox.h>
+#include <krender/spatial/IBoundingPlanes.h>
+#include <krender/spatial/IBounds.h>
 
 #include <algorithm>
 #include <cmath>

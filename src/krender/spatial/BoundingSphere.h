@@ -2,6 +2,7 @@
 #include <krender/Export.h>
 #include <krender/platform/Linear.h>
 #include <krender/spatial/IBoundingPlanes.h>
+#include <krender/spatial/IBounds.h>
 
 #include <vector>
 

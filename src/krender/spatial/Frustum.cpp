@@ -2,6 +2,12 @@
 
 #include "krender/spatial/private/FrustumArrays.h"
 
+#include <krender/platform/Linear.h>
+#include <krender/spatial/AABoundingBox.h>
+#include <krender/spatial/BoundingSphere.h>
+#include <krender/spatial/IBoundingVolume.h>
+#include <krender/spatial/IBounds.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>

@@ -1,5 +1,10 @@
 #include <krender/spatial/IHWCamera.h>
 
+#include <krender/platform/Linear.h>
+#include <krender/spatial/Frustum.h>
+#include <krender/spatial/IBoundingVolume.h>
+#include <krender/spatial/IBounds.h>
+
 #include <cmath>
 #include <numbers>
 

@@ -2,6 +2,7 @@
 #include <krender/Export.h>
 #include <krender/platform/Linear.h>
 #include <krender/spatial/Frustum.h>
+#include <krender/spatial/IBoundingVolume.h>
 
 #include <cstdint>
 
@@ -84,5 +85,5 @@ private:
 
 protected:
     /// Set by a derived camera whose view matrix maps from eye to world space.
-    bool invertViewMatrix = false;
+    bool invertViewMatrix = false; // NOLINT(readability-identifier-naming): derived cameras know it by this name
 };

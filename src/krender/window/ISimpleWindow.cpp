@@ -1,5 +1,7 @@
 #include <krender/window/ISimpleWindow.h>
 
+#include <krender/window/WindowWrapper.h>
+
 #include <string>
 
 int ISimpleWindow::create(const char* name, unsigned width, unsigned height, MessageHandler* handler,

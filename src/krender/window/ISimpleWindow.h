@@ -1,6 +1,8 @@
 #pragma once
 #include <krender/window/WindowWrapper.h>
 
+#include <krender/Export.h>
+
 class MessageHandler;
 
 /// A top-level window of a stand-alone viewer. Whoever made it ends it with delete.

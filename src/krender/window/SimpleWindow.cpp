@@ -1,6 +1,7 @@
 #include <krender/window/SimpleWindow.h>
 
 #include <krender/window/MessageHandler.h>
+#include <krender/window/WindowWrapper.h>
 
 #include <X11/Intrinsic.h>
 #include <X11/Shell.h>

@@ -1,6 +1,9 @@
 #pragma once
 #include <krender/window/ISimpleWindow.h>
 
+#include <krender/Export.h>
+#include <krender/window/WindowWrapper.h>
+
 #include <cstdint>
 #include <map>
 

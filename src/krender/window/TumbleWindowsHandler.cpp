@@ -1,5 +1,7 @@
 #include <krender/window/TumbleWindowsHandler.h>
 
+#include <krender/platform/Linear.h>
+
 #include <algorithm>
 
 namespace

@@ -1,4 +1,5 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/platform/Linear.h>
 #include <krender/window/MessageHandler.h>
 

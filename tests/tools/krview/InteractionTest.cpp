@@ -65,7 +65,11 @@ public:
         words.insert(words.begin(), KRVIEW_PROGRAM);
         words.insert(words.end(), {"--size", "120x90"});
         child = launch(words);
-        ASSERT_TRUE(waitFor([this] { return findWindow(DefaultRootWindow(user)); })) << place.read("err");
+        // A window manager that starts has windows that end while they are looked at.
+        const auto previous = XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
+        const bool found = waitFor([this] { return findWindow(DefaultRootWindow(user)); });
+        XSetErrorHandler(previous);
+        ASSERT_TRUE(found) << place.read("err");
     }
     /// Starts a program in the background, with its output in the files "out" and "err".
     pid_t launch(std::vector<std::string> words)
@@ -312,15 +316,20 @@ TEST_F(Viewer, KeepsThePictureWhenASourceBreaks)
     ASSERT_EQ(before.width, 120u);
 
     place.write("material.krs", "material broken(out float4 outRGBA)\n{\n    outRGBA = nothing;\n}\n");
-    EXPECT_TRUE(says("err", "material.krs:3:5: error: the driver rejects \"outRGBA = nothing;\"")) << place.read("err");
+    EXPECT_TRUE(says("err", "material.krs:3:15: error: 'nothing' is not declared")) << place.read("err");
     EXPECT_EQ(save().bytes, before.bytes);
-    place.write("material.krs", "material broken(out float4 outRGBA)\n{\n    outRGBA = 1;;\n}\n");
-    EXPECT_TRUE(says("err", "material.krs:3:17: error: empty statement")) << place.read("err");
 
+    // The included file is watched before there is one, while it is wrong, and when it is right.
     place.write("material.krs",
-                "material mended(out float4 outRGBA)\n{\n    outRGBA = float4(1.0, 0.0, 0.0, 1.0);\n}\n");
+                "#include \"parts.krs\"\nmaterial mended(out float4 outRGBA)\n{\n    outRGBA = colour();\n}\n");
+    EXPECT_TRUE(says("err", "material.krs:1:1: error: 'parts.krs' cannot be included: ")) << place.read("err");
+    place.write("parts.krs", "float4 colour() { return red; }\n");
+    EXPECT_TRUE(says("err", "parts.krs:1:26: error: 'red' is not declared")) << place.read("err");
+    place.write("parts.krs", "float4 colour() { return float4(1, 0, 0, 1); }\n");
     EXPECT_TRUE(says("out", "krview: now showing mended on sphere")) << place.read("err");
     EXPECT_EQ(save().at(60, 45), (Image::Pixel{255, 0, 0}));
+    place.write("parts.krs", "float4 colour() { return float4(0, 0, 1, 1); }\n");
+    EXPECT_TRUE(waitFor([this] { return save().at(60, 45) == Image::Pixel{0, 0, 255}; }));
     press(XK_q);
     EXPECT_EQ(status(), 0);
     const std::string out = place.read("out");

@@ -25,6 +25,19 @@ constexpr std::pair<const char*, const char*> kSources[] = {
     out float3 outLightAmbientColor, out float3 outLightDiffuseColor, out float3 outLightSpecularColor) {
     outLightDiffuseColor = colour; })"},
     {"odd.krs", "material odd(\n    uniform wrong,\n    out float4 outRGBA) { outRGBA = wrong; }\n"},
+    {"includes.krs", "#include \"parts.krs\"\nmaterial includes(out float4 outRGBA) { outRGBA = white(); }\n"},
+    {"parts.krs", "float4 white()\n{\n    return wite;\n}\n"},
+    {"lost.krs", "#include \"gone.krs\"\nmaterial lost(out float4 outRGBA) { outRGBA = float4(1); }\n"},
+    {"grained.krs", R"(material grained(vertex float2 uv,
+    uniform sampler2D grain [[ string file = "gone.png" ]], out float4 outRGBA) { outRGBA = texture2D(grain, uv); })"},
+    // Only a compiler that works out calls of constants sees the index.
+    {"index.krs", R"(material index(out float4 outRGBA)
+{
+    float seen[4];
+    seen[0] = 1;
+    outRGBA = float4(seen[int(abs(-7.0))]);
+})"},
+    {"unended.krs", "material a(out float4 outRGBA) { outRGBA = float4(1.0, 1.0, 1.0, 1.0); }\nmaterial b("},
     {"typed.krs", kTyped},
 };
 
@@ -62,6 +75,8 @@ constexpr RejectedScene kRejectedScenes[] = {
     {"WrongShape", R"("shape": "torus")", " error: shape: a shape is wanted here: cube, sphere"},
     {"NoMaterial", R"({"shape": "cube"})", " error: a \"material\" is missing"},
     {"MissingMaterial", R"({"material": "gone.krs"})", " error: material: there is no file 'gone.krs'"},
+    {"MissingSourceOfALight", R"("lights": [{"key": "a", "function": "lamp", "source": "gone.krs"}])",
+     " error: lights[0].source: there is no file 'gone.krs'"},
     {"LightWithoutFunction", R"("lights": [{"key": "a"}])", " error: lights[0]: a \"function\" is missing"},
     {"SameKeyTwice", R"("lights": [{"key": "a", "function": "headLight"}, {"key": "a", "function": "skyLight"}])",
      " error: lights[1]: another light has the key \"a\""},
@@ -124,14 +139,26 @@ constexpr RejectedCommand kRejectedCommands[] = {
      "krview: error: --set flag=2: \"flag\" is of type bool and cannot be 2\n"},
     // Sources
     {"UnknownLight", "scene.json", 1,
-     "krview: error: lights[0]: the libraries have no function \"pointLigt\"; did you mean pointLight"},
-    {"EmptyStatement", "--material broken.krs", 1, "broken.krs:3:17: error: empty statement"},
-    {"BadHeader", "--material odd.krs", 1, "odd.krs:2:"},
-    {"DriverErrorInTheMaterial", "--material untyped.krs --light a=headLight --light b=skyLight", 1,
-     "untyped.krs:5:9: error: the driver rejects \"received += gLightDifuseColor;\" in line "},
-    {"DriverErrorInALight",
-     "--material " KRENDER_SHARE "/materials/lambert.krs --lib lamp.krs --light eye=headLight --light a=lamp", 1,
-     "lamp.krs:3:5: error: the driver rejects \"outLightDiffuseColor = colour;\""},
+     "krview: error: lights[0]: there is no light \"pointLigt\" with a body; did you mean pointLight?"},
+    {"LightOfAnotherFile", "--material typed.krs --light a=lamp.krs:lam", 1,
+     "lamp.krs:3:28: error: 'colour' is not declared"},
+    {"LightThatAFileHasNot", "--material typed.krs --light a=typed.krs:lamp", 1,
+     "krview: error: --light a=typed.krs:lamp: typed.krs has no light \"lamp\" with a body\n"},
+    {"BadHeader", "--material odd.krs", 1, "odd.krs:2:13: error: expected the type of an argument, found 'wrong'\n"},
+    {"UnknownName", "--material untyped.krs", 1, "untyped.krs:5:21: error: 'gLightDifuseColor' is not declared"},
+    {"ErrorInALight", "--material typed.krs --lib lamp.krs", 1, "lamp.krs:3:28: error: 'colour' is not declared"},
+    {"ErrorInAnInclude", "--material includes.krs", 1, "parts.krs:3:12: error: 'wite' is not declared"},
+    {"MissingInclude", "--material lost.krs", 1, "lost.krs:1:1: error: 'gone.krs' cannot be included: "},
+    {"MissingPictureOfASource", "--material grained.krs", 1,
+     "grained.krs:2:23: error: grain: there is no picture 'gone.png'\n"},
+    {"DriverErrorBehindTheFrontEnd", "--material index.krs", 1,
+     "index.krs:5:5: error: by a fault of krender's, the driver rejects \"outRGBA = float4(seen[int(abs(-7.0))]);\" "
+     "in line "},
+    {"PlainEmptyStatement", "--plain --material broken.krs", 1, "broken.krs:3:17: error: Empty statement"},
+    {"PlainHeaderWithoutAnEnd", "--plain --material unended.krs", 1,
+     "unended.krs:2:1: error: the source ends within this header\n"},
+    {"PlainDriverError", "--plain --material untyped.krs --light a=headLight", 1,
+     "<fragment program>:72:1: error: the driver rejects it: "},
     // Use
     {"ParticleGrid", "--shape particles --grid 2", 1, "krview: error: particles are sorted by depth as one object"},
     {"UnknownOption", "--shap cube", 2, "krview: error: "},
@@ -154,12 +181,24 @@ TEST(Files, MayBeginWithAByteOrderMark)
 {
     const Workplace place;
     place.write("typed.krs",
-                std::string("\xef\xbb\xbfmaterial first(out float4 outRGBA) { outRGBA = nothing; }\n") + kTyped);
+                std::string("\xef\xbb\xbfmaterial first(out float4 outRGBA) { outRGBA = float4(1); }\n") + kTyped);
     place.write("scene.json",
                 "\xef\xbb\xbf{\"material\": \"typed.krs:typed\", \"inputs\": {\"flag\": true, \"steps\": -5}}");
     const Outcome outcome = krview(place, "scene.json --set size=1e-999 --frames 1");
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.status, 0);
+}
+
+TEST(Programs, AreNotDrawnWhenTheyAreTooLarge)
+{
+    const Workplace place;
+    std::string text = "material long(out float4 outRGBA)\n{\n    outRGBA = float4(0.0, 0.0, 0.0, 1.0);\n";
+    for (int i = 0; i < 50000; ++i)
+        text += "    outRGBA.x += 0.00001;\n";
+    place.write("long.krs", text + "}\n");
+    for (const std::string plain : {"", "--plain "})
+        EXPECT_EQ(krview(place, plain + "--material long.krs --frames 1").err,
+                  "krview: error: a program of \"long\" has more than 1 MB and is not drawn\n");
 }
 
 TEST(WithoutADisplay, SaysSoAndNothingElse)

@@ -90,4 +90,67 @@ TEST_P(Materials, LookGoodByThemselves)
 
 INSTANTIATE_TEST_SUITE_P(Shipped, Materials, testing::ValuesIn(namesIn(KRENDER_SHARE "/materials", ".krs")), testName);
 
+/// Two ways of saying the same.
+struct SamePicture
+{
+    const char* name;
+    const char* arguments;
+    const char* alsoAs;
+};
+
+class SamePictures : public testing::TestWithParam<SamePicture>
+{
+};
+
+TEST_P(SamePictures, AreDrawn)
+{
+    const Workplace place;
+    place.write("parts.krs", "float3 halved(float3 c)\n{\n    return c / 2;\n}\n");
+    // The target reserves "half".
+    place.write("full.krs", R"(#include "parts.krs"
+material full(
+    vertex float2 uv,
+    uniform float3 half = float3(1, 0.6, 0.2),
+    uniform matrix3 turn = matrix3(float3(0, 1, 0), float3(0, 0, 1), float3(1, 0, 0)),
+    uniform sampler2D grain [[ string file = "grain.png" ]],
+    out float4 outRGBA)
+{
+    float3 lit = float3(0);
+    illuminance { lit += gLightDiffuseColor; }
+    outRGBA = float4(halved(mul(turn, half)) * texture2D(grain, uv).xyz + lit, 1);
+})");
+    place.write("lamp.krs", R"(light lamp(uniform float3 color = float3(0, 0.3, 0), out float3 outLightWorldDir,
+    out float3 outLightAmbientColor, out float3 outLightDiffuseColor, out float3 outLightSpecularColor)
+{
+    outLightDiffuseColor = color;
+})");
+    place.write("scene.json", R"({"material": "full.krs",
+    "lights": [{"key": "a", "function": "lamp", "source": "lamp.krs"}]})");
+    std::filesystem::copy_file(KRENDER_SHARE "/scenes/bricks.png", place.path() / "grain.png");
+    const auto drawn = [&](const std::string& arguments)
+    {
+        const Outcome outcome = krview(place, arguments + " --size 120x90 --screenshot picture.png");
+        EXPECT_EQ(outcome.err, "");
+        return readImage(place.path() / "picture.png");
+    };
+    const Image image = drawn(GetParam().arguments);
+    ASSERT_EQ(image.width, 120U);
+    EXPECT_GT(image.at(60, 45)[0], 4) << "a value does not reach the program";
+    EXPECT_EQ(image.bytes, drawn(GetParam().alsoAs).bytes);
+}
+
+constexpr SamePicture kSamePictures[] = {
+    {"DefaultNumbers", "scene.json", "scene.json --set half=1,0.6,0.2"},
+    {"DefaultMatrix", "scene.json", "scene.json --set turn=0,0,1,1,0,0,0,1,0"},
+    {"DefaultPicture", "scene.json", "scene.json --set grain=" KRENDER_SHARE "/scenes/bricks.png"},
+    {"DefaultOfALight", "scene.json", "scene.json --set acolor=0,0.3,0"},
+    {"LightOfAFile", "scene.json", "--material full.krs --light a=lamp.krs:lamp"},
+    {"LightOfALibrary", "scene.json", "--material full.krs --light a=lamp --lib lamp.krs"},
+    {"PlainOfSeveralBlocks", "--material " KRENDER_SHARE "/materials/lacquer.krs",
+     "--plain --material " KRENDER_SHARE "/materials/lacquer.krs"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Krview, SamePictures, testing::ValuesIn(kSamePictures),
+                         [](const auto& same) { return same.param.name; });
+
 } // namespace

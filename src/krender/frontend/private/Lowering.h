@@ -72,6 +72,9 @@ struct LoweredShader
     std::unordered_map<const krShadingDag::Statement*, TextOrigin> origins;
 };
 
+/// What the swizzles of an expression pick from.
+[[nodiscard]] const Expr& withoutSwizzles(const Expr& expr) noexcept;
+
 /// Turns functions of one module into what a target takes. The writer's text stays but for single tokens.
 class Lowering
 {
@@ -88,7 +91,7 @@ public:
     void collectCalls(const Function& shader, std::unordered_set<std::string>& names);
     /// The same, with what its functions call.
     void collectAllCalls(const Function& shader, std::unordered_set<std::string>& names);
-    /// Adds the names that lowering puts into a function's text, where the source has others.
+    /// Adds the names of functions that lowering puts into a function's text, where the source has others or none.
     void collectInserted(const Function& function, std::unordered_set<std::string>& names);
     /// The name of an input in the program, but for a light's key.
     [[nodiscard]] const std::string& nameOf(const Symbol& symbol);
@@ -127,7 +130,7 @@ private:
                                    Offset origin);
     void editSimple(const Stmt& statement, TextEdits& edits);
     void editDeclaration(const Stmt& statement, TextEdits& edits);
-    [[nodiscard]] bool keepsConst(const Stmt& statement) const;
+    [[nodiscard]] bool keepsConst(const Stmt& statement);
     /// The source of a statement, or of a part of it, as the target takes it.
     [[nodiscard]] std::string textOf(const Stmt& statement, SourceRange range);
 
@@ -171,9 +174,10 @@ private:
     ProgramFunctions& fProgram;
     TargetLanguage fLanguage;
     ExprWalk fWalk;
-    std::unordered_map<const Symbol*, std::string> fNames;    // those that differ from the source, and asked-for ones
-    std::vector<std::pair<const Expr*, Wrap>> fArgumentWraps; // of arguments that are yet to be visited
-    std::string fReturnText;                                  // what a "return;" becomes
+    std::unordered_map<const Symbol*, std::string> fNames; // those that differ from the source, and asked-for ones
+    std::unordered_map<const Expr*, Wrap> fArgumentWraps;  // of arguments that are yet to be visited
+    std::unordered_set<const Symbol*> fUnconst;            // const locals that the program declares without the word
+    std::string fReturnText;                               // what a "return;" becomes
     std::unordered_map<const Statement*, TextOrigin>* fOrigins = nullptr; // of the statements that are being made
 };
 

@@ -3,6 +3,8 @@
 #include <krender/shadergen/Target.h>
 
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace krFrontend
@@ -30,6 +32,7 @@ private:
     const Target& fTarget;
     std::unordered_set<std::string> fTaken;
     std::unordered_set<std::string_view> fWords;
+    std::unordered_map<std::string, unsigned> fNumbers; // the last one that was tried behind a stem
 };
 
 } // namespace krFrontend

@@ -166,9 +166,10 @@ struct Function
     Stmt* body = nullptr;           ///< null: a declaration
     Function* definition = nullptr; ///< of a declaration
     Function* nextOverload = nullptr;
-    const Builtin* replaced = nullptr; ///< the built-in that it stands for or replaces
-    std::vector<Function*> calls;      ///< each once, in the order of the first call
-    unsigned order = 0;                ///< callees have lower numbers
+    const Builtin* replaced = nullptr;    ///< the built-in that it stands for or replaces
+    std::vector<Function*> calls;         ///< each once, in the order of the first call
+    const Function* lastCaller = nullptr; ///< while bodies are walked: the last one that called it
+    unsigned order = 0;                   ///< callees have lower numbers
 };
 
 struct Metadata

@@ -1,8 +1,15 @@
 #include "krender/pixels/private/Resize.h"
 #include "krender/pixels/private/ResizeFloatRows.h"
 
+#include "krender/pixels/private/ResizeFootprint.h"
+#include "krender/pixels/private/ResizeRuns.h"
+
+#include <cstddef>
+#include <cstdint>
 #include <limits>
+#include <memory>
 #include <numeric>
+#include <vector>
 
 namespace krPixels
 {
@@ -42,30 +49,30 @@ public:
     FloatResizer(const float* src, unsigned srcW, unsigned srcH, unsigned dstW, unsigned dstH, bool wide)
         : fSteps(floatRowSteps(wide)), fSrc(src), fColumns{floatRuns(srcW, dstW), {}, srcW, 0.0}
     {
-        // Each form rounds at most about once for each pixel of a footprint and a few times more, each time by at most
-        // half of epsilon, and all that it adds is positive. This is twice what both can be apart.
+        // Both forms add positive numbers only. Each rounds about once for every pixel of a footprint and a few times more,
+        // by at most half of epsilon each time, so this is at least twice their largest difference.
         const double cells = (static_cast<double>(srcW) / dstW + 2.0) * (static_cast<double>(srcH) / dstH + 2.0);
         fColumns.tolerance = 2.0 * (cells + 16.0) * std::numeric_limits<double>::epsilon();
     }
 
     [[nodiscard]] const std::vector<FloatRun>& columns() const noexcept { return fColumns.runs; }
 
-    /// Resizes to one row.
-    /// @param untold  gets the indices of the columns whose results are too near to where rounding turns
-    void averageRow(const FloatRun& row, float* dst, std::vector<std::size_t>& untold)
+    /// Computes one row.
+    /// @param undecided  gets the indices of the columns that are left to the plain form
+    void averageRow(const FloatRun& row, float* dst, std::vector<std::size_t>& undecided)
     {
         if (sumRows(row))
-            fSteps.storeAverages(fColumns, row.inverse, dst, untold);
+            fSteps.storeAverages(fColumns, row.inverse, dst, undecided);
         else
         {
-            untold.resize(fColumns.runs.size());
-            std::iota(untold.begin(), untold.end(), std::size_t{0});
+            undecided.resize(fColumns.runs.size());
+            std::iota(undecided.begin(), undecided.end(), std::size_t{0});
         }
     }
 
 private:
-    /// The columns' weighted sums over a footprint's rows.
-    /// @return  whether these rows, and one that the footprint only touches, are ordinary
+    /// Sums the columns over a footprint's rows.
+    /// @return  whether all components of these rows, and of one that the footprint only touches, are finite and not negative
     bool sumRows(const FloatRun& row)
     {
         fColumns.sums.assign(4 * fColumns.runs.size(), 0.0);
@@ -95,7 +102,7 @@ void resize(const float* src, unsigned srcW, unsigned srcH, float* dst, unsigned
 {
     FloatResizer resizer(src, srcW, srcH, dstW, dstH, wide);
     resizeByRuns(src, srcW, srcH, dst, dstW, dstH, floatRuns(srcH, dstH), resizer.columns(),
-                 [&](const auto& row, float* out, auto& untold) { resizer.averageRow(row, out, untold); });
+                 [&](const auto& row, float* out, auto& undecided) { resizer.averageRow(row, out, undecided); });
 }
 
 void resize(const float* src, unsigned srcW, unsigned srcH, float* dst, unsigned dstW, unsigned dstH)

@@ -1,8 +1,15 @@
 #include "krender/pixels/private/Lanes.h"
 #include "krender/pixels/private/Resize.h"
+#include "krender/pixels/private/ResizePlain.h"
+#include "krender/pixels/private/ResizeRuns.h"
 #include "krender/pixels/private/ResizeShares.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <vector>
 
 namespace krPixels
 {
@@ -10,16 +17,16 @@ namespace krPixels
 namespace
 {
 
-/// Sizes up to this keep sums over a column, at most 255 times twice the size, exact in float.
+/// Up to this size, the sums over a column, at most 255 times twice the size, are exact in float.
 constexpr unsigned kLargestSize = 1U << 15;
-/// Footprints of more pixels gather rounding errors in the plain form that reach the margin below.
+/// With footprints of more pixels, the plain form's rounding errors might reach the margin below.
 constexpr double kLargestFootprint = 1U << 22;
-/// Averages (with the nudge) as near as this to a level are left to the plain form, whose errors, like those of the fast
-/// form, are less than half as large. A whole average, by far the most common one near a level, is ten times as far away.
+/// Averages, with the nudge, that are nearer than this to a level are left to the plain form. The rounding errors of both
+/// forms are less than half as large. Whole averages, the most common ones near a level, are ten times as far away.
 constexpr double kMargin = 1e-6;
-/// Up to this total weight, sums of bytes are exact in float; and averages that are not whole stay farther below the next
-/// level than the nudge can lift them.
+/// Up to this total weight, sums of bytes are exact in float, and the nudge cannot lift an average to the next level.
 constexpr float kLargestFloatTotal = 65793.0f;
+/// Up to this total weight, averages are so far below the next level that divideDirectly is right.
 constexpr float kLargestDirectTotal = 4000.0f;
 
 /// sums = (Add: sums +) weight * the sum of N rows.
@@ -45,13 +52,12 @@ void sumEdges(const unsigned char* first, float firstWeight, const unsigned char
         sums[i] = firstWeight * static_cast<float>(first[i]) + lastWeight * static_cast<float>(last[i]);
 }
 
-/// The whole parts of quotients of whole numbers: dst = sums / (columnTotals * rowTotal).
+/// Divides whole numbers and truncates: dst = sums / (columnTotals * rowTotal).
 /// @param inverses  1 / columnTotals
 void divide(const float* sums, const float* columnTotals, const float* inverses, float rowTotal, std::size_t count,
             unsigned char* __restrict dst) noexcept
 {
-    // Rounding may leave the estimate one too low but, with the inverse taken a little too small, never too high; the
-    // remainder, which is exact, tells.
+    // The inverse is a little too small, so the estimate is right or one too low; the remainder, which is exact, decides.
     const float inverse = (1.0f - 0x1p-21f) / rowTotal;
     for (std::size_t i = 0; i < count; ++i)
     {
@@ -62,8 +68,8 @@ void divide(const float* sums, const float* columnTotals, const float* inverses,
     }
 }
 
-/// The same where total weights are at most kLargestDirectTotal: averages then lie so far from the next level that half a
-/// unit of weight keeps them clear of rounding on both sides.
+/// The same for total weights up to kLargestDirectTotal: half a unit of weight more keeps the quotients away from levels,
+/// on either side, by more than the rounding errors.
 void divideDirectly(const float* sums, const float* inverses, float rowTotal, std::size_t count,
                     unsigned char* __restrict dst) noexcept
 {
@@ -95,9 +101,9 @@ public:
 
     [[nodiscard]] const std::vector<ResizeShare>& columns() const noexcept { return fColumns; }
 
-    /// Resizes to one row.
-    /// @param untold  gets the indices of the columns that are too near to a level
-    void averageRow(const ResizeShare& row, unsigned char* dst, std::vector<std::size_t>& untold)
+    /// Computes one row.
+    /// @param undecided  gets the indices of the columns that are left to the plain form
+    void averageRow(const ResizeShare& row, unsigned char* dst, std::vector<std::size_t>& undecided)
     {
         sumColumns(row);
         unsigned char* pixels = fEnlarges ? fPixels.data() : dst;
@@ -110,7 +116,7 @@ public:
                 divide(fRunSums.data(), fTotals.data(), fInverses.data(), row.total, fRunSums.size(), pixels);
         }
         if (row.total * fGreatestTotal > kLargestFloatTotal)
-            averageInDouble(row, pixels, untold);
+            averageInDouble(row, pixels, undecided);
         if (fEnlarges)
             spreadRuns(dst);
     }
@@ -118,7 +124,7 @@ public:
 private:
     [[nodiscard]] const unsigned char* row(std::size_t r) const noexcept { return fSrc + fSums.size() * r; }
 
-    /// The weighted sums of the components of each source column over a footprint's rows.
+    /// Sums the components of each source column over a footprint's rows.
     void sumColumns(const ResizeShare& share) noexcept
     {
         float* sums = fSums.data();
@@ -140,7 +146,7 @@ private:
             sumRows<1, true>({row(r)}, share.innerWeight, count, sums);
     }
 
-    /// The weighted sums of each run of columns, exact where the total weight is small enough.
+    /// Sums each run of columns; the sums are exact where the total weight is at most kLargestFloatTotal.
     void sumRuns() noexcept
     {
         const float* sums = fSums.data();
@@ -166,8 +172,8 @@ private:
         }
     }
 
-    /// The averages of those runs of columns whose total weight is too large for float.
-    void averageInDouble(const ResizeShare& row, unsigned char* dst, std::vector<std::size_t>& untold)
+    /// Computes the runs of columns whose total weight is too large for float.
+    void averageInDouble(const ResizeShare& row, unsigned char* dst, std::vector<std::size_t>& undecided)
     {
         const float* sums = fSums.data();
         for (std::size_t i = 0; i < fColumns.size(); ++i)
@@ -190,15 +196,15 @@ private:
             Double4 average = sum * inverse;
             average += kResizeNudge;
             if (storeLevels(average, dst + 4 * i))
-                untold.push_back(i);
+                undecided.push_back(i);
         }
     }
 
     /// Truncates averages.
-    /// @return  whether one of them is too near to a level
+    /// @return  whether one of them is within the margin of a level
     static bool storeLevels(const Double4& averages, unsigned char* dst) noexcept
     {
-        // Rounded to float an average near a level may pass it, but then it is one of those that are too near.
+        // Rounded to float, an average may reach the next level, but only from within the margin.
         const Int4 levels = __builtin_convertvector(rounded(averages), Int4);
         for (int k = 0; k < 4; ++k)
             dst[k] = static_cast<unsigned char>(levels[k]);
@@ -226,7 +232,7 @@ private:
     std::vector<float> fRunSums;  ///< over the rows and columns of a footprint, for each component of a run of columns
     std::vector<float> fTotals;   ///< the columns' total weights, once for each component
     std::vector<float> fInverses; ///< 1 / fTotals
-    std::vector<unsigned char> fPixels; ///< a row's results before they are spread over their runs
+    std::vector<unsigned char> fPixels; ///< one for each run of columns
     float fLeastTotal;
     float fGreatestTotal;
     bool fEnlarges;
@@ -244,7 +250,8 @@ void resize(const unsigned char* src, unsigned srcW, unsigned srcH, unsigned cha
     }
     Fixed8Resizer resizer(src, srcW, dstW);
     resizeByRuns(src, srcW, srcH, dst, dstW, dstH, resizeShares(srcH, dstH), resizer.columns(),
-                 [&](const auto& row, unsigned char* out, auto& untold) { resizer.averageRow(row, out, untold); });
+                 [&](const auto& row, unsigned char* out, auto& undecided)
+                 { resizer.averageRow(row, out, undecided); });
 }
 
 } // namespace krPixels

@@ -1,6 +1,13 @@
 #include "krender/pixels/private/ResizeFloatRows.h"
 
 #include "krender/pixels/private/Lanes.h"
+#include "krender/pixels/private/ResizePlain.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <vector>
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -12,7 +19,7 @@ namespace krPixels
 namespace
 {
 
-/// Notes whether components are finite and none is negative.
+/// Finds out whether all components are finite and not negative.
 class Watch
 {
 public:
@@ -24,7 +31,7 @@ public:
 
     [[nodiscard]] bool sawOrdinaryOnly() const noexcept
     {
-        // As whole numbers infinity, not-a-numbers and all that have the sign bit follow after the other values.
+        // As integers, infinity, NaN and all values with the sign bit are above the other values.
         constexpr std::uint32_t kInfinity = 0x7f800000;
         return std::max({fGreatest[0], fGreatest[1], fGreatest[2], fGreatest[3]}) < kInfinity;
     }
@@ -33,7 +40,7 @@ private:
     UInt4 fGreatest = {};
 };
 
-/// Four doubles in the registers that every processor has.
+/// Four doubles in registers that every processor has.
 struct NarrowDoubles
 {
     Double4 lanes;
@@ -51,7 +58,7 @@ struct NarrowDoubles
 };
 
 #if defined(__x86_64__)
-/// Four doubles in one register. They go in and out by reference only: how they are passed by value depends on the
+/// Four doubles in one register. They are passed by reference only, as the way to pass them by value depends on the
 /// instructions that a function is compiled for.
 struct WideDoubles
 {
@@ -79,7 +86,7 @@ struct WideDoubles
 template <class Doubles>
 [[gnu::always_inline]] inline bool addRowIn(FloatColumns& columns, const float* row, double weight)
 {
-    // The processor's own prefetching stops at the end of each page; without this one, memory and sums take turns.
+    // The processor's own prefetching stops at the end of each page.
     constexpr std::size_t kAhead = 2048;
     Watch watch;
     double* sums = columns.sums.data();
@@ -120,7 +127,7 @@ template <class Doubles>
     return watch.sawOrdinaryOnly();
 }
 
-/// At most 1; not-a-number stays, and so is never the same as itself.
+/// Lowers levels to 1; NaN stays, and so differs from itself.
 [[gnu::always_inline]] inline void clamp(Float4& levels) noexcept
 {
     levels = levels > 1.0f ? Float4{1.0f, 1.0f, 1.0f, 1.0f} : levels;
@@ -128,7 +135,7 @@ template <class Doubles>
 
 template <class Doubles>
 [[gnu::always_inline]] inline void storeAveragesIn(const FloatColumns& columns, double rowInverse, float* dst,
-                                                   std::vector<std::size_t>& untold)
+                                                   std::vector<std::size_t>& undecided)
 {
     const double* sums = columns.sums.data();
     for (const FloatRun& run : columns.runs)
@@ -151,7 +158,7 @@ template <class Doubles>
             storeLanes(least, dst);
         const Int4 same = least == greatest;
         if ((same[0] & same[1] & same[2] & same[3]) == 0)
-            untold.push_back(static_cast<std::size_t>(&run - columns.runs.data()));
+            undecided.push_back(static_cast<std::size_t>(&run - columns.runs.data()));
     }
 }
 
@@ -160,9 +167,9 @@ bool addRow(FloatColumns& columns, const float* row, double weight)
     return addRowIn<NarrowDoubles>(columns, row, weight);
 }
 
-void storeAverages(const FloatColumns& columns, double rowInverse, float* dst, std::vector<std::size_t>& untold)
+void storeAverages(const FloatColumns& columns, double rowInverse, float* dst, std::vector<std::size_t>& undecided)
 {
-    storeAveragesIn<NarrowDoubles>(columns, rowInverse, dst, untold);
+    storeAveragesIn<NarrowDoubles>(columns, rowInverse, dst, undecided);
 }
 
 #if defined(__x86_64__)
@@ -172,9 +179,9 @@ void storeAverages(const FloatColumns& columns, double rowInverse, float* dst, s
 }
 
 [[gnu::target("avx2")]] void storeAveragesWide(const FloatColumns& columns, double rowInverse, float* dst,
-                                               std::vector<std::size_t>& untold)
+                                               std::vector<std::size_t>& undecided)
 {
-    storeAveragesIn<WideDoubles>(columns, rowInverse, dst, untold);
+    storeAveragesIn<WideDoubles>(columns, rowInverse, dst, undecided);
 }
 #endif
 

@@ -9,7 +9,7 @@ namespace krPixels
 namespace
 {
 
-/// How much of a cell lies in [low, high].
+/// The part of a cell that lies in [low, high].
 double coverage(double cell, double low, double high) noexcept
 {
     if (low > cell)

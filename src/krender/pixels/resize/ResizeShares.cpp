@@ -1,5 +1,7 @@
 #include "krender/pixels/private/ResizeShares.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <numeric>
 
 namespace krPixels
@@ -8,7 +10,8 @@ namespace krPixels
 namespace
 {
 
-/// The weights of a run's cells, which cover [low, high], units to a cell.
+/// Sets the weights of a run's cells, whose footprint is [low, high].
+/// @param unit  the width of a cell
 void setWeights(ResizeShare& share, std::int64_t low, std::int64_t high, std::int64_t unit) noexcept
 {
     std::int64_t firstWeight = (share.first + 1) * unit - low;
@@ -31,8 +34,8 @@ void setWeights(ResizeShare& share, std::int64_t low, std::int64_t high, std::in
 
 std::vector<ResizeShare> resizeShares(std::uint32_t srcSize, std::uint32_t dstSize)
 {
-    // Cell i reaches from (i - 1/2) to (i + 1/2) times srcSize / dstSize; in units of 1 / (2 * dstSize), reduced, the ends
-    // are whole.
+    // Footprint i reaches from (i - 1/2) to (i + 1/2) times srcSize / dstSize. In units of divisor / (2 * dstSize) both ends
+    // are whole numbers.
     const std::int64_t divisor = std::gcd(std::int64_t{srcSize}, 2 * std::int64_t{dstSize});
     const std::int64_t half = srcSize / divisor;
     const std::int64_t unit = 2 * std::int64_t{dstSize} / divisor;
@@ -41,7 +44,7 @@ std::vector<ResizeShare> resizeShares(std::uint32_t srcSize, std::uint32_t dstSi
     {
         const std::int64_t low = std::max<std::int64_t>((2 * std::int64_t{i} - 1) * half, 0);
         const std::int64_t high = (2 * std::int64_t{i} + 1) * half;
-        // The divisor is one of 2 * dstSize, so the unit is never 0.
+        // The divisor divides 2 * dstSize, so the unit is never 0.
         const auto first =
             static_cast<std::uint32_t>(low / unit); // NOLINT(clang-analyzer-core.UndefinedBinaryOperatorResult)
         const auto last = static_cast<std::uint32_t>((high - 1) / unit);
