@@ -10,6 +10,7 @@
 #include <krender/platform/String.h>
 #include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
+#include <krender/shading/ShadingParserLimits.h>
 #include <krender/shading/Statement.h>
 #include <krender/shading/StatementCompound.h>
 
@@ -212,7 +213,7 @@ std::vector<Diagnostic> plainDifferences(const Module& module)
         if (!function->body)
             source += ';';
         krShadingDag::ShadingParser parser;
-        parser.setLimits({.refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000});
+        parser.setLimits(krShadingDag::kLimitsForAnySource);
         ShadingNodeSpec* read = nullptr;
         const bool isRead = parser.parseString(krString::CString(source), &read);
         const std::unique_ptr<ShadingNodeSpec> spec(read);
