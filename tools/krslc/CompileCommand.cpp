@@ -2,12 +2,11 @@
 
 #include "Depfile.h"
 #include "InterfaceJson.h"
-#include "MaterialCompiler.h"
 #include "Report.h"
 #include "Validation.h"
 
 #include <common/ExitStatus.h>
-#include <common/Modules.h>
+#include <common/MaterialCompiler.h>
 #include <common/OutputFiles.h>
 #include <common/UsageError.h>
 
@@ -16,13 +15,17 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <iterator>
 #include <memory>
+#include <optional>
 #include <set>
 #include <utility>
 
 using krFrontend::Diagnostic;
 using krFrontend::LineOrigin;
 using krFrontend::Severity;
+using krTools::CompiledProgram;
+using krTools::MaterialCompiler;
 using krTools::UsageError;
 using nlohmann::ordered_json;
 
@@ -88,6 +91,19 @@ void checkOverwriting(const krTools::OutputFiles& outputs, const std::vector<std
         if (!paths.insert(place).second)
             throw UsageError("'" + path + "' is named twice for an output");
     }
+}
+
+krTools::CompilerOptions compilerOptions(const CompileOptions& options)
+{
+    krTools::CompilerOptions result{.asPlain = options.asPlain,
+                                    .libraries = krTools::libraryFiles(options.stdlib, options.libraries),
+                                    .includeFolders = options.includeFolders,
+                                    .lights = std::nullopt,
+                                    .targets = options.targets};
+    if (!options.keepIlluminance)
+        std::transform(options.lights.begin(), options.lights.end(), std::back_inserter(result.lights.emplace()),
+                       krTools::lightName);
+    return result;
 }
 
 // Programs
@@ -221,8 +237,7 @@ int compile(const CompileOptions& options)
     checkOptions(options);
     int status = krTools::kDone;
     Report report(options.warnings, options.asJson);
-    const std::unique_ptr<MaterialCompiler> compiler =
-        options.asPlain ? MaterialCompiler::makePlain(options, report) : MaterialCompiler::makeFull(options, report);
+    const std::unique_ptr<MaterialCompiler> compiler = MaterialCompiler::make(compilerOptions(options), report);
     Outputs outputs;
     const std::size_t count = options.materials.size();
     std::size_t done = 0;

@@ -3,9 +3,8 @@
 #include "InterfaceJson.h"
 #include "Report.h"
 
-#include <common/Diagnostics.h>
 #include <common/ExitStatus.h>
-#include <common/Modules.h>
+#include <common/MaterialCompiler.h>
 #include <common/StandardOutput.h>
 
 #include <nlohmann/json.hpp>
@@ -66,10 +65,10 @@ std::string textOf(const ShaderInterface& shader)
 
 int printInterface(const InterfaceOptions& options)
 {
-    const krFrontend::Module module = krTools::readModule(options.file, options.includeFolders);
+    const krFrontend::Module module = krTools::readModule(options.file, {.includeFolders = options.includeFolders});
     if (module.hasErrors())
     {
-        krTools::print(stderr, module);
+        Report({}, false).add(module);
         return krTools::kInputHasErrors;
     }
 

@@ -95,11 +95,9 @@ void Report::add(const krFrontend::Module& module)
     }
     for (Diagnostic& diagnostic : diagnostics)
         add(module.sources(), std::move(diagnostic));
-    const std::size_t hidden = krTools::hiddenErrors(module);
-    fErrorCount += hidden;
-    if (hidden > 0 && !fJson)
-        std::fprintf(stderr, "%s: %zu more errors are not shown\n",
-                     krTools::printable(module.sources().file(0).name()).c_str(), hidden);
+    fErrorCount += krTools::hiddenErrors(module);
+    if (!fJson)
+        krTools::printHidden(module);
 }
 
 void Report::add(const SourceSet& sources, Diagnostic diagnostic)
@@ -116,7 +114,7 @@ void Report::add(const SourceSet& sources, Diagnostic diagnostic)
     if (fJson)
         fJson->push_back(jsonOf(sources, diagnostic));
     else
-        std::fputs(krTools::format(sources, diagnostic, krTools::wantsColour(stderr)).c_str(), stderr);
+        krTools::print(sources, diagnostic);
 }
 
 void Report::add(const krTools::Source& source, krTools::Findings findings)

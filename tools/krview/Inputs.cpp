@@ -7,9 +7,9 @@
 #include "Streams.h"
 
 #include <common/Findings.h>
-#include <common/NearNames.h>
 #include <common/Source.h>
 
+#include <krender/frontend/NearNames.h>
 #include <krender/geometry/GeometryData.h>
 #include <krender/geometry/ParticleData.h>
 #include <krender/pixels/IHWTexture.h>
@@ -225,7 +225,7 @@ Inputs::Inputs(const Scene& scene, const Material& material, std::vector<std::st
     for (const auto& [name, value] : scene.inputs)
         if (std::find(names.begin(), names.end(), name) == names.end())
             fail(value, "neither the material " + inQuotes(material.name) + " nor its lights have an input " +
-                            inQuotes(name) + krTools::didYouMean(name, names));
+                            inQuotes(name) + krFrontend::didYouMean(name, names));
 
     for (const ProgramInput& input : material.inputs)
     {
@@ -257,7 +257,7 @@ void Inputs::addAttribute(const ProgramInput& input, const InputValue* value)
     {
         const std::vector<std::string> names = streamNames();
         if (std::find(names.begin(), names.end(), named->name) == names.end())
-            fail(*value, "shapes have no stream " + inQuotes(named->name) + krTools::didYouMean(named->name, names));
+            fail(*value, "shapes have no stream " + inQuotes(named->name) + krFrontend::didYouMean(named->name, names));
         attribute.stream = named->name;
     }
     else if (value)
@@ -306,7 +306,7 @@ Ref<Texture> Inputs::texture(const ProgramInput& input, const InputValue* value,
         files.push_back(path);
         std::error_code failure;
         if (!std::filesystem::is_regular_file(path, failure))
-            fail(*value, "there is no picture '" + path + "'" + krTools::didYouMean(picture.name, builtIn));
+            fail(*value, "there is no picture '" + path + "'" + krFrontend::didYouMean(picture.name, builtIn));
         pixels = readPng(path);
         fitToDriver(*pixels);
     }

@@ -1,4 +1,6 @@
 #pragma once
+#include <common/SourceNames.h>
+
 #include <array>
 #include <map>
 #include <optional>
@@ -34,19 +36,11 @@ struct InputValue
     std::string place;  ///< where the value stands in it, for messages
 };
 
-struct SceneLight
-{
-    std::string key; ///< the prefix of the names of its inputs in the program
-    std::string function;
-    std::string place;  ///< where the light stands in the scene or the options, for messages
-    std::string source; ///< the file that the function is in; empty: one of the libraries
-};
-
 /// The lights of a scene that names none.
-[[nodiscard]] inline std::vector<SceneLight> defaultLights()
+[[nodiscard]] inline std::vector<krTools::LightName> defaultLights()
 {
     const std::string place = "the light that comes with every scene";
-    return {{"sun", "directionalLight", place, ""}, {"sky", "skyLight", place, ""}};
+    return {{place, "sun", "directionalLight", ""}, {place, "sky", "skyLight", ""}};
 }
 
 /// What is shown and how. Angles are in degrees, colours red, green and blue from 0 to 1.
@@ -55,10 +49,10 @@ struct Scene
     std::string material; ///< FILE or FILE:NAME
     std::string stdlib;
     std::vector<std::string> libraries;
-    std::vector<std::string> includeFolders;       ///< where included files are looked for after their own folder
-    bool plain = false;                            ///< whether the sources are read as plain KRSL
-    std::optional<std::vector<SceneLight>> lights; ///< nothing: defaultLights()
-    std::map<std::string, InputValue> inputs;      ///< by the names of the uniforms and of the per-vertex inputs
+    std::vector<std::string> includeFolders; ///< where included files are looked for after their own folder
+    bool plain = false;                      ///< whether the sources are read as plain KRSL
+    std::optional<std::vector<krTools::LightName>> lights; ///< nothing: defaultLights()
+    std::map<std::string, InputValue> inputs; ///< by the names of the uniforms and of the per-vertex inputs
 
     Shape shape = Shape::Sphere;
     bool smooth = true;       ///< whether shapes get smooth normals instead of those of their facets

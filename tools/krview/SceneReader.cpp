@@ -5,7 +5,7 @@
 
 #include <common/DataFiles.h>
 #include <common/Findings.h>
-#include <common/Modules.h>
+#include <common/MaterialCompiler.h>
 #include <common/Source.h>
 #include <common/UsageError.h>
 #include <common/Words.h>
@@ -82,13 +82,13 @@ InputValue inputValue(const SceneValue& value)
 
 void readLight(const SceneValue& value, Scene& scene)
 {
-    SceneLight light;
+    krTools::LightName light;
     light.place = value.path();
     std::map<std::string, InputValue> inputs;
     value.readMembers({
         {"key", [&](const SceneValue& key) { light.key = key.text(); }},
         {"function", [&](const SceneValue& function) { light.function = function.text(); }},
-        {"source", [&](const SceneValue& source) { light.source = fileOf(source, source.text()); }},
+        {"source", [&](const SceneValue& source) { light.file = fileOf(source, source.text()); }},
         {"inputs", [&](const SceneValue& all)
          { all.forEachMember([&](const auto& name, const auto& input) { inputs[name] = inputValue(input); }); }},
     });
@@ -96,7 +96,7 @@ void readLight(const SceneValue& value, Scene& scene)
         value.fail("a \"function\" is missing");
     if (!krTools::isName(light.key))
         value.fail("a \"key\" is missing, a name that tells the light from others");
-    for (const SceneLight& other : *scene.lights)
+    for (const krTools::LightName& other : *scene.lights)
         if (other.key == light.key)
             value.fail("another light has the key " + inQuotes(light.key));
     for (auto& [name, input] : inputs)
@@ -212,15 +212,6 @@ bool readFile(const std::string& path, Scene& scene)
     return true;
 }
 
-/// Splits NAME=VALUE or KEY=FUNCTION.
-std::pair<std::string, std::string> assignment(const std::string& option, const std::string& text, const char* expected)
-{
-    const std::size_t equals = std::min(text.find('='), text.size());
-    if (equals + 1 >= text.size() || !krTools::isName(std::string_view(text).substr(0, equals)))
-        throw UsageError(option + " " + text + ": " + expected + " is wanted");
-    return {text.substr(0, equals), text.substr(equals + 1)};
-}
-
 /// Numbers with commas between them, which may be NaN or infinite; nothing when the text is something else.
 std::optional<std::vector<double>> numbersOf(const std::string& text)
 {
@@ -281,21 +272,19 @@ void applyOptions(const Options& options, Scene& scene)
         scene.lights.emplace();
     for (const std::string& option : options.lights)
     {
-        const auto [key, function] = assignment("--light", option, "KEY=FUNCTION");
-        const std::size_t colon = function.rfind(':');
-        const bool hasSource = colon != std::string::npos;
-        for (const SceneLight& other : *scene.lights)
-            if (other.key == key)
-                throw UsageError("--light " + option + ": another light has this key, and their inputs would clash");
-        scene.lights->push_back({.key = key,
-                                 .function = hasSource ? function.substr(colon + 1) : function,
-                                 .place = "--light " + option,
-                                 .source = hasSource ? function.substr(0, colon) : ""});
+        krTools::LightName light = krTools::lightName(option);
+        for (const krTools::LightName& other : *scene.lights)
+            if (other.key == light.key)
+                throw UsageError(light.place + ": another light has this key, and their inputs would clash");
+        scene.lights->push_back(std::move(light));
     }
     for (const std::string& option : options.settings)
     {
-        const auto [name, value] = assignment("--set", option, "NAME=VALUE");
-        scene.inputs[name] = inputValue("--set " + option, value);
+        const std::size_t equals = std::min(option.find('='), option.size());
+        const std::string name = option.substr(0, equals);
+        if (equals + 1 >= option.size() || !krTools::isName(name))
+            throw UsageError("--set " + option + ": NAME=VALUE is wanted");
+        scene.inputs[name] = inputValue("--set " + option, option.substr(equals + 1));
     }
     if (options.grid != 0)
         scene.grid = options.grid;
@@ -318,13 +307,11 @@ std::optional<Scene> readScene(const Options& options)
     if (!file.empty() && !readFile(file, scene))
         return std::nullopt;
     applyOptions(options, scene);
-    if (scene.stdlib.empty())
-        scene.stdlib = krTools::dataFile("stdlib.krs");
     scene.files.push_back(krTools::materialName(scene.material).file);
-    scene.files.push_back(scene.stdlib);
-    scene.files.insert(scene.files.end(), scene.libraries.begin(), scene.libraries.end());
-    for (const SceneLight& light : scene.lights.value_or(std::vector<SceneLight>()))
-        if (!light.source.empty())
-            scene.files.push_back(light.source);
+    const std::vector<std::string> libraries = krTools::libraryFiles(scene.stdlib, scene.libraries);
+    scene.files.insert(scene.files.end(), libraries.begin(), libraries.end());
+    for (const krTools::LightName& light : scene.lights.value_or(std::vector<krTools::LightName>()))
+        if (!light.file.empty())
+            scene.files.push_back(light.file);
     return scene;
 }

@@ -4,7 +4,6 @@
 #include "GlMatrix.h"
 #include "GlProgram.h"
 #include "Material.h"
-#include "PlainMaterial.h"
 #include "ShapeJoiner.h"
 #include "Streams.h"
 
@@ -36,7 +35,7 @@ Stage::Stage()
 bool Stage::load(const Scene& scene)
 {
     fFiles = scene.files;
-    const std::optional<Material> material = scene.plain ? compilePlainMaterial(scene) : compileMaterial(scene, fFiles);
+    const std::optional<Material> material = compileMaterial(scene, fFiles);
     if (!material)
         return false;
     std::unique_ptr<GlProgram> program = GlProgram::link(*material);
