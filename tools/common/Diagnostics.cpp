@@ -1,6 +1,7 @@
 #include <common/Diagnostics.h>
 
 #include <algorithm>
+#include <cstdio>
 
 using krFrontend::Diagnostic;
 using krFrontend::DiagnosticFix;
@@ -61,16 +62,14 @@ std::size_t hiddenErrors(const krFrontend::Module& module)
 
 void print(const SourceSet& sources, const Diagnostic& diagnostic)
 {
-    const bool colour = wantsColour(stderr);
     const std::string name = shownName(diagnostic);
     PrintedMessage message = messageAt(sources, diagnostic.range, messageKind(diagnostic.severity), diagnostic.text);
     message.name = name;
-    std::string text = format(message, colour);
+    print(message);
     for (const DiagnosticNote& note : diagnostic.notes)
-        text += format(messageAt(sources, note.range, MessageKind::Note, note.text), colour);
+        print(messageAt(sources, note.range, MessageKind::Note, note.text));
     for (const DiagnosticFix& fix : diagnostic.fixes)
-        text += format(messageAt(sources, fix.range, MessageKind::Fix, describe(sources, fix)), colour);
-    std::fputs(text.c_str(), stderr);
+        print(messageAt(sources, fix.range, MessageKind::Fix, describe(sources, fix)));
 }
 
 void printHidden(const krFrontend::Module& module)

@@ -32,7 +32,7 @@ LightName lightName(const std::string& option)
         light.function.erase(0, colon + 1);
     }
     if (!isName(light.key) || light.function.empty())
-        throw UsageError(light.place + ": this is not KEY=FUNCTION with a name for its key");
+        throw UsageError(light.place + ": this is not KEY=[FILE:]FUNCTION with a name for its key");
     return light;
 }
 

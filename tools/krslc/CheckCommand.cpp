@@ -25,7 +25,7 @@ int check(const CheckOptions& options)
         }
         catch (const krTools::FileError& error)
         {
-            krTools::print(stderr, "krslc", krTools::Severity::Error, error.what());
+            report.error(error.what());
             status = krTools::kCannotRun;
         }
     report.finish();

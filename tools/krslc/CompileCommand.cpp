@@ -13,12 +13,12 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <iterator>
 #include <memory>
 #include <optional>
 #include <set>
+#include <stdexcept>
 #include <utility>
 
 using krFrontend::Diagnostic;
@@ -230,13 +230,11 @@ void publish(const CompileOptions& options, const MaterialCompiler& compiler, Ou
     outputs.files.publish(krTools::MissingFolders::Make);
 }
 
-} // namespace
-
-int compile(const CompileOptions& options)
+/// Compiles all materials and writes the programs of those without an error.
+/// @return  the exit status
+int compileAll(const CompileOptions& options, Report& report)
 {
-    checkOptions(options);
     int status = krTools::kDone;
-    Report report(options.warnings, options.asJson);
     const std::unique_ptr<MaterialCompiler> compiler = MaterialCompiler::make(compilerOptions(options), report);
     Outputs outputs;
     const std::size_t count = options.materials.size();
@@ -256,8 +254,26 @@ int compile(const CompileOptions& options)
         }
     if (done > 0)
         publish(options, *compiler, outputs);
-    report.finish();
     if (count > 1)
-        std::fprintf(stderr, "krslc: %zu of %zu materials compiled\n", done, count);
+        report.summarize(std::to_string(done) + " of " + std::to_string(count) + " materials compiled");
     return status == krTools::kDone && done < count ? krTools::kInputHasErrors : status;
+}
+
+} // namespace
+
+int compile(const CompileOptions& options)
+{
+    checkOptions(options);
+    int status = krTools::kCannotRun;
+    Report report(options.warnings, options.asJson);
+    try
+    {
+        status = compileAll(options, report);
+    }
+    catch (const std::runtime_error& error) // a FileError or UsageError
+    {
+        report.error(error.what());
+    }
+    report.finish();
+    return status;
 }

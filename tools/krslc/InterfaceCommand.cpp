@@ -27,7 +27,7 @@ std::string textOf(const Value& value)
         return value.ints.at(0) != 0 ? "true" : "false";
     std::string list;
     for (const float number : value.floats)
-        list += (list.empty() ? "" : ", ") + digitsOf(number);
+        list += (list.empty() ? "" : ", ") + krTools::digitsOf(number);
     for (const int number : value.ints)
         list += (list.empty() ? "" : ", ") + std::to_string(number);
     return value.floats.size() + value.ints.size() == 1 ? list : dataTypeName(value.type) + ('(' + list + ')');

@@ -123,7 +123,7 @@ void Report::add(const krTools::Source& source, krTools::Findings findings)
     fErrorCount += findings.hasErrors() ? 1 : 0;
     clearProgress();
     if (!fJson)
-        return krTools::print(stderr, source, findings);
+        return krTools::print(source, findings);
     for (const krTools::Finding& finding : findings.kept())
     {
         const krTools::Source::Place place = source.place(finding.position);
@@ -138,7 +138,7 @@ void Report::error(const std::string& text)
     if (fJson)
         fJson->push_back(jsonOf(nullptr, nullptr, nullptr, Severity::Error, text));
     else
-        krTools::print(stderr, "krslc", Severity::Error, text);
+        krTools::printError("krslc", text);
 }
 
 void Report::showProgress(const std::string& text)
@@ -149,6 +149,12 @@ void Report::showProgress(const std::string& text)
     std::fputs(krTools::printable(text).c_str(), stderr);
     std::fflush(stderr);
     fShowsProgress = true;
+}
+
+void Report::summarize(const std::string& text)
+{
+    clearProgress();
+    std::fprintf(stderr, "krslc: %s\n", text.c_str());
 }
 
 void Report::clearProgress()

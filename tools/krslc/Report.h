@@ -23,6 +23,8 @@ public:
 
     /// Shows on a terminal what is being done; the next message takes its place.
     void showProgress(const std::string& text);
+    /// Prints how the run went, in the place of what showProgress shows.
+    void summarize(const std::string& text);
     /// Takes what showProgress shows away, and writes the JSON.
     void finish();
 

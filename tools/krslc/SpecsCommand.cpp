@@ -54,7 +54,7 @@ int printSpecs(const std::string& path, bool asJson)
     const krTools::Source source(path);
     krTools::Findings findings;
     const krTools::PlainReading reading = library.read(source, findings);
-    krTools::print(stderr, source, findings);
+    krTools::print(source, findings);
 
     krTools::StandardOutput output;
     if (asJson)

@@ -46,13 +46,13 @@ public:
     void add(const krTools::Source& source, krTools::Findings findings) override
     {
         fErrorCount += findings.hasErrors() ? 1 : 0;
-        krTools::print(stderr, source, findings);
+        krTools::print(source, findings);
     }
 
     void error(const std::string& text) override
     {
         ++fErrorCount;
-        krTools::print(stderr, "krview", Severity::Error, text);
+        krTools::printError("krview", text);
     }
 };
 
@@ -131,17 +131,12 @@ krTools::Source programSource(const char* name, std::string_view program)
 
 } // namespace
 
-Material::Origin Material::origin(std::size_t line) const
+krFrontend::LineOrigin Material::origin(std::size_t line) const
 {
     const std::string_view preamble = glslTarget().preamble;
     const auto ahead = static_cast<std::size_t>(std::count(preamble.begin(), preamble.end(), '\n'));
-    if (line <= ahead || line - ahead > fragmentOrigins.size())
-        return {};
-    const krFrontend::LineOrigin& origin = fragmentOrigins[line - ahead - 1];
-    if (!origin.module)
-        return {};
-    const krFrontend::SourceFile& file = origin.module->sources().fileAt(origin.offset);
-    return {&file, origin.offset - file.begin()};
+    return line <= ahead || line - ahead > fragmentOrigins.size() ? krFrontend::LineOrigin()
+                                                                  : fragmentOrigins[line - ahead - 1];
 }
 
 std::optional<Material> compileMaterial(const Scene& scene, std::vector<std::string>& files)

@@ -27,17 +27,10 @@ struct ProgramInput
 /// A material with the lights of a scene, compiled to GLSL.
 struct Material
 {
-    /// A place in a source.
-    struct Origin
-    {
-        const krFrontend::SourceFile* file = nullptr; ///< null: nowhere
-        std::size_t position = 0;                     ///< byte index into the file
-    };
-
     /// Where a line of the fragment program came from; nowhere for a line that the compiler made up, or when the
     /// material was read as plain KRSL.
     /// @param line  from 1
-    [[nodiscard]] Origin origin(std::size_t line) const;
+    [[nodiscard]] krFrontend::LineOrigin origin(std::size_t line) const;
 
     std::string name;
     krTools::Source vertexProgram; ///< with the preamble, like the other one

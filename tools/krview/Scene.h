@@ -2,6 +2,7 @@
 #include <common/SourceNames.h>
 
 #include <array>
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
@@ -16,8 +17,14 @@ enum class Shape
     Particles,
 };
 
-/// The name of a shape in scene files and messages.
-[[nodiscard]] const char* shapeName(Shape shape);
+/// The names of the shapes in scene files, options and messages.
+inline constexpr std::array kShapeNames{"cube", "sphere", "cylinder", "particles"};
+static_assert(kShapeNames.size() == static_cast<std::size_t>(Shape::Particles) + 1);
+
+[[nodiscard]] constexpr const char* shapeName(Shape shape) { return kShapeNames[static_cast<std::size_t>(shape)]; }
+
+/// The most objects on each side of a grid.
+inline constexpr unsigned kMostObjects = 200;
 
 /// A picture for a sampler, or a stream of the shape for a per-vertex input, by its name.
 struct NamedValue

@@ -33,9 +33,6 @@ namespace
 {
 
 constexpr unsigned kGreatestSide = 8192;
-constexpr unsigned kGreatestGrid = 200;
-
-constexpr std::array<const char*, 4> kShapeNames{"cube", "sphere", "cylinder", "particles"};
 
 Shape shapeNamed(const std::string& name)
 {
@@ -155,7 +152,7 @@ void readMembers(const SceneValue& file, Scene& scene)
          }},
         {"smooth", [&](const SceneValue& v) { scene.smooth = v.truth(); }},
         {"particles", [&](const SceneValue& v) { scene.particles = v.wholeNumber(1, 100000); }},
-        {"grid", [&](const SceneValue& v) { scene.grid = v.wholeNumber(1, kGreatestGrid); }},
+        {"grid", [&](const SceneValue& v) { scene.grid = v.wholeNumber(1, kMostObjects); }},
         {"spacing", [&](const SceneValue& v) { scene.spacing = v.number(0, 1000); }},
         {"view", [&](const SceneValue& v) { readView(v, scene); }},
         {"background",
@@ -199,7 +196,7 @@ bool readFile(const std::string& path, Scene& scene)
         krTools::Findings findings;
         findings.error(error.byte > 0 ? error.byte - 1 : 0,
                        std::string(place == std::string_view::npos ? text : text.substr(place + 2)));
-        krTools::print(stderr, source, findings);
+        krTools::print(source, findings);
         return false;
     }
     catch (const nlohmann::json::out_of_range& error)
@@ -295,8 +292,6 @@ void applyOptions(const Options& options, Scene& scene)
 }
 
 } // namespace
-
-const char* shapeName(Shape shape) { return kShapeNames[static_cast<std::size_t>(shape)]; }
 
 std::optional<Scene> readScene(const Options& options)
 {

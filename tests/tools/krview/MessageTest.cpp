@@ -166,7 +166,7 @@ constexpr RejectedCommand kRejectedCommands[] = {
     {"UnknownOption", "--shap cube", 2, "krview: error: "},
     {"WrongSize", "--size big", 2, "krview: error: --size big: WxH is wanted"},
     {"TooSmall", "--size 8x7", 2, "krview: error: --size 8x7: WxH is wanted"},
-    {"WrongLight", "--light pointLight", 2, "krview: error: --light pointLight: this is not KEY=FUNCTION with"},
+    {"WrongLight", "--light pointLight", 2, "krview: error: --light pointLight: this is not KEY=[FILE:]FUNCTION with"},
     {"SameLightTwice", "--light a=headLight --light a=skyLight", 2, "krview: error: --light a=skyLight: another light"},
     {"NegativeFrames", "--frames -1", 2, "krview: error: --frames: Value -1 not in range 1 to 1000000000\n"},
     {"NoFrames", "--frames 0", 2, "krview: error: --frames: Value 0 not in range 1 to 1000000000\n"},

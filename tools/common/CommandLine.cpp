@@ -1,0 +1,60 @@
+#include <common/CommandLine.h>
+
+#include <common/ExitStatus.h>
+#include <common/PrintedMessage.h>
+#include <common/StandardOutput.h>
+#include <common/UsageError.h>
+
+#include <cstdio>
+#include <exception>
+#include <new>
+#include <string>
+
+namespace krTools
+{
+
+bool readCommandLine(CLI::App& app, int argc, char** argv)
+{
+    try
+    {
+        app.parse(argc, argv);
+        return true;
+    }
+    catch (const CLI::CallForHelp&)
+    {
+        printText(app.help());
+    }
+    catch (const CLI::CallForVersion&)
+    {
+        printText(app.version() + '\n');
+    }
+    catch (const CLI::ParseError& error)
+    {
+        throw UsageError(error.what());
+    }
+    return false;
+}
+
+int runProgram(const char* name, const std::function<int()>& run)
+{
+    try
+    {
+        return run();
+    }
+    catch (const UsageError& error)
+    {
+        printError(name, error.what());
+        std::fprintf(stderr, "Try \"%s --help\".\n", name);
+    }
+    catch (const std::bad_alloc&)
+    {
+        printError(name, "out of memory");
+    }
+    catch (const std::exception& error)
+    {
+        printError(name, error.what());
+    }
+    return kCannotRun;
+}
+
+} // namespace krTools
