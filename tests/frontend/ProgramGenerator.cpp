@@ -69,7 +69,7 @@ struct Function
 /// M a matrix. In the text $ and a letter is an operand, which a digit behind it puts into parentheses where it binds
 /// less: T J B M of the result's size; S float or T; U V N C K of a size of the form's own: float of 1 to 4 and of 2 to 4,
 /// matrix, bool2..., int2...; F I b scalars; L P number literals above 0; n x an index within the result's size, n
-/// constant; k y the same for the form's own size; D a digit of that.
+/// constant; k y the same for the form's own size; D a digit of that. A table's row has several, each with "; " behind it.
 struct Form
 {
     char result;
@@ -77,140 +77,68 @@ struct Form
     std::string_view text;
 };
 
-constexpr std::array kForms{
-    Form{'T', 6, "$T6 + $T7"},
-    Form{'T', 6, "$T6 - $T7"},
-    Form{'T', 7, "$T7 * $T8"},
-    Form{'T', 7, "$T7 / $L"},
-    Form{'T', 7, "$T7 / (1.5 + abs($T7))"},
-    Form{'T', 7, "$T7 * $F8"},
-    Form{'T', 7, "$F7 * $T8"},
-    Form{'T', 7, "$T7 * $P"},
-    Form{'T', 7, "$P * $T8"},
-    Form{'T', 6, "$T6 + $I7"},
-    Form{'T', 6, "$I6 - $T7"},
-    Form{'T', 8, "-$T9"},
-    Form{'T', 8, "+$T9"},
-    Form{'T', 0, "$b1 ? $T1 : $T"},
-    Form{'T', 9, "abs($T)"},
-    Form{'T', 9, "sign($T)"},
-    Form{'T', 9, "floor($T)"},
-    Form{'T', 9, "ceil($T)"},
-    Form{'T', 9, "fract($T)"},
-    Form{'T', 9, "frac($T)"},
-    Form{'T', 9, "sin($T)"},
-    Form{'T', 9, "cos($T)"},
-    Form{'T', 9, "tan(clamp($T, -1.0, 1))"},
-    Form{'T', 9, "asin(clamp($T, -1, 1))"},
-    Form{'T', 9, "acos(clamp($T, -0.9, 0.9))"},
-    Form{'T', 9, "atan($T)"},
-    Form{'T', 9, "atan($T, abs($T) + 0.5)"},
-    Form{'T', 9, "atan2($S, 1.25 + abs($T))"},
-    Form{'T', 9, "exp(-abs($T))"},
-    Form{'T', 9, "exp2(clamp($T, -3.0, 2.0))"},
-    Form{'T', 9, "log(1.5 + abs($T))"},
-    Form{'T', 9, "log2(abs($T) + 0.25)"},
-    Form{'T', 9, "sqrt(abs($T))"},
-    Form{'T', 9, "inversesqrt(abs($T) + $P)"},
-    Form{'T', 9, "rsqrt(0.5 + abs($T))"},
-    Form{'T', 9, "pow(abs($T) + 0.1, $L)"},
-    Form{'T', 9, "pow(1 + abs($T), $P)"},
-    Form{'T', 9, "pow(0.5, clamp($T, -2, 2))"},
-    Form{'T', 9, "mod($T, $L)"},
-    Form{'T', 9, "mod($T, 0.5 + abs($T))"},
-    Form{'T', 9, "min($T, $S)"},
-    Form{'T', 9, "max($S, $T)"},
-    Form{'T', 9, "max($T, 0)"},
-    Form{'T', 9, "clamp($T, -$L, $L)"},
-    Form{'T', 9, "clamp($T, -0.5, abs($T))"},
-    Form{'T', 9, "mix($T, $T, $S)"},
-    Form{'T', 9, "mix($S, $T, 0.25)"},
-    Form{'T', 9, "lerp($T, $S, $S)"},
-    Form{'T', 9, "step($S, $T)"},
-    Form{'T', 9, "step($T, $S)"},
-    Form{'T', 9, "smoothstep(0, $P, $T)"},
-    Form{'T', 9, "smoothstep(-$L, 1.5, $T)"},
-    Form{'T', 9, "saturate($T)"},
-    Form{'T', 9, "radians($T)"},
-    Form{'T', 9, "degrees($T * 0.01)"},
-    Form{'V', 9, "normalize(abs($T) + 0.5)"},
-    Form{'V', 9, "reflect($T, normalize(abs($T) + 1))"},
-    Form{'V', 9, "refract(normalize(abs($T) + 0.25), normalize(1.5 - saturate($T)), 0.75)"},
-    Form{'V', 9, "faceforward($T, $T, $T)"},
-    Form{'V', 9, "mul($M, $T)"},
-    Form{'V', 9, "mul($T, $M)"},
-    Form{'V', 7, "$M7 * $T8"},
-    Form{'V', 7, "$T7 * $M8"},
-    Form{'V', 9, "$M9[$n]"},
-    Form{'V', 9, "$M9[$x]"},
-    Form{'f', 9, "dot($U, $U)"},
-    Form{'f', 9, "length($U)"},
-    Form{'f', 9, "distance($U, $U)"},
-    Form{'f', 9, "float($I)"},
-    Form{'f', 9, "float($b)"},
-    Form{'f', 9, "$V9[$y]"},
-    Form{'f', 9, "$V9[$k]"},
-    Form{'f', 9, "$N9[$k][$k]"},
-    Form{'f', 9, "$N9[$y][$y]"},
-    Form{'f', 9, "$N9[$k].y"},
-    Form{'3', 9, "cross($T, $T)"},
-    Form{'J', 6, "$J6 + $J7"},
-    Form{'J', 6, "$J6 - $J7"},
-    Form{'J', 7, "$J7 * $J8"},
-    Form{'J', 7, "$J7 / $P"},
-    Form{'J', 7, "$J7 * $P"},
-    Form{'J', 8, "-$J9"},
-    Form{'J', 0, "$b1 ? $J1 : $J"},
-    Form{'i', 7, "$I7 % $P"},
-    Form{'i', 7, "$I7 % $P * $P % $P"},
-    Form{'i', 9, "int(clamp($F, -9.0, 9.0))"},
-    Form{'i', 9, "$K9[$y]"},
-    Form{'b', 5, "$F6 < $F6"},
-    Form{'b', 5, "$F6 >= $I6"},
-    Form{'b', 5, "$I6 > $I6"},
-    Form{'b', 5, "$I6 <= $P"},
-    Form{'b', 4, "$F5 != $I5"},
-    Form{'b', 4, "$I5 == $I5"},
-    Form{'b', 4, "$V5 == $V5"},
-    Form{'b', 4, "$V5 != $V5"},
-    Form{'b', 4, "$K5 == $K5"},
-    Form{'b', 4, "$K5 != $K5"},
-    Form{'b', 4, "$C5 == $C5"},
-    Form{'b', 4, "$C5 != $C5"},
-    Form{'b', 4, "$N5 == $N5"},
-    Form{'b', 4, "$N5 != $N5"},
-    Form{'b', 4, "$b5 == $b5"},
-    Form{'b', 1, "$b1 || $b2"},
-    Form{'b', 2, "$b2 ^^ $b3"},
-    Form{'b', 3, "$b3 && $b4"},
-    Form{'b', 8, "!$b9"},
-    Form{'b', 0, "$b1 ? $b1 : $b"},
-    Form{'b', 9, "any($C)"},
-    Form{'b', 9, "all($C)"},
-    Form{'b', 9, "bool($I)"},
-    Form{'b', 9, "$C9[$k]"},
-    Form{'B', 9, "lessThan($T, $T)"},
-    Form{'B', 9, "lessThanEqual($T, $T)"},
-    Form{'B', 9, "greaterThan($J, $J)"},
-    Form{'B', 9, "greaterThanEqual($J, $J)"},
-    Form{'B', 9, "lessThan($J, $J)"},
-    Form{'B', 9, "equal($T, $T)"},
-    Form{'B', 9, "equal($J, $J)"},
-    Form{'B', 9, "notEqual($B, $B)"},
-    Form{'B', 9, "not($B)"},
-    Form{'B', 0, "$b1 ? $B1 : $B"},
-    Form{'M', 6, "$M6 + $M7"},
-    Form{'M', 6, "$M6 - $M7"},
-    Form{'M', 7, "$M7 * $M8"},
-    Form{'M', 7, "$M7 * $F8"},
-    Form{'M', 7, "$F7 * $M8"},
-    Form{'M', 7, "$M7 * $P"},
-    Form{'M', 7, "$M7 / $L"},
-    Form{'M', 8, "-$M9"},
-    Form{'M', 9, "mul($M, $M)"},
-    Form{'M', 9, "transpose($M)"},
-    Form{'M', 0, "$b1 ? $M1 : $M"},
+constexpr std::array kFormLists{
+    Form{'T', 6, "$T6 + $T7; $T6 - $T7; $T6 + $I7; $I6 - $T7; "},
+    Form{'T', 7, "$T7 * $T8; $T7 / $L; $T7 / (1.5 + abs($T7)); $T7 * $F8; $F7 * $T8; $T7 * $P; $P * $T8; "},
+    Form{'T', 8, "-$T9; +$T9; "},
+    Form{'T', 0, "$b1 ? $T1 : $T; "},
+    Form{'T', 9,
+         "abs($T); sign($T); floor($T); ceil($T); fract($T); frac($T); sin($T); cos($T); "
+         "tan(clamp($T, -1.0, 1)); asin(clamp($T, -1, 1)); acos(clamp($T, -0.9, 0.9)); atan($T); "
+         "atan($T, abs($T) + 0.5); atan2($S, 1.25 + abs($T)); exp(-abs($T)); exp2(clamp($T, -3.0, 2.0)); "
+         "log(1.5 + abs($T)); log2(abs($T) + 0.25); sqrt(abs($T)); inversesqrt(abs($T) + $P); "
+         "rsqrt(0.5 + abs($T)); pow(abs($T) + 0.1, $L); pow(1 + abs($T), $P); pow(0.5, clamp($T, -2, 2)); "
+         "mod($T, $L); mod($T, 0.5 + abs($T)); min($T, $S); max($S, $T); max($T, 0); clamp($T, -$L, $L); "
+         "clamp($T, -0.5, abs($T)); mix($T, $T, $S); mix($S, $T, 0.25); lerp($T, $S, $S); step($S, $T); "
+         "step($T, $S); smoothstep(0, $P, $T); smoothstep(-$L, 1.5, $T); saturate($T); radians($T); "
+         "degrees($T * 0.01); "},
+    Form{'V', 9,
+         "normalize(abs($T) + 0.5); reflect($T, normalize(abs($T) + 1)); "
+         "refract(normalize(abs($T) + 0.25), normalize(1.5 - saturate($T)), 0.75); faceforward($T, $T, $T); "
+         "mul($M, $T); mul($T, $M); $M9[$n]; $M9[$x]; "},
+    Form{'V', 7, "$M7 * $T8; $T7 * $M8; "},
+    Form{'f', 9,
+         "dot($U, $U); length($U); distance($U, $U); float($I); float($b); $V9[$y]; $V9[$k]; $N9[$k][$k]; "
+         "$N9[$y][$y]; $N9[$k].y; "},
+    Form{'3', 9, "cross($T, $T); "},
+    Form{'J', 6, "$J6 + $J7; $J6 - $J7; "},
+    Form{'J', 7, "$J7 * $J8; $J7 / $P; $J7 * $P; "},
+    Form{'J', 8, "-$J9; "},
+    Form{'J', 0, "$b1 ? $J1 : $J; "},
+    Form{'i', 7, "$I7 % $P; $I7 % $P * $P % $P; "},
+    Form{'i', 9, "int(clamp($F, -9.0, 9.0)); $K9[$y]; "},
+    Form{'b', 5, "$F6 < $F6; $F6 >= $I6; $I6 > $I6; $I6 <= $P; "},
+    Form{'b', 4,
+         "$F5 != $I5; $I5 == $I5; $V5 == $V5; $V5 != $V5; $K5 == $K5; $K5 != $K5; $C5 == $C5; $C5 != $C5; "
+         "$N5 == $N5; $N5 != $N5; $b5 == $b5; "},
+    Form{'b', 1, "$b1 || $b2; "},
+    Form{'b', 2, "$b2 ^^ $b3; "},
+    Form{'b', 3, "$b3 && $b4; "},
+    Form{'b', 8, "!$b9; "},
+    Form{'b', 0, "$b1 ? $b1 : $b; "},
+    Form{'b', 9, "any($C); all($C); bool($I); $C9[$k]; "},
+    Form{'B', 9,
+         "lessThan($T, $T); lessThanEqual($T, $T); greaterThan($J, $J); greaterThanEqual($J, $J); "
+         "lessThan($J, $J); equal($T, $T); equal($J, $J); notEqual($B, $B); not($B); "},
+    Form{'B', 0, "$b1 ? $B1 : $B; "},
+    Form{'M', 6, "$M6 + $M7; $M6 - $M7; "},
+    Form{'M', 7, "$M7 * $M8; $M7 * $F8; $F7 * $M8; $M7 * $P; $M7 / $L; "},
+    Form{'M', 8, "-$M9; "},
+    Form{'M', 9, "mul($M, $M); transpose($M); "},
+    Form{'M', 0, "$b1 ? $M1 : $M; "},
 };
+
+/// The same, each form by itself.
+std::vector<Form> splitForms()
+{
+    std::vector<Form> forms;
+    for (const Form& list : kFormLists)
+        for (std::size_t at = 0, end = 0; (end = list.text.find("; ", at)) != std::string_view::npos; at = end + 2)
+            forms.push_back({list.result, list.precedence, list.text.substr(at, end - at)});
+    return forms;
+}
+
+const std::vector<Form> kForms = splitForms();
 
 bool gives(char result, Type type)
 {
@@ -257,7 +185,7 @@ public:
         std::vector<std::string> parts;
         for (unsigned i = below(4); i-- > 0;)
             parts.push_back(constant());
-        parts.push_back("const int kCount = 3;\n");
+        parts.emplace_back("const int kCount = 3;\n");
         if (chance(15)) // in place of a built-in
             parts.push_back(pick(std::array<std::string, 3>{"float3 fract(float3 x) { return cos(x) * 0.5; }\n",
                                                             "float exp2(float x)\n{\n    output = sin(x);\n}\n",
@@ -268,7 +196,7 @@ public:
         program.material = "m";
         for (unsigned i = below(3); i-- > 0;)
         {
-            program.lights.push_back(i == 0 ? "sun" : "lamp");
+            program.lights.emplace_back(i == 0 ? "sun" : "lamp");
             parts.push_back(light(program.lights.back()));
         }
         parts.push_back(material());
@@ -329,7 +257,7 @@ private:
         for (unsigned tries = 0; chance(25) && tries < 4; ++tries)
         {
             const bool hides = chance(50) && !fVariables.empty() && fScope > 1;
-            const std::string name(hides ? pick(fVariables).name : std::string(pick(kOddNames)));
+            std::string name(hides ? pick(fVariables).name : std::string(pick(kOddNames)));
             const Variable* outer = visible(name);
             if (!fLocked.contains(name) && !name.starts_with("out") && (!outer || outer->scope < fScope) &&
                 !std::exchange(fHiding, true))
@@ -647,7 +575,7 @@ private:
 
     void line(const std::string& text)
     {
-        fText += std::string(fIndent * 4, ' ') + text + "\n";
+        fText += std::string(std::size_t{fIndent} * 4, ' ') + text + "\n";
         fHiding = false;
     }
 
@@ -1038,7 +966,7 @@ private:
         fConstantOnly = true;
         const Type type = anyType();
         const std::string name = "kValue" + std::to_string(fNumber++);
-        const std::string text = "const " + nameOf(type) + " " + name + " = " + wanted(type, 3) + ";\n";
+        std::string text = "const " + nameOf(type) + " " + name + " = " + wanted(type, 3) + ";\n";
         fConstantOnly = false;
         declare(name, type, false);
         return text;
