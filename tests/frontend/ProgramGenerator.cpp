@@ -67,7 +67,7 @@ struct Function
 
 /// A form of an expression. Results: T float to float4, V float2 to float4, f 3 J (int to int4) i B (bool2 to bool4) b,
 /// M a matrix. In the text $ and a letter is an operand, which a digit behind it puts into parentheses where it binds
-/// less: T J B M of the result's size; S float or T; U V N C K of a size of the form's own: float of 1 to 4 and of 2 to 4,
+/// less: T J B M of the result's size; S float or T; U V N C K of a size of the form's own: float2 to float4 twice,
 /// matrix, bool2..., int2...; F I b scalars; L P number literals above 0; n x an index within the result's size, n
 /// constant; k y the same for the form's own size; D a digit of that. A table's row has several, each with "; " behind it.
 struct Form
@@ -139,6 +139,20 @@ std::vector<Form> splitForms()
 }
 
 const std::vector<Form> kForms = splitForms();
+
+/// The type that a letter of a form stands for.
+struct Operand
+{
+    char letter;
+    char base;
+    unsigned size; ///< 0: the result's, or the form's own
+    bool isOwn;
+};
+
+constexpr std::array kOperands{Operand{'T', 'f', 0, false}, Operand{'J', 'i', 0, false}, Operand{'B', 'b', 0, false},
+                               Operand{'M', 'm', 0, false}, Operand{'U', 'f', 0, true},  Operand{'V', 'f', 0, true},
+                               Operand{'K', 'i', 0, true},  Operand{'C', 'b', 0, true},  Operand{'N', 'm', 0, true},
+                               Operand{'F', 'f', 1, false}, Operand{'I', 'i', 1, false}, Operand{'b', 'b', 1, false}};
 
 bool gives(char result, Type type)
 {
@@ -490,58 +504,21 @@ private:
             const char letter = text[++i];
             const bool isDigit = i + 1 < text.size() && std::isdigit(static_cast<unsigned char>(text[i + 1])) != 0;
             const int least = isDigit ? text[++i] - '0' : 0;
-            const auto add = [&](Type type) { filled += operand(type, depth, least); };
-            switch (letter)
-            {
-            case 'T':
-                add({'f', size});
-                break;
-            case 'S':
-                add({'f', chance(50) ? 1 : size});
-                break;
-            case 'U':
-                add({'f', own == 2 && size == 1 ? 1 : own});
-                break;
-            case 'V':
-                add({'f', own});
-                break;
-            case 'F':
-                add(kFloat);
-                break;
-            case 'I':
-                add(kInt);
-                break;
-            case 'J':
-                add({'i', size});
-                break;
-            case 'K':
-                add({'i', own});
-                break;
-            case 'b':
-                add(kBool);
-                break;
-            case 'B':
-                add({'b', size});
-                break;
-            case 'C':
-                add({'b', own});
-                break;
-            case 'M':
-                add({'m', size});
-                break;
-            case 'N':
-                add({'m', own});
-                break;
-            case 'L':
+            const auto known = std::find_if(kOperands.begin(), kOperands.end(),
+                                            [letter](const Operand& row) { return row.letter == letter; });
+            if (known != kOperands.end())
+                filled += operand({known->base, known->size > 0 ? known->size
+                                                : known->isOwn  ? own
+                                                                : size},
+                                  depth, least);
+            else if (letter == 'S')
+                filled += operand({'f', chance(50) ? 1 : size}, depth, least);
+            else if (letter == 'L')
                 filled += pick(std::array<std::string_view, 4>{"0.5", "1.25", "2.0", "0.75"});
-                break;
-            case 'P':
+            else if (letter == 'P')
                 filled += std::to_string(from(1, 4));
-                break;
-            default:
+            else
                 filled += index(letter == 'n' || letter == 'x' ? size : own, letter == 'n' || letter == 'k');
-                break;
-            }
         }
         return filled;
     }
