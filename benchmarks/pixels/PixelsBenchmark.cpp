@@ -1,7 +1,8 @@
 // Resizing, normal maps and conversions of large images: beside the same work written plainly, beside two image
 // libraries, and beside a plain copy of as many bytes.
 #include "RatioReporter.h"
-#include "pixels/PlainForms.h"
+#include "krender/pixels/private/ResizePlain.h"
+#include "pixels/PlainNormalMap.h"
 
 #include <krender/pixels/krColorFormatRGBAFixed8.h>
 #include <krender/pixels/krColorFormatRGBAFloat.h>
@@ -13,11 +14,23 @@
 #include <cstring>
 #include <memory>
 #include <random>
+#include <vector>
 
 namespace
 {
 
-using plain::Sizes;
+struct Sizes
+{
+    unsigned srcW, srcH, dstW, dstH;
+};
+
+template <class Component>
+std::vector<Component> resizedPlainly(const Component* src, Sizes s)
+{
+    std::vector<Component> dst(std::size_t{4} * s.dstW * s.dstH);
+    krPixels::resizePlainly(src, s.srcW, s.srcH, dst.data(), s.dstW, s.dstH);
+    return dst;
+}
 
 /// What a component type goes with in the library and in its peers.
 template <class Component>
@@ -100,10 +113,10 @@ void addResize(Sizes s)
     resizeOnce(
         [&](const Component* pixels)
         {
-            const auto expected = plain::resize(src.get(), s);
+            const auto expected = resizedPlainly(src.get(), s);
             require(std::memcmp(pixels, expected.data(), expected.size() * sizeof(Component)) == 0, name);
         });
-    add(name + "/plain", [src, s] { benchmark::DoNotOptimize(plain::resize(src.get(), s)); });
+    add(name + "/plain", [src, s] { benchmark::DoNotOptimize(resizedPlainly(src.get(), s)); });
     add(name + "/OpenCV INTER_AREA",
         [src, s]
         {

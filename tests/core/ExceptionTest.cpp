@@ -1,6 +1,10 @@
 #include <krender/core/Exception.h>
 
+#include <krender/platform/String.h>
+
 #include <gtest/gtest.h>
+
+#include <string>
 
 TEST(VerifyAlways, ThrowsOnlyWhenTheConditionFails)
 {

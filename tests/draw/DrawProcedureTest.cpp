@@ -1,10 +1,15 @@
+#include "SharedObjects.h"
+
 #include <krender/draw/DrawProcedure.h>
 #include <krender/draw/DrawProcedureData.h>
 #include <krender/draw/DrawProcedureList.h>
+#include <krender/platform/String.h>
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -16,19 +21,18 @@ struct Draw : DrawProcedureData
     mutable std::vector<DrawProcedure*> ran;
 };
 
-int references(const DrawProcedure* procedure)
-{
-    procedure->ref();
-    return procedure->unref();
-}
-
 } // namespace
 
 TEST(DrawProcedure, RunsThroughItsCallbackAloneWhetherEnabledOrNot)
 {
-    auto* procedure = new DrawProcedure("grid");
+    struct Spare : DrawProcedure
+    {
+        using DrawProcedure::DrawProcedure;
+        [[nodiscard]] bool isClear() const { return !fSpare; }
+    };
+    const Held<Spare> procedure(new Spare("grid"));
     const Draw draw;
-    EXPECT_FALSE(procedure->isEnabled());
+    EXPECT_TRUE(procedure->isClear() && !procedure->isEnabled() && !procedure->userData());
     procedure->execute(draw);
     procedure->setExecuteCallback([](DrawProcedure& p, const DrawProcedureData& data)
                                   { dynamic_cast<const Draw&>(data).ran.push_back(&p); });
@@ -36,8 +40,9 @@ TEST(DrawProcedure, RunsThroughItsCallbackAloneWhetherEnabledOrNot)
     procedure->enable(true);
     EXPECT_TRUE(procedure->isEnabled());
     procedure->execute(draw);
-    EXPECT_EQ(draw.ran, (std::vector{procedure, procedure}));
-    procedure->unref();
+    EXPECT_EQ(draw.ran, (std::vector<DrawProcedure*>(2, procedure.get())));
+    procedure->enable(false);
+    EXPECT_FALSE(procedure->isEnabled());
 }
 
 TEST(DrawProcedure, DestroysUserDataOnReplacementAndNullOnlyAtItsEnd)
@@ -56,42 +61,64 @@ TEST(DrawProcedure, DestroysUserDataOnReplacementAndNullOnlyAtItsEnd)
     EXPECT_EQ(destroyed, (std::vector<void*>{&data, nullptr}));
 }
 
+// What a procedure's end calls may use the list.
+TEST(DrawProcedureList, HoldsNothingOfAProcedureThatEnds)
+{
+    static int listed;
+    for (const bool all : {false, true})
+    {
+        listed = -1;
+        const Held<DrawProcedureList> list(new DrawProcedureList);
+        const Held<DrawProcedure> other(new DrawProcedure("other"));
+        auto* ending = new DrawProcedure("ending");
+        ending->setUserData(list.get(), [](void* data)
+                            { return listed = static_cast<DrawProcedureList*>(data)->find("ending") ? 1 : 0, true; });
+        for (DrawProcedure* procedure : {other.get(), ending, ending})
+            list->add(procedure, false);
+        ending->unref();
+        all ? list->clear() : static_cast<void>(list->remove(ending));
+        EXPECT_EQ(listed, 0);
+        EXPECT_EQ(list->item(0), all ? nullptr : other.get());
+    }
+}
+
 TEST(DrawProcedureList, HoldsAReferenceForEveryEntry)
 {
-    auto* grid = new DrawProcedure("grid");
-    auto* axes = new DrawProcedure("axes");
-    auto* twin = new DrawProcedure("grid");
-    auto* list = new DrawProcedureList;
-    const auto order = [=]
+    const Held<DrawProcedure> grid(new DrawProcedure("grid"));
+    const Held<DrawProcedure> axes(new DrawProcedure("axes"));
+    const Held<DrawProcedure> twin(new DrawProcedure("grid"));
+    Held<DrawProcedureList> list(new DrawProcedureList);
+    const auto order = [&]
     {
         std::string letters;
         for (unsigned i = 0; const DrawProcedure* entry = list->item(i); ++i)
-            letters += entry == grid ? 'g' : entry == axes ? 'a' : 't';
+            letters += entry == grid.get() ? 'g' : entry == axes.get() ? 'a' : 't';
         return letters;
     };
-    EXPECT_TRUE(list->add(grid, true)) << "an empty list has no name to clash with";
-    EXPECT_FALSE(list->add(twin, true) || list->insertAt(twin, 0, true));
+    EXPECT_TRUE(list->add(grid.get(), true)) << "an empty list has no name to clash with";
+    EXPECT_FALSE(list->add(twin.get(), true) || list->insertAt(twin.get(), 0, true));
     EXPECT_FALSE(list->add(nullptr, false) || list->insertAt(nullptr, 0, false) || list->remove(nullptr));
-    EXPECT_EQ(references(twin), 1) << "a refused procedure is not held";
-    EXPECT_TRUE(list->insertAt(axes, 0, true) && list->insertAt(twin, 1, false) && list->insertAt(grid, 99, false));
+    EXPECT_EQ(references(*twin), 1) << "a refused procedure is not held";
+    EXPECT_TRUE(list->insertAt(axes.get(), 0, true) && list->insertAt(twin.get(), 1, false));
+    EXPECT_TRUE(list->insertAt(grid.get(), 99, false));
     EXPECT_EQ(order(), "atgg");
-    EXPECT_EQ(references(grid), 3);
+    EXPECT_EQ(references(*grid), 3);
 
-    EXPECT_EQ(list->find("grid"), twin) << "the first of the name";
-    EXPECT_EQ(list->find("gri"), nullptr);
-    EXPECT_EQ(list->find(static_cast<const char*>(nullptr)), nullptr);
-    auto* found = new DrawProcedureList;
+    EXPECT_EQ(list->find("grid"), twin.get()) << "the first of the name";
+    EXPECT_TRUE(!list->find("gri") && !list->find(static_cast<const char*>(nullptr)));
+    Held<DrawProcedureList> found(new DrawProcedureList);
     EXPECT_EQ(list->findAll("grid", *found), 3u);
-    EXPECT_EQ(references(grid), 5);
-    EXPECT_EQ(found->item(0), twin);
-    found->unref();
+    EXPECT_EQ(references(*grid), 5);
+    EXPECT_EQ(found->item(0), twin.get());
+    found.reset();
     EXPECT_EQ(list->findAll("axes", *list), 1u) << "a list may be searched into itself";
+    EXPECT_EQ(list->findAll("none", *list), 0u);
+    EXPECT_EQ(order(), "atgga");
 
-    EXPECT_TRUE(list->remove(grid));
-    EXPECT_EQ(references(grid), 1) << "repeated entries go together, each with its reference";
-    EXPECT_FALSE(list->remove(grid));
+    EXPECT_TRUE(list->remove(grid.get()));
+    EXPECT_EQ(references(*grid), 1) << "repeated entries go together, each with its reference";
+    EXPECT_FALSE(list->remove(grid.get()));
     EXPECT_EQ(order(), "ata");
-    list->unref();
-    for (const DrawProcedure* procedure : {grid, axes, twin})
-        EXPECT_EQ(procedure->unref(), 0);
+    list.reset();
+    EXPECT_TRUE(references(*axes) == 1 && references(*twin) == 1);
 }

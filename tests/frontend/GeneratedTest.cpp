@@ -25,12 +25,12 @@ unsigned numberFrom(const char* variable, unsigned otherwise)
     return text ? static_cast<unsigned>(std::strtoul(text, nullptr, 10)) : otherwise;
 }
 
-const unsigned kFirst = numberFrom("KRENDER_FIRST_PROGRAM", 1);
+const unsigned gFirst = numberFrom("KRENDER_FIRST_PROGRAM", 1);
 
 TEST(GeneratedPrograms, AreAcceptedByTheFrontEndAndByEveryTarget)
 {
     unsigned failures = 0;
-    for (unsigned seed = kFirst; seed < kFirst + numberFrom("KRENDER_PROGRAMS", kPrograms) && failures < kMostFailures;
+    for (unsigned seed = gFirst; seed < gFirst + numberFrom("KRENDER_PROGRAMS", kPrograms) && failures < kMostFailures;
          ++seed)
     {
         const GeneratedProgram program = generateProgram(seed, false);
@@ -46,7 +46,7 @@ TEST(GeneratedPrograms, DrawTheSamePictureForEveryTarget)
     unsigned failures = 0;
     unsigned skipped = 0;
     const unsigned count = numberFrom("KRENDER_PICTURES", kPictures);
-    for (unsigned seed = kFirst; seed < kFirst + count && failures < kMostFailures; ++seed)
+    for (unsigned seed = gFirst; seed < gFirst + count && failures < kMostFailures; ++seed)
     {
         const GeneratedProgram generated = generateProgram(seed, true);
         const CompiledSource compiled = compileSource(generated.source);

@@ -124,7 +124,7 @@ struct Construct
 
 void PrintTo(const Construct& construct, std::ostream* out) { *out << construct.name; }
 
-const Construct kConstructs[] = {
+const Construct gConstructs[] = {
     {"Functions", 1000,
      [](unsigned n)
      { return repeat(n, [](const std::string& i) { return "float f" + i + "(float x) { return x; }\n"; }); }},
@@ -285,7 +285,7 @@ TEST_P(Growth, IsLinear)
                  });
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, Growth, testing::ValuesIn(kConstructs),
+INSTANTIATE_TEST_SUITE_P(Of, Growth, testing::ValuesIn(gConstructs),
                          [](const auto& given) { return std::string(given.param.name); });
 
 TEST(GrowthOfIncludes, IsLinear)
@@ -306,7 +306,9 @@ TEST(Memory, OfTheShippedSourcesIsAtMostTwentyTimesTheirSize)
     {
         std::ostringstream text;
         text << std::ifstream(entry.path()).rdbuf();
-        shipped += text.str();
+        if (text.str().find("#include") ==
+            std::string::npos) // these have functions of their own, which are no material
+            shipped += text.str();
     }
     std::string all;
     for (unsigned i = 0; all.size() < (std::size_t{10} << 20); ++i)

@@ -10,7 +10,6 @@ namespace
 {
 
 using krFrontend::Module;
-using krFrontend::ReadOptions;
 
 /// Sources that stand in no folder.
 class Shelf final : public krFrontend::SourceReader
@@ -36,7 +35,7 @@ std::vector<std::string> names(const Module& module)
     return found;
 }
 
-const std::vector<std::string> kNothing;
+const std::vector<std::string> gNothing;
 
 TEST(Includes, AreFoundBesideTheirFileAndThenInTheFoldersInOrder)
 {
@@ -49,7 +48,7 @@ TEST(Includes, AreFoundBesideTheirFileAndThenInTheFoldersInOrder)
         {"two/far.krs", "float far(float x) { return x; }"},
         {"three/far.krs", "float wrong(float x);"}};
     const Module module = Module::readFile("a/main.krs", {{"one", "two", "three"}, &shelf});
-    EXPECT_EQ(names(module), kNothing);
+    EXPECT_EQ(names(module), gNothing);
     ASSERT_EQ(module.sources().fileCount(), 4u);
     EXPECT_EQ(module.sources().file(2).name(), "two/far.krs");
 }
@@ -61,7 +60,7 @@ TEST(Includes, AreReadOnceHoweverTheyAreReached)
                     {"a.krs", "#include \"b.krs\"\nconst float k = 1.0;"},
                     {"b.krs", "#include \"sub/../a.krs\"\nconst float j = k;"}};
     const Module module = Module::readFile("m.krs", {{}, &shelf});
-    EXPECT_EQ(names(module), kNothing);
+    EXPECT_EQ(names(module), gNothing);
     EXPECT_EQ(shelf.fReads, (std::map<std::string, int>{{"a.krs", 1}, {"b.krs", 1}, {"m.krs", 1}}));
 }
 
@@ -114,11 +113,11 @@ TEST(Text, MayBeginWithAByteOrderMarkAndHoldAnyBytes)
 {
     EXPECT_EQ(names(Module::readText("m", "\xEF\xBB\xBF"
                                           "const float k = 1.0;")),
-              kNothing);
-    EXPECT_EQ(names(Module::readText("m", std::string("// \xff\x00\x80\nconst float k = 1.0;", 27))), kNothing);
+              gNothing);
+    EXPECT_EQ(names(Module::readText("m", std::string("// \xff\x00\x80\nconst float k = 1.0;", 27))), gNothing);
     EXPECT_EQ(names(Module::readText("m", std::string("\x00\x01\xff", 3))),
               std::vector<std::string>{"unknown-character"});
-    EXPECT_EQ(names(Module::readText("m", "")), kNothing);
+    EXPECT_EQ(names(Module::readText("m", "")), gNothing);
 }
 
 } // namespace

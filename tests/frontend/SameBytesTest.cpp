@@ -2,6 +2,8 @@
 
 #include <krender/frontend/PlainReading.h>
 #include <krender/frontend/Program.h>
+#include <krender/shadergen/CgMaterialCompiler.h>
+#include <krender/shadergen/GlslMaterialCompiler.h>
 
 #include <gtest/gtest.h>
 

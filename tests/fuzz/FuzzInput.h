@@ -1,5 +1,5 @@
 #pragma once
-#include <common/SourceReader.h>
+#include <krender/shading/ShadingParser.h>
 
 #include <cstdint>
 #include <cstdio>
@@ -23,9 +23,6 @@ inline void require(bool condition, const char* what)
     std::abort();
 }
 
-/// Whether the parser comes to an end on a source: the programs' scan knows, and is tried along with it.
-inline bool isSafe(const krTools::Source& source)
-{
-    krTools::Findings findings;
-    return krTools::SourceReader(source, findings).scan();
-}
+/// What keeps the parser from reading on without end, as the programs set it.
+inline constexpr krShadingDag::ShadingParserLimits kLimits{
+    .refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000};

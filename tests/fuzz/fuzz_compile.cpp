@@ -4,6 +4,11 @@
 #include <krender/shadergen/CgMaterialCompiler.h>
 #include <krender/shadergen/GlslMaterialCompiler.h>
 
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
 using namespace krShadingDag;
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -13,15 +18,16 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     std::size_t loops = 0;
     for (std::size_t at = 0; (at = text.find("illuminance", at)) != std::string::npos; ++at)
         ++loops;
-    krTools::Findings findings;
-    const krTools::Source source("fuzz", text);
-    krTools::SourceReader reader(source, findings);
-    if (loops > 4 || !reader.scan())
+    if (loops > 4)
         return 0;
 
     std::vector<std::unique_ptr<ShadingNodeSpec>> functions;
-    reader.parse([&functions](std::unique_ptr<ShadingNodeSpec> spec, const krTools::FunctionOutline&)
-                 { functions.push_back(std::move(spec)); });
+    ShadingParser parser;
+    parser.setLimits(kLimits);
+    // The parser goes on in its source: each further function takes an empty piece.
+    ShadingNodeSpec* spec = nullptr;
+    for (krString::CString piece(text); parser.parseString(piece, &spec); piece = {})
+        functions.emplace_back(spec);
     if (functions.empty())
         return 0;
     std::vector<LightSpec> lights;

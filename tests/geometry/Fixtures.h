@@ -1,4 +1,6 @@
 #pragma once
+#include "SharedObjects.h"
+
 #include <krender/core/IHWMemoryObject.h>
 #include <krender/geometry/GeometryData.h>
 #include <krender/geometry/GeometryDataIndex.h>
@@ -6,33 +8,18 @@
 #include <algorithm>
 #include <initializer_list>
 #include <memory>
-#include <utility>
 #include <vector>
 
-/// An object that counts its live instances.
-template <class Base>
-class Counted : public Base
+/// A hanger that counts the live ones.
+class Hanger : public IHWMemoryObject
 {
 public:
-    template <class... Arguments>
-    explicit Counted(int& alive, Arguments&&... arguments) : Base(std::forward<Arguments>(arguments)...), fAlive(alive)
-    {
-        ++fAlive;
-    }
-    ~Counted() override { --fAlive; }
+    explicit Hanger(int& alive) : fAlive(alive) { ++fAlive; }
+    ~Hanger() override { --fAlive; }
 
 private:
     int& fAlive;
 };
-using Hanger = Counted<IHWMemoryObject>;
-
-/// Gives up a reference at the end of a scope.
-struct Unref
-{
-    void operator()(const krSharedObject::SharedObject* object) const { object->unref(); }
-};
-template <class T>
-using Held = std::unique_ptr<T, Unref>;
 
 template <class T>
 T* newArray(std::initializer_list<T> values)
@@ -43,10 +30,14 @@ T* newArray(std::initializer_list<T> values)
 }
 
 inline GeometryData* newStream(GeometryData::DataType type, GeometryData::ElementSize components,
-                               std::initializer_list<float> values)
+                               std::initializer_list<float> values, int set = 0, const char* name = "",
+                               bool secondary = false)
 {
-    return new GeometryData("", type, GeometryData::float32, components,
-                            static_cast<unsigned>(values.size()) / components, newArray(values), true, false);
+    auto* stream =
+        new GeometryData(name, type, GeometryData::float32, components,
+                         static_cast<unsigned>(values.size()) / components, newArray(values), true, secondary);
+    stream->setIndex = set;
+    return stream;
 }
 
 /// A list that claims to have `count` indices.

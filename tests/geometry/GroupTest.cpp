@@ -1,12 +1,23 @@
 #include "geometry/Fixtures.h"
 
+#include "SharedObjects.h"
+
+#include <krender/core/IResource.h>
 #include <krender/geometry/Geometry.h>
 #include <krender/geometry/GeometryCustomData.h>
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/geometry/GeometryLogicalGroup.h>
+#include <krender/geometry/GeometryMonitor.h>
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -18,57 +29,36 @@ public:
     [[nodiscard]] const char* kind() const override { return "attachment"; }
 };
 
-GeometryData* newEmpty(GeometryData::DataType type, const char* name, int setIndex, bool secondary)
-{
-    auto* stream = new GeometryData(name, type, GeometryData::float32, 1, 0, nullptr, false, secondary);
-    stream->setIndex = setIndex;
-    return stream;
-}
-
-GeometryData* newTransparency(const char* name, std::initializer_list<std::int16_t> values)
-{
-    return new GeometryData(name, GeometryData::userData, GeometryData::int16, 1, static_cast<unsigned>(values.size()),
-                            newArray(values), true, false);
-}
-
 } // namespace
 
 TEST(GeometryLogicalGroup, AdoptsOneReferenceOfEachThing)
 {
-    int alive = 0;
-    const auto newCountedStream = [&alive]
-    {
-        return new Counted<GeometryData>(alive, "", GeometryData::vertex, GeometryData::float32, 1u, 2u,
-                                         newArray({1.0f, 2.0f}), true, false);
-    };
-    const auto newCountedList = [&alive](const GeometryData* stream)
-    {
-        return new Counted<GeometryDataIndex>(alive, GeometryDataIndex::points, 2u, std::vector{stream},
-                                              newArray({0u, 1u}), nullptr, nullptr);
-    };
     int hangers = 0;
-    const Held<GeometryData> kept(newCountedStream());
-    const Held<GeometryDataIndex> keptList(newCountedList(kept.get()));
-    kept->ref();
-    keptList->ref();
+    const Held<GeometryData> stream(newStream(GeometryData::vertex, 1, {0}));
+    const Held<GeometryDataIndex> list(newList(GeometryDataIndex::points, 0, {stream.get()}));
+    const Held<Attachment> attachment(new Attachment("a"));
+    const auto expect = [&](int held)
+    { EXPECT_TRUE(references(*stream) == held && references(*list) == held && references(*attachment) == held); };
+    const auto give = [&] { return stream->ref() + list->ref() + attachment->ref(); };
+    give();
     {
         GeometryLogicalGroup group("g");
-        group.appendData({kept.get(), nullptr, newCountedStream()},
-                         {keptList.get(), nullptr, newCountedList(kept.get())});
-        group.appendData(new Counted<Attachment>(alive, "a"));
-        EXPECT_EQ(alive, 5);
-        kept->setHanger(new Hanger(hangers));
-        keptList->setHanger(new Hanger(hangers));
+        group.appendData({stream.get(), nullptr}, {list.get(), nullptr});
+        group.appendData(attachment.get());
+        expect(2);
+        stream->setHanger(new Hanger(hangers));
+        list->setHanger(new Hanger(hangers));
         group.reset();
-        EXPECT_EQ(alive, 2) << "what the caller holds lives on";
-        EXPECT_EQ(hangers, 0) << "without device copies";
+        expect(1);
+        EXPECT_EQ(hangers, 0) << "device copies go, though the objects live on";
         EXPECT_TRUE(group.data().empty() && group.indices().empty() && group.customData().empty());
 
-        kept->ref();
-        const GeometryLogicalGroup copies("h", {kept.get(), newCountedStream()}, {newCountedList(kept.get())});
-        EXPECT_EQ(alive, 4);
+        give();
+        GeometryLogicalGroup copies("h", {stream.get()}, {list.get()});
+        copies.appendData(attachment.get());
+        expect(2);
     }
-    EXPECT_EQ(alive, 2);
+    expect(1);
 }
 
 TEST(GeometryLogicalGroup, AppendedStreamAlsoJoinsTheFirstListOnly)
@@ -84,12 +74,27 @@ TEST(GeometryLogicalGroup, AppendedStreamAlsoJoinsTheFirstListOnly)
     EXPECT_TRUE(group.indices()[1]->data().empty());
 }
 
+TEST(GeometryLogicalGroup, AppendsAtTheEndEvenWhatItHolds)
+{
+    const GeometryData* stream = newStream(GeometryData::vertex, 1, {0});
+    const GeometryDataIndex* list = newList(GeometryDataIndex::points, 0);
+    const GeometryData* last = newStream(GeometryData::color, 1, {0});
+    const GeometryDataIndex* lastList = newList(GeometryDataIndex::lines, 0);
+    GeometryLogicalGroup group(nullptr, {stream, nullptr}, {list, nullptr});
+    stream->ref();
+    list->ref();
+    group.appendData(group.data(), group.indices());
+    group.appendData({last}, {lastList});
+    EXPECT_EQ(group.data(), (std::vector<const GeometryData*>{stream, nullptr, stream, nullptr, last}));
+    EXPECT_EQ(group.indices(), (std::vector<const GeometryDataIndex*>{list, nullptr, list, nullptr, lastList}));
+}
+
 TEST(GeometryLogicalGroup, FindsTheFirstMatchOfEveryKey)
 {
     const auto uv = GeometryData::textureCoord;
-    const GeometryData* streams[] = {newEmpty(uv, "uv", 1, true), newEmpty(uv, "uv0", 0, false),
-                                     newEmpty(uv, "uv", 1, false), newEmpty(GeometryData::color, "uv", 1, false),
-                                     newEmpty(uv, "uv", 1, false)};
+    const GeometryData* streams[] = {newStream(uv, 1, {}, 1, "uv", true), newStream(uv, 1, {}, 0, "uv0"),
+                                     newStream(uv, 1, {}, 1, "uv"), newStream(GeometryData::color, 1, {}, 1, "uv"),
+                                     newStream(uv, 1, {}, 1, "uv")};
     GeometryLogicalGroup group(nullptr, {nullptr}, {});
     for (const GeometryData* stream : streams)
         group.appendData(stream);
@@ -105,14 +110,51 @@ TEST(GeometryLogicalGroup, FindsTheFirstMatchOfEveryKey)
     for (Attachment* attachment : {new Attachment("other"), tag, new Attachment("tag")})
         group.appendData(attachment);
     EXPECT_EQ(group.customData(std::string("tag").c_str()), tag);
-    EXPECT_EQ(group.customData("none"), nullptr);
+    EXPECT_TRUE(!group.customData("none") && !group.customData(nullptr));
     EXPECT_FALSE(tag->dirty(nullptr));
+}
+
+TEST(GeometryMonitor, FirstStreamAfterAMarkStillCountsAsClean)
+{
+    const std::uint32_t generator = IResource::fsUniqueIDGenerator;
+    EXPECT_EQ(std::exchange(GeometryMonitor::gNextFreeId, 0u), 0u);
+    for (const std::uint32_t start : {100u, 0x7FFFFFFEu, 0xFFFFFFFDu}) // the last one wraps between the streams
+    {
+        IResource::fsUniqueIDGenerator = start;
+        const GeometryMonitor monitor;
+        const GeometryMonitor other;
+        EXPECT_EQ(std::exchange(GeometryMonitor::gNextFreeId, 0u), 2u);
+        EXPECT_EQ(monitor.id(), 0u) << "is an id like any other";
+        GeometryLogicalGroup group(nullptr);
+        std::vector<Held<GeometryData>> streams;
+        // Makes streams and tells the state of all: d for dirty.
+        const auto states = [&](const GeometryMonitor& asked, int more)
+        {
+            for (int i = 0; i < more; ++i)
+                streams.emplace_back(newStream(GeometryData::vertex, 1, {}));
+            std::string letters;
+            for (const auto& stream : streams)
+                letters += asked.isDirty(*stream, group) ? 'd' : '-';
+            return letters;
+        };
+        EXPECT_EQ(states(monitor, 1), "d") << "there is no mark yet";
+        monitor.markClean(group);
+        EXPECT_EQ(states(monitor, 3), "--dd") << "also past the wrap";
+        EXPECT_EQ(states(other, 0), "dddd") << "monitors have marks of their own";
+        other.markClean(group);
+        EXPECT_EQ(states(other, 0), "----");
+        EXPECT_EQ(states(monitor, 0), "--dd");
+        monitor.markClean(group);
+        EXPECT_EQ(states(monitor, 2), "-----d") << "a second mark moves the first one on";
+        group.reset();
+        EXPECT_EQ(states(monitor, 0), "dddddd") << "a group that was emptied has no marks";
+    }
+    IResource::fsUniqueIDGenerator = generator;
 }
 
 TEST(Geometry, ReusesGroupsByTextAndAppendsWithoutLooking)
 {
-    Geometry* geometry = new Geometry;
-    EXPECT_EQ(Geometry::fsNumInstances_Geometry, 1);
+    const Held<Geometry> geometry(new Geometry);
     const std::string name = "part";
     const GeometryLogicalGroup* unnamed = geometry->createOrReuseLogicalGroup(nullptr);
     const GeometryLogicalGroup* named = geometry->createOrReuseLogicalGroup(name.c_str());
@@ -126,13 +168,21 @@ TEST(Geometry, ReusesGroupsByTextAndAppendsWithoutLooking)
 
     // A group that was taken out leaves a slot that nothing trips over.
     EXPECT_EQ(geometry->takeGroup(1).get(), named);
+    EXPECT_TRUE(!geometry->takeGroup(1) && !geometry->takeGroup(3)) << "an empty slot, and one past the end";
     EXPECT_EQ(geometry->createOrReuseLogicalGroup("part"), geometry->groups()[2].get());
     EXPECT_EQ(geometry->totalNumberOfPrimitives(), 0u);
     geometry->deleteGeometryCache(true, true);
     geometry->reset();
     EXPECT_TRUE(geometry->groups().empty());
-    EXPECT_EQ(geometry->unref(), 0);
-    EXPECT_EQ(Geometry::fsNumInstances_Geometry, 0);
+}
+
+TEST(Geometry, CountsItsLiveInstances)
+{
+    const Held<Geometry> first(new Geometry);
+    Held<Geometry> second(new Geometry);
+    EXPECT_EQ(Geometry::fsNumInstances_Geometry, 2);
+    second.reset();
+    EXPECT_EQ(Geometry::fsNumInstances_Geometry, 1);
 }
 
 TEST(Geometry, CountsWholePrimitives)
@@ -156,23 +206,24 @@ TEST(Geometry, CountsWholePrimitives)
 
 TEST(Geometry, LastGroupDecidesOnTransparency)
 {
-    const char* set0 = "colorSetTransparency_0";
-    const std::tuple<const char*, std::vector<GeometryData*>, bool> cases[] = {
+    // A group's stream: its colour set, its values, how many of them it counts.
+    using Stream = std::tuple<std::string, std::int16_t, unsigned>;
+    const std::tuple<const char*, std::vector<Stream>, bool> cases[] = {
         {"none", {}, false},
-        {"one", {newTransparency(set0, {1, 0})}, true},
-        {"a later group overrules", {newTransparency(set0, {1}), newTransparency(set0, {0})}, false},
-        {"and the other way", {newTransparency(set0, {0}), newTransparency(set0, {2})}, true},
-        {"a group without an answer does not",
-         {newTransparency(set0, {1}), newTransparency("colorSetTransparency_1", {0})},
-         true},
-        {"negative", {newTransparency(set0, {-1})}, false},
-        {"no element", {newTransparency(set0, {})}, false},
-    };
+        {"one", {{"0", 1, 1}}, true},
+        {"a later group overrules", {{"0", 1, 1}, {"0", 0, 1}}, false},
+        {"and the other way", {{"0", 0, 1}, {"0", 2, 1}}, true},
+        {"a group without an answer does not", {{"0", 1, 1}, {"1", 0, 1}}, true},
+        {"negative", {{"0", -1, 1}}, false},
+        {"no element", {{"0", 1, 0}}, false}};
     for (const auto& [what, streams, transparent] : cases)
     {
         const Held<Geometry> geometry(new Geometry);
-        for (const GeometryData* stream : streams)
-            geometry->append("group", {stream}, {});
+        for (const auto& [set, value, count] : streams)
+            geometry->append("group",
+                             {new GeometryData(("colorSetTransparency_" + set).c_str(), GeometryData::userData,
+                                               GeometryData::int16, 1, count, newArray({value}), true, false)},
+                             {});
         EXPECT_EQ(geometry->colorDataHasTransparency(0), transparent) << what;
     }
 }
@@ -180,9 +231,9 @@ TEST(Geometry, LastGroupDecidesOnTransparency)
 TEST(Geometry, FindsMasksAndCorrectionsOfTheirSetInAnyGroup)
 {
     const Held<Geometry> geometry(new Geometry);
-    geometry->append("first", {newEmpty(GeometryData::colorPerVertexMask, "", 0, true)}, {});
-    geometry->append("second", {newEmpty(GeometryData::colorPerVertexMask, "", 1, false)}, {});
-    geometry->append("third", {newEmpty(GeometryData::tangentSpaceCorrection, "", 2, false)}, {});
+    geometry->append("first", {newStream(GeometryData::colorPerVertexMask, 1, {}, 0, "", true)}, {});
+    geometry->append("second", {newStream(GeometryData::colorPerVertexMask, 1, {}, 1)}, {});
+    geometry->append("third", {newStream(GeometryData::tangentSpaceCorrection, 1, {}, 2)}, {});
     for (const unsigned set : {0u, 1u, 2u}) // that of set 0 is secondary and not looked at
         EXPECT_TRUE(geometry->hasColorPerVertexMask(set) == (set == 1) &&
                     geometry->hasTangentSpaceCorrection(set) == (set == 2));
@@ -192,16 +243,14 @@ TEST(Geometry, CacheFlushDropsTheChosenHangers)
 {
     for (const auto& [data, indices] : {std::pair(false, false), {false, true}, {true, false}, {true, true}})
     {
-        int streamHangers = 0;
-        int listHangers = 0;
+        int hangers = 0;
         const Held<Geometry> geometry(new Geometry);
         const GeometryData* stream = newStream(GeometryData::vertex, 1, {0});
         const GeometryDataIndex* list = newList(GeometryDataIndex::points, 0, {stream});
-        stream->setHanger(new Hanger(streamHangers));
-        list->setHanger(new Hanger(listHangers));
+        stream->setHanger(new Hanger(hangers));
+        list->setHanger(new Hanger(hangers));
         geometry->append("group", {stream, nullptr}, {list, nullptr});
         geometry->deleteGeometryCache(data, indices);
-        EXPECT_EQ(streamHangers, data ? 0 : 1);
-        EXPECT_EQ(listHangers, indices ? 0 : 1);
+        EXPECT_TRUE(!stream->hanger() == data && !list->hanger() == indices && hangers == 2 - data - indices);
     }
 }

@@ -1,12 +1,21 @@
 #include "geometry/Fixtures.h"
 
+#include "SharedObjects.h"
+
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
 #include <krender/geometry/GeometryDataIterator.h>
 #include <krender/geometry/GeometryLogicalGroup.h>
 #include <krender/geometry/GeometryLogicalIterator.h>
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
 #include <tuple>
+#include <vector>
 
 namespace
 {
@@ -18,9 +27,8 @@ struct Walked
         : group(nullptr, streams, {})
     {
         const auto count = static_cast<unsigned>(entries.size());
-        const Held<GeometryDataIndex> narrow(
-            new GeometryDataIndex(GeometryDataIndex::points, count, newArray(entries)));
-        list = new GeometryDataIndex(GeometryDataIndex::points, count, streams, narrow->widenedIndices().release(),
+        const GeometryDataIndex narrow(GeometryDataIndex::points, count, newArray(entries));
+        list = new GeometryDataIndex(GeometryDataIndex::points, count, streams, narrow.widenedIndices().release(),
                                      nullptr, nullptr);
         group.appendData({}, {list});
     }
@@ -32,9 +40,7 @@ struct Walked
 /// A stream of the elements `base` and `base` + 1.
 GeometryData* newMarked(GeometryData::DataType type, float base, int setIndex = 0)
 {
-    GeometryData* stream = newStream(type, 1, {base, base + 1});
-    stream->setIndex = setIndex;
-    return stream;
+    return newStream(type, 1, {base, base + 1}, setIndex);
 }
 
 } // namespace
@@ -43,76 +49,87 @@ TEST(GeometryLogicalIterator, VisitsTheListsInOrder)
 {
     GeometryLogicalGroup group(nullptr);
     group.appendData({}, {newList(GeometryDataIndex::points, 0), newList(GeometryDataIndex::lines, 0)});
-    GeometryLogicalIterator iterator(&group);
-    EXPECT_EQ(iterator.dataIndexPointer(), group.indices()[0]);
-    iterator.next();
-    EXPECT_EQ(iterator.dataIndexPointer(), group.indices()[1]);
-    iterator.next();
-    iterator.next();
-    EXPECT_TRUE(iterator.isDone()) << "there is nothing past the end";
-    EXPECT_TRUE(GeometryLogicalIterator(nullptr).isDone());
-}
-
-TEST(GeometryDataIterator, PointsAtTheElementsOfTheEntries)
-{
-    const Walked walked({2, 0, 1}, {newStream(GeometryData::vertex, 3, {0, 1, 2, 10, 11, 12, 20, 21, 22}),
-                                    newStream(GeometryData::color, 2, {0.5f, 0, 1.5f, 0, 2.5f, 0})});
-    GeometryDataIterator iterator(walked.list, nullptr);
-    std::vector<float> values;
-    for (; !iterator.isDone(); iterator.next())
-        values.insert(values.end(), {iterator.vertex()[2], iterator.color()[0]});
-    EXPECT_EQ(values, (std::vector<float>{22, 2.5f, 2, 0.5f, 12, 1.5f}));
-    iterator.next();
-    EXPECT_EQ(iterator.position(), 3u) << "next() stays at the end";
+    GeometryLogicalIterator iterator;
+    for (int round = 0; round < 2; ++round)
+    {
+        EXPECT_TRUE(iterator.isDone());
+        iterator.reset(&group);
+        for (const GeometryDataIndex* list : group.indices())
+        {
+            EXPECT_TRUE(iterator.dataIndexPointer() == list && !iterator.isDone());
+            iterator.next();
+        }
+        iterator.next(); // stays at the end
+    }
+    iterator.reset(nullptr);
+    EXPECT_TRUE(iterator.isDone() && !GeometryLogicalIterator(&group).isDone());
 }
 
 TEST(GeometryDataIterator, ReadsEntriesAs64BitValues)
 {
-    const Held<GeometryDataIndex> list(new GeometryDataIndex(GeometryDataIndex::points, 2, newArray({1u, 2u, 3u, 4u})));
+    const Held<GeometryData> stream(newStream(GeometryData::color, 4, {}));
+    const Held<GeometryDataIndex> list(new GeometryDataIndex(GeometryDataIndex::points, 2, {stream.get()},
+                                                             newArray({1u, 2u, 0u, 1u << 28}), nullptr, nullptr));
     GeometryDataIterator iterator(list.get(), nullptr);
-    EXPECT_EQ(iterator.computeIndex(1), 0x200000001u);
+    EXPECT_EQ(iterator.computeIndex(3), 3 * 0x200000001u);
     iterator.next();
-    EXPECT_EQ(iterator.computeIndex(2), 2 * 0x400000003u);
+    EXPECT_EQ(iterator.computeIndex(4), std::uint64_t{1} << 62);
+    EXPECT_EQ(iterator.color(), nullptr) << "its place in bytes does not fit";
 }
 
 TEST(GeometryDataIterator, EndsWithItsRange)
 {
     const Held<GeometryDataIndex> list(newList(GeometryDataIndex::points, 5));
     GeometryDataIterator iterator(list.get(), nullptr);
-    const auto steps = [&iterator]
+    const auto steps = [&iterator](int n = 0)
     {
-        int n = 0;
         for (; !iterator.isDone(); iterator.next())
             ++n;
         return n;
     };
+    const auto range = [&iterator]
+    { return std::tuple(iterator.useRange(), iterator.rangeBegin(), iterator.rangeEnd(), iterator.position()); };
     EXPECT_TRUE(iterator.setRange(2, 4));
+    EXPECT_EQ(range(), std::tuple(true, 2, 4, 0));
     EXPECT_EQ(steps(), 4) << "a range does not move the position";
+    EXPECT_TRUE(iterator.setRange(1, 5)) << "the list's own end";
     EXPECT_FALSE(iterator.setRange(2, 6)) << "past the list's end";
+    EXPECT_EQ(range(), std::tuple(false, 1, 5, 4));
     EXPECT_EQ(steps(), 1) << "the walk goes on to the list's end";
-    EXPECT_TRUE(iterator.setRange(0, 3));
+    EXPECT_TRUE(iterator.setRange(2, 3));
     iterator.reset(list.get(), nullptr);
-    EXPECT_EQ(steps(), 5) << "a reset forgets the range";
+    EXPECT_EQ(range(), std::tuple(false, 0, 0, 0));
+    EXPECT_EQ(steps(), 5) << "a reset drops the range";
+    iterator.next();
+    EXPECT_EQ(iterator.position(), 5u) << "next() stays at the end";
     iterator.reset(nullptr, nullptr);
-    EXPECT_TRUE(iterator.isDone());
+    EXPECT_TRUE(iterator.isDone() && GeometryDataIterator().isDone());
 }
 
-TEST(GeometryDataIterator, FillsASlotForEveryKindOfStream)
+TEST(GeometryDataIterator, FillsASlotForEveryKindOfStreamAndEmptiesThemOnReset)
 {
-    const Walked walked({1}, {newMarked(GeometryData::vertex, 900), newMarked(GeometryData::vertex, 100),
-                              newMarked(GeometryData::normal, 200), newMarked(GeometryData::alternateNormal, 300),
-                              newMarked(GeometryData::weight, 400), newMarked(GeometryData::binormal, 500),
-                              newMarked(GeometryData::userData, 600), newMarked(GeometryData::color, 700),
-                              newMarked(GeometryData::tangentSpaceCorrection, 999), nullptr});
-    GeometryDataIterator iterator(walked.list, nullptr);
-    EXPECT_EQ(*iterator.vertex(), 101) << "the later one of two";
-    EXPECT_EQ(*iterator.normal(), 201);
-    iterator.setUseNormal(false);
-    EXPECT_EQ(*iterator.normal(), 301);
-    EXPECT_EQ(*iterator.weight(), 401);
-    EXPECT_EQ(*iterator.binormal(), 501);
-    EXPECT_EQ(*iterator.userData(), 601);
-    EXPECT_EQ(*iterator.color(), 701);
+    const Walked walked({1},
+                        {newMarked(GeometryData::vertex, 900), newStream(GeometryData::vertex, 3, {1, 2, 3, 101, 5, 6}),
+                         newMarked(GeometryData::normal, 200), newMarked(GeometryData::alternateNormal, 300),
+                         newMarked(GeometryData::weight, 400), newMarked(GeometryData::binormal, 500),
+                         newMarked(GeometryData::userData, 600), newMarked(GeometryData::color, 700),
+                         newMarked(GeometryData::tangentSpaceCorrection, 999), nullptr});
+    const Walked bare({0}, {});
+    using Iterator = GeometryDataIterator;
+    const std::tuple<float* (Iterator::*)() const noexcept, bool, float> cases[] = {
+        {&Iterator::vertex, true, 101}, // the later one of two
+        {&Iterator::normal, true, 201},   {&Iterator::normal, false, 301},  {&Iterator::weight, true, 401},
+        {&Iterator::binormal, true, 501}, {&Iterator::userData, true, 601}, {&Iterator::color, true, 701}};
+    for (const auto& [value, useNormal, expected] : cases)
+    {
+        Iterator iterator(walked.list, nullptr);
+        EXPECT_TRUE(iterator.useNormal());
+        iterator.setUseNormal(useNormal);
+        EXPECT_EQ(*(iterator.*value)(), expected);
+        iterator.reset(bare.list, nullptr);
+        EXPECT_EQ(iterator.useNormal(), useNormal) << "a reset leaves the choice";
+        EXPECT_EQ((iterator.*value)(), nullptr);
+    }
 }
 
 TEST(GeometryDataIterator, ChoosesSlotsByTextureSet)

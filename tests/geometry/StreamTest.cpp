@@ -1,8 +1,19 @@
 #include "geometry/Fixtures.h"
 
+#include "SharedObjects.h"
+
+#include <krender/core/IResource.h>
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
 #include <tuple>
+#include <utility>
 
 // The memory checkers see what is released, and as which type.
 TEST(GeometryData, ReleasesOwnedArraysOfEveryTypeButOpaque)
@@ -24,6 +35,17 @@ TEST(GeometryData, ReleasesOwnedArraysOfEveryTypeButOpaque)
     EXPECT_EQ(kept[1], 'b');
 }
 
+TEST(GeometryData, CopiesItsName)
+{
+    char name[] = "uv";
+    const Held<GeometryData> stream(
+        new GeometryData(name, GeometryData::textureCoord, GeometryData::float32, 2, 0, nullptr, false, false));
+    name[0] = 'x';
+    EXPECT_STREQ(stream->streamName(), "uv");
+    EXPECT_STREQ(stream->name(), "") << "the resource's name is another one";
+    EXPECT_TRUE(stream->setIndex == 0 && !stream->hanger());
+}
+
 TEST(GeometryData, AlwaysOwnsItsHanger)
 {
     int hangers = 0;
@@ -37,6 +59,22 @@ TEST(GeometryData, AlwaysOwnsItsHanger)
     EXPECT_EQ(hangers, 0);
 }
 
+TEST(GeometryDataIndex, TakesItsRangeFromTheFullFormOnly)
+{
+    const unsigned start = 3;
+    const unsigned end = 5;
+    const auto expectRange = [](GeometryDataIndex* made, unsigned rangeStart, unsigned rangeEnd)
+    {
+        const Held<GeometryDataIndex> list(made);
+        EXPECT_EQ(std::pair(list->rangeStart(), list->rangeEnd()), std::pair(rangeStart, rangeEnd));
+        EXPECT_EQ(list->widenedIndices(), nullptr) << "there is a count, but there are no indices";
+    };
+    expectRange(new GeometryDataIndex(GeometryDataIndex::lines, 7, {}, nullptr, &end, &start), 3, 5);
+    expectRange(new GeometryDataIndex(GeometryDataIndex::lines, 7, {}, nullptr, nullptr, &start), 3, 7);
+    expectRange(new GeometryDataIndex(GeometryDataIndex::lines, 7, {}, nullptr, &end, nullptr), 0, 5);
+    expectRange(new GeometryDataIndex(GeometryDataIndex::lines, 7, nullptr), 0, 0);
+}
+
 TEST(GeometryDataIndex, ShortListsDrawTheirIdWithoutTheGuardAgainstZero)
 {
     const std::uint32_t before = std::exchange(IResource::fsUniqueIDGenerator, 0xFFFFFFFFu);
@@ -47,10 +85,8 @@ TEST(GeometryDataIndex, ShortListsDrawTheirIdWithoutTheGuardAgainstZero)
     IResource::fsUniqueIDGenerator = 0;
     const Held<GeometryData> stream(newStream(GeometryData::vertex, 1, {}));
     EXPECT_EQ(std::exchange(IResource::fsUniqueIDGenerator, before), 2u);
-    EXPECT_EQ(last->id(), 0xFFFFFFFFu);
-    EXPECT_EQ(wrapped->id(), 1u);
-    EXPECT_EQ(shortList->id(), 0u);
-    EXPECT_EQ(stream->id(), 1u);
+    EXPECT_EQ((std::array{last->id(), wrapped->id(), shortList->id(), stream->id()}),
+              (std::array{0xFFFFFFFFu, 1u, 0u, 1u}));
 }
 
 TEST(GeometryDataIndex, DeletesOnlyWhatItOwns)
@@ -60,9 +96,12 @@ TEST(GeometryDataIndex, DeletesOnlyWhatItOwns)
     const std::unique_ptr<unsigned[]> indices(newArray({0u, 1u}));
     {
         const Held<GeometryDataIndex> list(new GeometryDataIndex(GeometryDataIndex::lines, 2, indices.get()));
-        list->setHanger(new Hanger(hangers));
+        auto* owned = new Hanger(hangers);
+        list->setHanger(owned);
+        list->setHanger(owned);
+        EXPECT_EQ(hangers, 2) << "an owned hanger stays when it is hung again";
         list->setHanger(nullptr);
-        EXPECT_EQ(hangers, 1) << "an owned hanger goes when it is replaced";
+        EXPECT_EQ(hangers, 1) << "and goes when it is replaced";
 
         list->setOwnsIndices(false);
         list->setHanger(&own);

@@ -1,113 +1,137 @@
+#include <krender/pixels/IHWTexture.h>
 #include <krender/pixels/krBufferFormat.h>
+#include <krender/pixels/krColorFormat.h>
 #include <krender/pixels/krColorFormatRGBAFixed8.h>
 #include <krender/pixels/krColorFormatRGBAFloat.h>
+#include <krender/pixels/krSysPixelFormat.h>
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
+#include <cstddef>
+#include <cstdlib>
 #include <limits>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace
 {
 
-constexpr auto kLow = krBufferFormat::kFixed8;
-constexpr auto kHigh = krBufferFormat::kFloat32;
-
-krBufferFormat makeFormat(krBufferFormat::RasterFormat color, krBufferFormat::RasterFormat second,
-                          krBufferFormat::RasterFormat third, krBufferFormat::SamplingType sampling)
-{
-    return {color, second, third, sampling, IHWTexture::kTexture2D};
-}
-
-/// What a format without memory of its own gives.
-class Memoryless : public krColorFormat
+/// A colour format without storage of its own.
+class WithoutStorage : public krColorFormat
 {
 public:
-    Memoryless() : krColorFormat(4, 14, 2) {}
+    WithoutStorage() : krColorFormat(4, 14, 2) {}
 };
+
+template <class Component, class Format>
+void expectDefaultValue(Format format)
+{
+    std::array<Component, 4> value = {9, 9, 9, 9};
+    format.defaultValue(value.data());
+    EXPECT_EQ(value, (std::array<Component, 4>{}));
+    const std::array<Component, 4> set = {1, 2, 3, 4};
+    format.setDefaultValue(set.data());
+    format.defaultValue(value.data());
+    EXPECT_EQ(value, set);
+}
 
 } // namespace
 
-TEST(BufferFormat, AnyLesserFieldMakesItLessCapable)
+TEST(BufferFormat, IsRankedByEachRasterAndBySampling)
 {
-    const krBufferFormat low = makeFormat(kLow, kLow, kLow, krBufferFormat::kSingleSample);
-    const krBufferFormat raised[] = {makeFormat(kHigh, kLow, kLow, krBufferFormat::kSingleSample),
-                                     makeFormat(kLow, kHigh, kLow, krBufferFormat::kSingleSample),
-                                     makeFormat(kLow, kLow, kHigh, krBufferFormat::kSingleSample),
-                                     makeFormat(kLow, kLow, kLow, krBufferFormat::kMultisample4)};
-    EXPECT_FALSE(low.lessCapableThan(low));
-    for (const krBufferFormat& format : raised)
+    constexpr auto kLow = krBufferFormat::kFixed8;
+    constexpr auto kHigh = krBufferFormat::kFloat32;
+    constexpr auto kOne = krBufferFormat::kSingleSample;
+    constexpr auto kFour = krBufferFormat::kMultisample4;
+    constexpr auto kFlat = IHWTexture::kTexture2D;
+    constexpr auto kCube = IHWTexture::kTextureCubeMap;
+    const auto expectRank = [](const krBufferFormat& format, const krBufferFormat& other, bool less, bool greater)
     {
-        EXPECT_TRUE(low.lessCapableThan(format));
-        EXPECT_FALSE(format.lessCapableThan(low));
-        EXPECT_TRUE(format != low);
-    }
-    EXPECT_TRUE(raised[0].lessCapableThan(raised[1])) << "each lacks something";
-    EXPECT_TRUE(raised[1].lessCapableThan(raised[0]));
+        EXPECT_EQ(format.lessCapableThan(other), less);
+        EXPECT_EQ(other.lessCapableThan(format), greater);
+        EXPECT_EQ(format.betterOrEqualThan(other), !greater) << "it asks whether the other suffices";
+        EXPECT_EQ(other.betterOrEqualThan(format), !less);
+        EXPECT_TRUE(format == krBufferFormat(format));
+        EXPECT_TRUE(format != other);
+    };
+    const krBufferFormat low(kLow, kLow, kLow, kOne, kFlat);
+    expectRank(low, {kHigh, kLow, kLow, kOne, kFlat}, true, false);
+    expectRank(low, {kLow, kHigh, kLow, kOne, kFlat}, true, false);
+    expectRank(low, {kLow, kLow, kHigh, kOne, kFlat}, true, false);
+    expectRank(low, {kLow, kLow, kLow, kFour, kFlat}, true, false);
+    expectRank({kLow, kHigh, kLow, kOne, kFlat}, {kHigh, kLow, kLow, kOne, kFlat}, true, true);
+    expectRank(low, {kLow, kLow, kLow, kOne, kCube}, false, false);
 }
 
-TEST(BufferFormat, BetterOrEqualAsksWhetherTheOtherSuffices)
+TEST(BufferFormat, KeepsEachFieldInItsPlace)
 {
-    const krBufferFormat low = makeFormat(kLow, kLow, kLow, krBufferFormat::kSingleSample);
-    const krBufferFormat high = makeFormat(kHigh, kLow, kLow, krBufferFormat::kSingleSample);
-    EXPECT_TRUE(low.betterOrEqualThan(high));
-    EXPECT_FALSE(high.betterOrEqualThan(low));
-    EXPECT_TRUE(low.betterOrEqualThan(low));
+    const krBufferFormat format(krBufferFormat::kFixed8, krBufferFormat::kFixed16, krBufferFormat::kFixed24,
+                                krBufferFormat::kMultisample2, IHWTexture::kTexture3D);
+    EXPECT_EQ(format.colorRaster(), krBufferFormat::kFixed8);
+    EXPECT_EQ(format.secondRaster(), krBufferFormat::kFixed16);
+    EXPECT_EQ(format.thirdRaster(), krBufferFormat::kFixed24);
+    EXPECT_EQ(format.sampling(), krBufferFormat::kMultisample2);
+    EXPECT_EQ(format.textureType(), IHWTexture::kTexture3D);
 }
 
-TEST(BufferFormat, TextureTypeDistinguishesButDoesNotRank)
+TEST(PixelFormat, StorageIsNullOnlyWithoutPixelsOrBeyondAllMemory)
 {
-    const krBufferFormat flat(kLow, kHigh, kLow, krBufferFormat::kSingleSample, IHWTexture::kTexture2D);
-    const krBufferFormat cube(kLow, kHigh, kLow, krBufferFormat::kSingleSample, IHWTexture::kTextureCubeMap);
-    EXPECT_FALSE(flat == cube);
-    EXPECT_FALSE(flat.lessCapableThan(cube));
-    EXPECT_FALSE(cube.lessCapableThan(flat));
-    EXPECT_TRUE(flat == krBufferFormat(flat));
-}
-
-TEST(ColorFormat, StorageFailsClearly)
-{
+    const krSysPixelFormat plain(4, 14, 2);
     const krColorFormatRGBAFixed8 fixed8;
     const krColorFormatRGBAFloat rgbaFloat;
-    const unsigned sizes[][3] = {{0, 1, 1},           {1, 0, 1},
-                                 {1, 1, 0},           {0x10000, 0x4000, 1},
-                                 {0x8000, 0x8000, 2}, {0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF}};
-    for (const auto& size : sizes)
+    constexpr unsigned kMost = 0xFFFFFFFF;
+    struct Row
     {
-        EXPECT_EQ(fixed8.allocate(size[0], size[1], size[2]), nullptr);
-        EXPECT_EQ(rgbaFloat.allocate(size[0], size[1], size[2]), nullptr);
+        unsigned w, h, d;
+        bool ownStorage, plainStorage;
+    };
+    const Row rows[] = {{3, 5, 7, true, true},
+                        {1500, 1500, 1, true, true}, // large enough for huge pages
+                        {0, 1, 1, false, true},
+                        {1, 0, 1, false, true},
+                        {1, 1, 0, false, true},
+                        {kMost, kMost, 0, false, true},
+                        {kMost, kMost, 1, false, false},
+                        {0x80000000, 0x40000000, 1, false, false}, // 2^63 bytes, and 2^65
+                        {0x80010001, 0x7FFF0001, 1, false, false}, // 2^64 + 4 bytes
+                        {0x10000, 0x10000, kMost, false, false}};
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << row.w << " x " << row.h << " x " << row.d);
+        void* storage[] = {plain.allocate(row.w, row.h, row.d), fixed8.allocate(row.w, row.h, row.d),
+                           rgbaFloat.allocate(row.w, row.h, row.d)};
+        EXPECT_EQ(storage[0] != nullptr, row.plainStorage);
+        EXPECT_EQ(storage[1] != nullptr, row.ownStorage);
+        EXPECT_EQ(storage[2] != nullptr, row.ownStorage);
+        // Arrays return plain storage to the deallocate of any format.
+        rgbaFloat.deallocate(storage[0]);
+        fixed8.deallocate(storage[1]);
+        plain.deallocate(storage[2]);
     }
-    const krSysPixelFormat plain(8, 14, 2);
-    EXPECT_EQ(plain.allocate(0x8000, 0x4000, 1), nullptr) << "4 GB would wrap to nothing";
-    EXPECT_EQ(Memoryless().allocate(1, 1, 1), nullptr);
-    Memoryless().deallocate(nullptr);
+    const WithoutStorage none;
+    EXPECT_EQ(none.allocate(1, 1, 1), nullptr);
+    none.deallocate(nullptr);
 }
 
-TEST(ColorFormat, PlainStorageAndOwnStorageEndAlike)
+TEST(PixelFormat, StorageMayExceed32Bits)
 {
-    const krColorFormatRGBAFixed8 fixed8;
-    const krSysPixelFormat& plain = fixed8;
-    for (const unsigned size : {1U, 100U, 1500U}) // the largest takes the way of huge pages
-    {
-        auto* own = static_cast<unsigned char*>(fixed8.allocate(size, size, 1));
-        own[4 * size * size - 1] = 1;
-        plain.deallocate(own);
-        plain.deallocate(plain.allocate(size, size, 1));
-    }
+    void* sample = std::malloc(std::size_t{1} << 32);
+    if (!sample)
+        GTEST_SKIP() << "this machine has no 4 GiB to give";
+    std::free(sample);
+    const krColorFormatRGBAFixed8 format;
+    void* storage = format.allocate(0x10000, 0x4000, 1);
+    EXPECT_NE(storage, nullptr);
+    format.deallocate(storage);
 }
 
-TEST(ColorFormat, DefaultValueIsKept)
+TEST(ColorFormat, DefaultValueStartsAt0AndIsKept)
 {
-    krColorFormatRGBAFloat format;
-    float value[4] = {1, 1, 1, 1};
-    format.defaultValue(value);
-    EXPECT_EQ(value[0] + value[1] + value[2] + value[3], 0.0f);
-    const float orange[4] = {1, 0.5f, 0, 0.75f};
-    format.setDefaultValue(orange);
-    format.defaultValue(value);
-    EXPECT_TRUE(std::equal(orange, orange + 4, value));
+    expectDefaultValue<unsigned char>(krColorFormatRGBAFixed8());
+    expectDefaultValue<float>(krColorFormatRGBAFloat());
 }
 
 TEST(ConvertFromFloat, IsAThresholdAndNotAScale)
@@ -118,37 +142,29 @@ TEST(ConvertFromFloat, IsAThresholdAndNotAScale)
         float component;
         int byte;
     };
-    const Row rows[] = {{0, 0},
-                        {0.49f, 0},
-                        {std::nextafter(0.5f, 0.0f), 0},
-                        {0.5f, 255},
-                        {1, 255},
-                        {1.49f, 255},
-                        {1.5f, 254},
-                        {100, 156},
-                        {-1, 0},
-                        {-1.49f, 0},
-                        {-1.5f, 1},
-                        {-300, (299) & 0xFF},
-                        {8388607.5f, 0},
-                        {16777216, 0},
-                        {255.5f, 0},
-                        {2147483520.0f, 128},
-                        {4294967296.f, 0},
-                        {-1e30f, 0},
-                        {-4294967296.f, 255},
-                        {infinity, 0},
-                        {std::nanf(""), 0}};
+    const std::vector<Row> ordinary = {{0, 0},         {0.49f, 0}, {std::nextafter(0.5f, 0.0f), 0},
+                                       {0.5f, 255},    {1, 255},   {1.49f, 255},
+                                       {1.5f, 254},    {100, 156}, {-0.5f, 0},
+                                       {-1.49f, 0},    {-1.5f, 1}, {-300, 299 & 0xFF},
+                                       {8388607.5f, 0}};
+    const std::vector<Row> large = {{16777216, 0},        {2147483520.0f, 128}, {2147483648.0f, 0}, {4294967296.f, 0},
+                                    {-4294967296.f, 255}, {1e30f, 0},           {-1e30f, 0},        {infinity, 0},
+                                    {-infinity, 0},       {std::nanf(""), 0}};
+    // 17 pixels are a block of 64 components, computed at once where it has none too large, and 4 more.
     const krColorFormatRGBAFixed8 format;
-    for (unsigned width = 1; width < 12; ++width) // whatever way each position is computed
-        for (std::size_t shift = 0; shift < std::size(rows); ++shift)
+    for (std::size_t n = 0; n < large.size(); ++n)
+        for (const std::size_t position : {n, n + 50, std::size_t{64}})
         {
-            std::vector<float> src(std::size_t{4} * width);
+            std::vector<Row> rows(68);
+            std::vector<float> src(68);
+            for (std::size_t i = 0; i < 68; ++i)
+            {
+                rows[i] = i == position ? large[n] : ordinary[i % ordinary.size()];
+                src[i] = rows[i].component;
+            }
+            unsigned char* bytes = format.convertFromFloat(src.data(), 1, 17, 1);
             for (std::size_t i = 0; i < src.size(); ++i)
-                src[i] = rows[(i + shift) % std::size(rows)].component;
-            unsigned char* bytes = format.convertFromFloat(src.data(), 1, width, 1);
-            for (std::size_t i = 0; i < src.size(); ++i)
-                EXPECT_EQ(bytes[i], rows[(i + shift) % std::size(rows)].byte) << src[i];
+                EXPECT_EQ(bytes[i], rows[i].byte) << src[i] << " at " << i;
             format.deallocate(bytes);
         }
 }
@@ -160,8 +176,6 @@ TEST(ConvertFromFixed8, TakesTheMiddleOfEachStep)
         src[i] = static_cast<unsigned char>(i);
     const krColorFormatRGBAFloat format;
     float* pixels = format.convertFromFixed8(src.data(), 3, 5, 7);
-    EXPECT_NEAR(pixels[0], 0.00196, 0.00001);
-    EXPECT_NEAR(pixels[255], 1.00196, 0.00001);
     for (std::size_t i = 0; i < src.size(); ++i)
         EXPECT_EQ(pixels[i], static_cast<float>((src[i] + 0.5) / 255)) << i;
     format.deallocate(pixels);

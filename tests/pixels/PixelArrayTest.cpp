@@ -1,16 +1,26 @@
+#include <krender/core/Ref.h>
+#include <krender/pixels/Color.h>
+#include <krender/pixels/IBaseResource.h>
 #include <krender/pixels/IHWTexPlacement.h>
 #include <krender/pixels/IHWTexture.h>
+#include <krender/pixels/IPixelArray.h>
 #include <krender/pixels/PixelArray1D.h>
 #include <krender/pixels/PixelArray2D.h>
 #include <krender/pixels/PixelArray3D.h>
 #include <krender/pixels/PixelArrayCubeMap.h>
 #include <krender/pixels/krColorFormatRGBAFixed8.h>
 #include <krender/pixels/krColorFormatRGBAFloat.h>
+#include <krender/pixels/krSysPixelFormat.h>
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 #include <numeric>
+#include <string>
 #include <vector>
 
 namespace
@@ -18,31 +28,35 @@ namespace
 
 using Bytes = std::vector<unsigned char>;
 
-/// A format of a chosen pixel type that counts the images that it has handed out and taken back.
+/// How often operator new succeeds before memory ends; negative: always.
+int gAllocationsLeft = -1;
+
+/// A host's format of a chosen pixel type, which counts the images that it has handed out and taken back.
 template <class Format>
 class Counting : public Format
 {
 public:
     explicit Counting(std::int32_t pixelType) noexcept : Format(pixelType) {}
 
-    [[nodiscard]] void* allocate(unsigned w, unsigned h, unsigned d) const override
-    {
-        ++allocated;
-        return Format::allocate(w, h, d);
-    }
-    void deallocate(void* pixels) const override
+    void deallocate(void* pixels) override
     {
         ++released;
         Format::deallocate(pixels);
     }
+    [[nodiscard]] void* allocate(unsigned w, unsigned h, unsigned d) override
+    {
+        ++allocated;
+        return Format::allocate(w, h, d);
+    }
 
-    mutable int allocated = 0;
-    mutable int released = 0;
+    int allocated = 0;
+    int released = 0;
 };
 
 using CountingFixed8 = Counting<krColorFormatRGBAFixed8>;
 using CountingFloat = Counting<krColorFormatRGBAFloat>;
 
+/// Writes 0, 1, 2 and so on; under the address sanitizer this measures the storage.
 void fill(IPixelArray& array, unsigned pixelSize)
 {
     Bytes bytes(std::size_t{pixelSize} * array.width() * array.height() * array.depth());
@@ -56,20 +70,41 @@ Bytes contents(const PixelArray2D& array)
     return {bytes, bytes + std::size_t{array.pixelSize()} * array.width() * array.height()};
 }
 
-void expectShape(const IPixelArray& array, unsigned w, unsigned h, unsigned d)
+std::string shape(const IPixelArray& array)
 {
-    EXPECT_EQ(array.width(), w);
-    EXPECT_EQ(array.height(), h);
-    EXPECT_EQ(array.depth(), d);
-    EXPECT_EQ(array.data() != nullptr, w != 0);
-    EXPECT_EQ(array.ownsData(), w != 0);
+    return std::to_string(array.width()) + "x" + std::to_string(array.height()) + "x" + std::to_string(array.depth()) +
+           (array.data() ? " filled" : "") + (array.ownsData() ? " owner" : "");
+}
+
+std::string shape(IPixelArray&& array)
+{
+    if (array.data())
+        fill(array, 4);
+    return shape(array);
 }
 
 } // namespace
 
+// Not inline, or the compiler sees free() end what its own operator new began.
+[[gnu::noinline]] void* operator new(std::size_t size)
+{
+    void* storage = gAllocationsLeft != 0 ? std::malloc(size) : nullptr;
+    if (!storage)
+        throw std::bad_alloc();
+    if (gAllocationsLeft > 0)
+        --gAllocationsLeft;
+    return storage;
+}
+
+[[gnu::noinline]] void operator delete(void* storage) noexcept { std::free(storage); }
+
+[[gnu::noinline]] void operator delete(void* storage, std::size_t /*size*/) noexcept { std::free(storage); }
+
 TEST(Resource, AnswersOfTheBases)
 {
     auto* texture = new IHWTexture;
+    EXPECT_EQ(texture->ref(), 1) << "nobody held it before";
+    const auto owner = Ref<IHWTexture>::adopt(texture);
     EXPECT_TRUE(texture->lock(IBaseResource::kReadWrite, false));
     EXPECT_FALSE(texture->isLocked(IBaseResource::kReadWrite));
     EXPECT_EQ(texture->duplicate(true, true), nullptr);
@@ -78,64 +113,57 @@ TEST(Resource, AnswersOfTheBases)
     EXPECT_EQ(texture->importance(), 0U);
     texture->setImportance(3);
     EXPECT_EQ(texture->importance(), 3U);
-    EXPECT_EQ(texture->ref(), 1) << "nobody held it before";
-    EXPECT_EQ(texture->unref(), 0);
     EXPECT_TRUE(IHWTexPlacement().defaultColor.equivalent(krColor::Color::kCblack, 0));
 }
 
-TEST(PixelArray, EachKindHasItsShapeAndReleasesItsStorage)
+TEST(PixelArray, ShapesAndStorage)
 {
-    const CountingFixed8 format(14);
-    {
-        PixelArray1D line(format, 5);
-        PixelArray2D image(format, 4, 3);
-        PixelArray3D volume(format, 4, 3, 2);
-        PixelArrayCubeMap cube(format, 16, 16);
-        expectShape(line, 5, 1, 1);
-        expectShape(image, 4, 3, 1);
-        expectShape(volume, 4, 3, 2);
-        expectShape(cube, 16, 16, 6);
-        for (IPixelArray* array : {static_cast<IPixelArray*>(&line), static_cast<IPixelArray*>(&image),
-                                   static_cast<IPixelArray*>(&volume), static_cast<IPixelArray*>(&cube)})
-            fill(*array, 4); // under the address sanitizer this is what measures the storage
-    }
-    EXPECT_EQ(format.allocated, 0) << "arrays take the plain storage";
+    CountingFixed8 format(14);
+    EXPECT_EQ(shape(PixelArray1D(format, 5)), "5x1x1 filled owner");
+    EXPECT_EQ(shape(PixelArray2D(format, 4, 3)), "4x3x1 filled owner");
+    EXPECT_EQ(shape(PixelArray3D(format, 4, 3, 2)), "4x3x2 filled owner");
+    EXPECT_EQ(shape(PixelArrayCubeMap(format, 16, 15)), "16x15x6 filled owner");
     EXPECT_EQ(format.released, 4);
+    EXPECT_EQ(shape(PixelArray1D(format, 0)), "0x0x0");
+    EXPECT_EQ(shape(PixelArray2D(format, 0, 3)), "0x0x0");
+    EXPECT_EQ(shape(PixelArray2D(format, 3, 0)), "0x0x0");
+    EXPECT_EQ(shape(PixelArray3D(format, 3, 3, 0)), "0x0x0");
+    EXPECT_EQ(shape(PixelArrayCubeMap(format, 3, 0)), "0x0x0");
+    EXPECT_EQ(shape(PixelArray2D(format, 0xFFFFFFFF, 0xFFFFFFFF)), "4294967295x4294967295x1 owner") << "no memory";
+    EXPECT_EQ(format.released, 4) << "nothing to release";
+    EXPECT_EQ(format.allocated, 0) << "arrays take the plain storage";
 }
 
-TEST(PixelArray, SizesOfZeroAndSizesThatOverflowLeaveItEmpty)
+TEST(PixelArray, WithoutPixelsNothingHappens)
 {
-    const CountingFixed8 format(14);
+    const CountingFixed8 format(2);
+    PixelArray2D none;
+    const krSysPixelFormat unstorable(-1, 2, 2);
+    PixelArray2D noMemory(format, 0xFFFFFFFF, 0xFFFFFFFF);
+    PixelArray2D noPixelSize(unstorable, 3, 2);
+    EXPECT_EQ(none.pixelSize(), 0U);
+    EXPECT_EQ(none.pixelType(), 0);
+    for (PixelArray2D* array : {&none, &noMemory, &noPixelSize})
     {
-        expectShape(PixelArray1D(format, 0), 0, 0, 0);
-        expectShape(PixelArray2D(format, 0, 3), 0, 0, 0);
-        expectShape(PixelArray2D(format, 3, 0), 0, 0, 0);
-        expectShape(PixelArray2D(format, 0x10000, 0x10000), 0, 0, 0);
-        expectShape(PixelArray2D(format, 0x8000, 0x8000), 0, 0, 0);
-        expectShape(PixelArray3D(format, 3, 3, 0), 0, 0, 0);
-        expectShape(PixelArray3D(format, 0x1000, 0x1000, 0x1000), 0, 0, 0);
-        expectShape(PixelArrayCubeMap(format, 0x10000, 0x3000), 0, 0, 0);
-        PixelArray2D none;
-        expectShape(none, 0, 0, 0);
-        EXPECT_EQ(none.pixelSize(), 0U);
-        EXPECT_EQ(none.pixelType(), 0);
-        none.resize(3, 3);
-        EXPECT_FALSE(none.convertToNormalMap(1));
+        const std::string before = shape(*array);
+        array->copy(before.data(), 1);
+        EXPECT_FALSE(array->convertToNormalMap(1));
+        array->resize(3, 3);
+        EXPECT_EQ(shape(*array), before);
     }
-    EXPECT_EQ(format.released, 0);
+    EXPECT_EQ(shape(static_cast<const IPixelArray&>(PixelArray2D(noMemory))), "4294967295x4294967295x1");
 }
 
 TEST(PixelArray2D, CopyBetweenLikesLeavesThePixelsAndDisowns)
 {
-    const CountingFixed8 format(2);
+    CountingFixed8 format(2);
     {
         PixelArray2D from(format, 3, 3);
         PixelArray2D to(format, 3, 3);
         fill(from, 4);
         std::memset(to.data(), 200, 36);
         to.copy(from);
-        EXPECT_EQ(contents(to), Bytes(36, 200));
-        EXPECT_FALSE(to.ownsData());
+        EXPECT_EQ(shape(to), "3x3x1 filled");
         to.convertToNormalMap(1);
         EXPECT_EQ(contents(to), Bytes(36, 200)) << "what it does not own is not converted";
     }
@@ -144,94 +172,93 @@ TEST(PixelArray2D, CopyBetweenLikesLeavesThePixelsAndDisowns)
 
 TEST(PixelArray2D, CopyOfAnotherSizeTakesOnlyEightBytes)
 {
-    const CountingFixed8 fixed8(2);
-    const CountingFloat rgbaFloat(4);
+    CountingFixed8 fixed8(2);
+    CountingFloat rgbaFloat(4);
     {
-        PixelArray2D from(fixed8, 3, 2);
-        fill(from, 4);
-        PixelArray2D to(rgbaFloat, 3, 2); // another format counts as another size
+        PixelArray2D from(fixed8, 30, 20);
+        std::memset(from.data(), 77, 2400);
+        PixelArray2D to(rgbaFloat, 30, 20); // another format counts as another size
         to.copy(from);
         EXPECT_EQ(rgbaFloat.released, 1);
-        expectShape(to, 3, 2, 1);
         EXPECT_EQ(to.format(), &fixed8);
-        EXPECT_NE(to.data(), from.data());
-        EXPECT_EQ(std::memcmp(to.data(), from.data(), 8), 0);
-
-        const PixelArray2D constructed(from);
-        expectShape(constructed, 3, 2, 1);
-        EXPECT_EQ(std::memcmp(constructed.data(), from.data(), 8), 0);
+        PixelArray2D narrower(fixed8, 29, 20);
+        narrower.copy(from);
+        PixelArray2D lower(fixed8, 30, 19);
+        lower.copy(from);
+        PixelArray2D constructed(from);
+        for (PixelArray2D* array : {&to, &narrower, &lower, &constructed})
+        {
+            EXPECT_EQ(shape(*array), "30x20x1 filled owner");
+            EXPECT_EQ(std::memcmp(array->data(), from.data(), 8), 0);
+        }
+        EXPECT_NE(contents(constructed), contents(from)) << "the rest is what the memory held before";
 
         PixelArray2D pixel(fixed8, 1, 1); // less than 8 bytes
         fill(pixel, 4);
         EXPECT_EQ(contents(PixelArray2D(pixel)), (Bytes{0, 1, 2, 3}));
 
         to.copy(PixelArray2D());
-        expectShape(to, 0, 0, 0);
+        EXPECT_EQ(shape(to), "0x0x0");
         EXPECT_EQ(to.format(), nullptr);
     }
-    EXPECT_EQ(fixed8.released, 5) << "one for each array that had pixels";
+    EXPECT_EQ(fixed8.released, 9) << "one for each array that had pixels";
     EXPECT_EQ(fixed8.allocated, 0);
 }
 
-TEST(PixelArray2D, RoutinesGoByThePixelTypeAndNotByTheComponentCode)
+TEST(PixelArray2D, RoutinesGoByThePixelTypeAlone)
 {
-    const krColorFormatRGBAFixed8 builtIn;
-    PixelArray2D array(builtIn, 4, 4);
-    fill(array, 4);
-    const Bytes before = contents(array);
-    EXPECT_EQ(array.pixelType(), 14);
-    EXPECT_FALSE(array.convertToNormalMap(1));
-    array.resize(2, 2);
-    expectShape(array, 4, 4, 1);
-    EXPECT_EQ(contents(array), before);
-
-    const krSysPixelFormat stranger(4, 2, 2); // has the type, but none of the routines
-    PixelArray2D foreign(stranger, 4, 4);
-    fill(foreign, 4);
-    EXPECT_FALSE(foreign.convertToNormalMap(1));
-    foreign.resize(2, 2);
-    EXPECT_EQ(contents(foreign), before);
-}
-
-TEST(PixelArray2D, ConvertsAndResizesInEitherFormat)
-{
-    const CountingFixed8 fixed8(2);
-    const CountingFloat rgbaFloat(4);
+    const Bytes flat = {127, 127, 255, 255};
+    const Bytes flatFloat = {0, 0, 0, 0x3F}; // 0.5f
+    const Bytes same(4, 60);
+    const auto expectRoutines =
+        [](const krSysPixelFormat& format, unsigned w, unsigned h, const Bytes& firstNormal, const char* resized)
     {
-        PixelArray2D bytes(fixed8, 4, 4);
-        fill(bytes, 4);
-        bytes.resize(2, 2);
-        expectShape(bytes, 2, 2, 1);
-        EXPECT_EQ(fixed8.allocated, 1);
-        EXPECT_EQ(fixed8.released, 1);
-        EXPECT_EQ(contents(bytes)[4], (4 + 8) / 2);
-        EXPECT_FALSE(bytes.convertToNormalMap(0));
-        EXPECT_EQ(contents(bytes), (Bytes{127, 127, 255, 255, 6, 127, 255, 255, 127, 127, 255, 255, 6, 127, 255, 255}));
-        bytes.resize(0, 5);
-        expectShape(bytes, 2, 2, 1);
-
-        PixelArray2D floats(rgbaFloat, 4, 4);
-        const std::vector<float> levels(64, 0.5f);
-        floats.copy(levels.data(), 16);
-        EXPECT_FALSE(floats.convertToNormalMap(0));
-        EXPECT_EQ(static_cast<const float*>(floats.data())[2], 1.0f);
-        floats.resize(8, 1);
-        expectShape(floats, 8, 1, 1);
-    }
+        PixelArray2D array(format, w, h);
+        std::memset(array.data(), 60, std::size_t{array.pixelSize()} * w * h);
+        EXPECT_EQ(array.pixelType(), format.pixelType());
+        EXPECT_FALSE(array.convertToNormalMap(0));
+        EXPECT_EQ(std::memcmp(array.data(), firstNormal.data(), firstNormal.size()), 0) << array.pixelType();
+        array.resize(0, 1);
+        array.resize(w, h);
+        array.resize(2, 1);
+        EXPECT_EQ(shape(array), resized) << array.pixelType();
+    };
+    CountingFixed8 fixed8(2);
+    expectRoutines(fixed8, 4, 3, flat, "2x1x1 filled owner");
+    EXPECT_EQ(fixed8.allocated, 1) << "the virtual allocate";
     EXPECT_EQ(fixed8.released, 2);
-    EXPECT_EQ(rgbaFloat.released, 2);
+    expectRoutines(CountingFloat(4), 4, 3, flatFloat, "2x1x1 filled owner");
+    expectRoutines(krSysPixelFormat(4, 2, 4), 4, 3, flat, "2x1x1 filled owner");
+    expectRoutines(krSysPixelFormat(16, 4, 2), 4, 3, flatFloat, "2x1x1 filled owner");
+    expectRoutines(krSysPixelFormat(4, 2, 4), 4, 1, same, "2x1x1 filled owner"); // nothing ahead of it to read
+    expectRoutines(krSysPixelFormat(4, 2, 4), 1, 4, same, "2x1x1 filled owner");
+    expectRoutines(krColorFormatRGBAFixed8(), 4, 3, same, "4x3x1 filled owner");
+    expectRoutines(krSysPixelFormat(4, 3, 2), 4, 3, same, "4x3x1 filled owner");
+    expectRoutines(krSysPixelFormat(3, 2, 2), 4, 3, same, "4x3x1 filled owner"); // pixels too small
+    expectRoutines(krSysPixelFormat(15, 4, 4), 4, 3, same, "4x3x1 filled owner");
 }
 
-TEST(PixelArray2D, SingleRowsAndColumnsAreNotConverted)
+TEST(PixelArray2D, ResizeWithoutMemoryChangesNothing)
 {
-    const CountingFixed8 format(2);
-    const unsigned sizes[][2] = {{4, 1}, {1, 4}};
-    for (const auto& size : sizes)
+    CountingFixed8 fixed8(2);
+    CountingFloat rgbaFloat(4);
+    for (krSysPixelFormat* format :
+         {static_cast<krSysPixelFormat*>(&fixed8), static_cast<krSysPixelFormat*>(&rgbaFloat)})
     {
-        PixelArray2D array(format, size[0], size[1]);
-        fill(array, 4);
+        PixelArray2D array(*format, 4, 2);
+        fill(array, array.pixelSize());
         const Bytes before = contents(array);
-        EXPECT_FALSE(array.convertToNormalMap(1)); // under the address sanitizer: nothing ahead of them is read
-        EXPECT_EQ(contents(array), before);
+        for (int allocations = 0; array.width() == 4; ++allocations)
+        {
+            ASSERT_EQ(contents(array), before);
+            gAllocationsLeft = allocations;
+            array.resize(2, 2);
+            gAllocationsLeft = -1;
+        }
+        EXPECT_EQ(shape(array), "2x2x1 filled owner");
     }
+    EXPECT_GT(fixed8.allocated, 3);
+    EXPECT_EQ(fixed8.released, fixed8.allocated + 1) << "those of failed attempts too";
+    EXPECT_GT(rgbaFloat.allocated, 3);
+    EXPECT_EQ(rgbaFloat.released, rgbaFloat.allocated + 1);
 }

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <string_view>
+
 using krString::CString;
 
 TEST(CString, TakesNullForEmpty)

@@ -1,5 +1,7 @@
 #include "Canvas.h"
 
+#include "Scenes.h"
+
 #include <epoxy/egl.h>
 #include <epoxy/gl.h>
 
@@ -8,8 +10,11 @@
 #include <cstdlib>
 #include <functional>
 #include <map>
+#include <memory>
 #include <numeric>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 
 namespace
 {
@@ -35,6 +40,10 @@ std::string plainName(std::string name)
     if (name.starts_with("IN_"))
         name.erase(0, 3);
     name.erase(0, name.find('.') + 1);
+    constexpr std::string_view kHiddenPrefix =
+        "krslc_"; // which the Cg check puts ahead of a word that its reader reserves
+    if (const std::size_t hidden = name.find(kHiddenPrefix); hidden != std::string::npos)
+        name.erase(0, hidden + kHiddenPrefix.size());
     return name.substr(name.starts_with('_')); // which a decompiler puts ahead of a word that GLSL reserves
 }
 
@@ -196,12 +205,12 @@ std::vector<float> stream(const std::string& name)
 std::vector<GLuint> triangles()
 {
     std::vector<GLuint> indices;
-    constexpr GLuint row = kSlices + 1;
+    constexpr GLuint kRow = kSlices + 1;
     for (GLuint stack = 0; stack < kStacks; ++stack)
         for (GLuint slice = 0; slice < kSlices; ++slice)
         {
-            const GLuint a = stack * row + slice;
-            indices.insert(indices.end(), {a, a + 1, a + row, a + 1, a + row + 1, a + row});
+            const GLuint a = stack * kRow + slice;
+            indices.insert(indices.end(), {a, a + 1, a + kRow, a + 1, a + kRow + 1, a + kRow});
         }
     return indices;
 }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <map>
+#include <vector>
 
 /// A small picture drawn by the system's OpenGL, without a window. It shows a sphere, with the same values for everything
 /// that a program asks for by name, so that two programs can be compared.

@@ -1,10 +1,18 @@
 // What the golden programs do not show: specs that a host has built itself.
 #include "Scenes.h"
 
+#include <krender/platform/String.h>
+#include <krender/shadergen/CgMaterialCompiler.h>
+#include <krender/shadergen/GlslMaterialCompiler.h>
+#include <krender/shadergen/LightSpec.h>
+#include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -42,6 +50,7 @@ struct Target
     const char* name;
     scenes::Compile compiler;
     const char* result;
+    friend std::ostream& operator<<(std::ostream& out, const Target& target) { return out << target.name; }
 };
 
 class EachTarget : public testing::TestWithParam<Target>

@@ -1,10 +1,22 @@
 #include "Canvas.h"
 #include "FrontEnds.h"
+#include "Scenes.h"
+
+#include <krender/shadergen/CgMaterialCompiler.h>
+#include <krender/shadergen/GlslMaterialCompiler.h>
+#include <krender/shadergen/Target.h>
+
+#include <krender/frontend/Program.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 using Pixels = std::vector<std::uint8_t>;
 
@@ -19,14 +31,23 @@ int largestDifference(const Pixels& a, const Pixels& b)
     return largest;
 }
 
+/// The pixels in which two pictures differ by more than rounding does.
+long differentPixels(const Pixels& a, const Pixels& b)
+{
+    long count = 0;
+    for (std::size_t i = 0; i < a.size(); i += 4)
+        count += std::equal(&a[i], &a[i] + 4, &b[i], [](int x, int y) { return std::abs(x - y) <= 2; }) ? 0 : 1;
+    return count;
+}
+
 class DrawnMaterial : public testing::TestWithParam<std::string>
 {
 protected:
     Pixels drawGlsl()
     {
         scenes::Programs programs = scenes::compileShipped(compileMaterialToGlsl, GetParam(), 3);
-        programs.vertex.insert(0, frontends::kGlslPreamble);
-        programs.fragment.insert(0, frontends::kGlslPreamble);
+        programs.vertex.insert(0, findTarget("glsl")->preamble);
+        programs.fragment.insert(0, findTarget("glsl")->preamble);
         return fCanvas.draw(programs);
     }
 
@@ -67,3 +88,34 @@ TEST_P(DrawnMaterial, ShowsADifferenceBetweenTheTargets)
                                        "OUT.gWorldNormal = mul(objToWorldMatrix")),
         1);
 }
+
+class DrawnFullMaterial : public testing::TestWithParam<std::string>
+{
+};
+
+// A step in a material magnifies the last bit, in which the targets may differ.
+TEST_P(DrawnFullMaterial, LooksTheSameInBothTargets)
+{
+    const auto shipped = [](const std::string& file) { return krFrontend::Module::readFile(KRENDER_SHARE "/" + file); };
+    const krFrontend::Module material = shipped("materials/" + GetParam() + ".krs");
+    const krFrontend::Module library = shipped("stdlib.krs");
+    const krFrontend::ProgramRequest request{
+        &material, "", {{&library, "pointLight", "key"}, {&library, "ambientLight", "room"}}, false};
+    Canvas canvas;
+    std::vector<Pixels> pictures;
+    for (const Target& target : targets())
+    {
+        std::vector<krFrontend::ProgramDiagnostic> problems;
+        const auto program = krFrontend::compileProgram(request, target, problems);
+        ASSERT_TRUE(program) << target.name;
+        const std::string preamble(target.preamble);
+        pictures.push_back(
+            canvas.draw(target.language == TargetLanguage::Cg
+                            ? frontends::cgAsGlsl({program->vertex, program->fragment})
+                            : scenes::Programs{preamble + program->vertex, preamble + program->fragment}));
+    }
+    EXPECT_LE(differentPixels(pictures.front(), pictures.back()), Canvas::kSize * Canvas::kSize / 200);
+}
+
+INSTANTIATE_TEST_SUITE_P(Shipped, DrawnFullMaterial, testing::ValuesIn(scenes::fullNamesIn("materials")),
+                         [](const auto& test) { return test.param; });

@@ -1,6 +1,16 @@
 #include "FrontEnds.h"
 
+#include "Scenes.h"
+
+#include <krender/frontend/Program.h>
+#include <krender/shadergen/CgMaterialCompiler.h>
+#include <krender/shadergen/GlslMaterialCompiler.h>
+
 #include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <vector>
 
 using scenes::Programs;
 
@@ -27,7 +37,7 @@ const Fault kGlslFaults[] = {
     {"lost type name", kFragment, "#define float3 vec3\n", ""},
     {"too few components", kFragment, "gWorldNormal = var_gWorldNormal", "gWorldNormal = var_gWorldNormal.xy"},
     {"undeclared input", kVertex, "\tattribute vec3 gObjTangent;\n", ""},
-    {"stages that disagree", kVertex, "varying vec3 var_gWorldTangent;", "varying vec4 var_gWorldTangent;"},
+    {"stages that disagree", kVertex, "void main()", "uniform float gEyePos;\nvoid main()"},
 };
 
 const Fault kCgFaults[] = {
@@ -45,7 +55,7 @@ const Fault kCgFaults[] = {
     {"comma before the parenthesis", kFragment, "vert2frag IN)", "vert2frag IN,)"},
     {"lost parameter", kFragment, "uniform float4 gEyePos,", "uniform float4 gEyePos,,"},
     {"no colour", kFragment, ") : COLOR\n", ")\n"},
-    {"stages that disagree", kVertex, "\tfloat3 gWorldPos", "\tfloat4 gWorldPos"},
+    {"structs that disagree", kVertex, "\tfloat3 gObjTangent", "\tfloat4 gObjTangent"},
 };
 
 class ShippedPrograms : public testing::TestWithParam<std::string>
@@ -80,6 +90,17 @@ TEST_P(ShippedPrograms, AreGlsl) { areAcceptedUnlessFaulty(compileMaterialToGlsl
 
 TEST_P(ShippedPrograms, AreCg) { areAcceptedUnlessFaulty(compileMaterialToCg, frontends::cgFaults, kCgFaults); }
 
+TEST(CgInputs, HaveSemanticsOfTheirOwn)
+{
+    const scenes::Spec spec =
+        scenes::parse("material m(vertex float2 a, vertex float2 b, out float4 c) { outRGBA.xy = a + b; }");
+    Programs programs = scenes::compile(compileMaterialToCg, *spec, nullptr);
+    EXPECT_EQ(frontends::cgFaults(programs), "");
+    for (std::string* program : {&programs.vertex, &programs.fragment})
+        EXPECT_TRUE(scenes::replaceFirst(*program, "b\t\t: TEXCOORD2", "b\t\t: TEXCOORD1"));
+    EXPECT_NE(frontends::cgFaults(programs), "");
+}
+
 TEST(CgOverflow, StopsTheCompiler)
 {
     const scenes::Spec crowded = scenes::parse("material m(vertex float4 a, vertex float4 b, vertex float4 d, "
@@ -89,3 +110,31 @@ TEST(CgOverflow, StopsTheCompiler)
     EXPECT_NE(frontends::cgFaults({programs.vertex, ""}), frontends::cgFaults({"", ""}));
     EXPECT_NE(frontends::cgFaults(programs), "");
 }
+
+class FullMaterial : public testing::TestWithParam<std::string>
+{
+};
+
+TEST_P(FullMaterial, IsAcceptedWithEveryLight)
+{
+    const auto shipped = [](const std::string& file) { return krFrontend::Module::readFile(KRENDER_SHARE "/" + file); };
+    const krFrontend::Module material = shipped("materials/" + GetParam() + ".krs");
+    for (const std::string& name : scenes::fullNamesIn("lights"))
+    {
+        const krFrontend::Module library = shipped("lights/" + name + ".krs");
+        const krFrontend::ProgramRequest request{
+            &material, "", {{&library, name + "Light", "first"}, {&library, name + "Light", "second"}}, false};
+        for (const Target& target : targets())
+        {
+            std::vector<krFrontend::ProgramDiagnostic> problems;
+            const auto program = krFrontend::compileProgram(request, target, problems);
+            ASSERT_TRUE(program && problems.empty()) << name << " for " << target.name;
+            const bool isCg = target.language == TargetLanguage::Cg;
+            EXPECT_EQ((isCg ? frontends::cgFaults : frontends::glslFaults)({program->vertex, program->fragment}), "")
+                << name << " for " << target.name;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Materials, FullMaterial, testing::ValuesIn(scenes::fullNamesIn("materials")),
+                         [](const auto& test) { return test.param; });

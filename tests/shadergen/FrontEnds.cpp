@@ -1,19 +1,24 @@
 #include "FrontEnds.h"
 
-#include "cg/CgText.h"
+#include <common/Findings.h>
+#include <common/Source.h>
+#include <validation/CgReader.h>
+#include <validation/CgValidator.h>
+#include <validation/GlslValidator.h>
+#include <validation/PairFindings.h>
 
-#include <glslang/Public/ResourceLimits.h>
-#include <glslang/Public/ShaderLang.h>
 #include <glslang/SPIRV/GlslangToSpv.h>
-#include <spirv-tools/libspirv.hpp>
+#include <unistd.h>
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <regex>
-#include <unistd.h>
+#include <vector>
 
 namespace frontends
 {
@@ -21,23 +26,21 @@ namespace frontends
 namespace
 {
 
-/// glslang's process-wide tables, made when first needed.
-class Process
-{
-public:
-    static void need() { static const Process process; }
+using Validator = krTools::PairFindings (*)(const krTools::Source&, const krTools::Source&);
 
-private:
-    Process() { glslang::InitializeProcess(); }
-    ~Process() { glslang::FinalizeProcess(); }
-};
-
-/// What a front end made of one HLSL program.
-struct Compiled
+std::string faults(Validator validate, const scenes::Programs& programs)
 {
-    std::string faults;
-    std::vector<std::uint32_t> code;
-};
+    const krTools::PairFindings findings =
+        validate(krTools::Source("vertex", programs.vertex), krTools::Source("fragment", programs.fragment));
+    std::string text;
+    for (const krTools::Findings& program : {findings.vertex, findings.fragment})
+        for (const krTools::Finding& finding : program.kept())
+            if (finding.severity == krTools::Severity::Error)
+                text += finding.text + '\n';
+    for (const std::string& error : findings.pair)
+        text += error + '\n';
+    return text;
+}
 
 /// Gives the "%" of ints the sign of the dividend, as Cg and HLSL have it: glslang takes the sign of the divisor.
 void mendRemainders(std::vector<std::uint32_t>& code)
@@ -50,50 +53,15 @@ void mendRemainders(std::vector<std::uint32_t>& code)
             code[i] -= kSMod - kSRem;
 }
 
-Compiled compileHlsl(EShLanguage stage, const std::string& source)
+std::vector<std::uint32_t> codeOf(EShLanguage stage, const std::string& program)
 {
-    Process::need();
-    const char* text = source.c_str();
-    glslang::TShader shader(stage);
-    shader.setStrings(&text, 1);
-    shader.setEntryPoint("main");
-    shader.setSourceEntryPoint("main");
-    shader.setEnvInput(glslang::EShSourceHlsl, stage, glslang::EShClientVulkan, 100);
-    shader.setEnvClient(glslang::EShClientVulkan, glslang::EShTargetVulkan_1_0);
-    shader.setEnvTarget(glslang::EShTargetSpv, glslang::EShTargetSpv_1_0);
-    shader.setAutoMapBindings(true);
-    shader.setAutoMapLocations(true);
-    const auto messages =
-        static_cast<EShMessages>(EShMsgSpvRules | EShMsgVulkanRules | EShMsgReadHlsl | EShMsgHlslDX9Compatible);
-    glslang::TProgram program;
-    program.addShader(&shader);
-    if (!shader.parse(GetDefaultResources(), 500, false, messages))
-        return {shader.getInfoLog(), {}};
-    if (!program.link(messages) || !program.mapIO())
-        return {program.getInfoLog(), {}};
-
-    Compiled compiled;
-    glslang::GlslangToSpv(*program.getIntermediate(stage), compiled.code);
-    mendRemainders(compiled.code);
-    spvtools::SpirvTools tools(SPV_ENV_VULKAN_1_0);
-    tools.SetMessageConsumer([&](spv_message_level_t, const char*, const spv_position_t&, const char* message)
-                             { compiled.faults += std::string(message) + '\n'; });
-    if (!tools.Validate(compiled.code) && compiled.faults.empty())
-        compiled.faults = "invalid code";
-    return compiled;
-}
-
-std::string adapterPart(const char* name) { return scenes::readFile(std::string(KRENDER_CG_ADAPTER "/") + name); }
-
-Compiled compileCgVertex(const std::string& program)
-{
-    return compileHlsl(EShLangVertex, adapterPart("prologue.hlsl") + "#define main cgMain\n#define uniform\n#line 1\n" +
-                                          program + "\n#undef main" + adapterPart("vertex_end.hlsl"));
-}
-
-Compiled compileCgFragment(const std::string& program)
-{
-    return compileHlsl(EShLangFragment, adapterPart("prologue.hlsl") + "#line 1\n" + program);
+    krTools::CgReader reader(stage);
+    krTools::Findings findings;
+    std::vector<std::uint32_t> code;
+    if (reader.read(krTools::Source("program", program), findings))
+        glslang::GlslangToSpv(reader.tree(), code);
+    mendRemainders(code);
+    return code;
 }
 
 /// Turns code back into GLSL with the spirv-cross program.
@@ -129,34 +97,9 @@ std::string nameUniforms(const std::string& program, const std::string& name)
 
 } // namespace
 
-std::string glslFaults(const scenes::Programs& programs)
-{
-    Process::need();
-    glslang::TShader vertex(EShLangVertex);
-    glslang::TShader fragment(EShLangFragment);
-    glslang::TProgram program;
-    std::string faults;
-    const auto add = [&](glslang::TShader& shader, const std::string& text)
-    {
-        const std::string whole = kGlslPreamble + text;
-        const char* source = whole.c_str();
-        shader.setStrings(&source, 1);
-        if (!shader.parse(GetDefaultResources(), 110, false, EShMsgDefault))
-            faults += shader.getInfoLog();
-        program.addShader(&shader);
-    };
-    add(vertex, programs.vertex);
-    add(fragment, programs.fragment);
-    if (faults.empty() && !program.link(EShMsgDefault))
-        faults = program.getInfoLog();
-    return faults;
-}
+std::string glslFaults(const scenes::Programs& programs) { return faults(krTools::validateGlsl, programs); }
 
-std::string cgFaults(const scenes::Programs& programs)
-{
-    return cgTextFaults(programs) + compileCgVertex(programs.vertex).faults +
-           compileCgFragment(programs.fragment).faults;
-}
+std::string cgFaults(const scenes::Programs& programs) { return faults(krTools::validateCg, programs); }
 
 scenes::Programs cgAsGlsl(const scenes::Programs& programs)
 {
@@ -164,8 +107,8 @@ scenes::Programs cgAsGlsl(const scenes::Programs& programs)
     const std::regex leaving(R"(\b_entryPointOutput_)");
     const std::regex entering(R"(\bIN_(?!\d))"); // IN_1 is an input that was called IN
     return {
-        std::regex_replace(nameUniforms(decompile(compileCgVertex(programs.vertex).code), "inVertex"), leaving, "to_"),
-        std::regex_replace(nameUniforms(decompile(compileCgFragment(programs.fragment).code), "inFragment"), entering,
+        std::regex_replace(nameUniforms(decompile(codeOf(EShLangVertex, programs.vertex)), "inVertex"), leaving, "to_"),
+        std::regex_replace(nameUniforms(decompile(codeOf(EShLangFragment, programs.fragment)), "inFragment"), entering,
                            "to_")};
 }
 

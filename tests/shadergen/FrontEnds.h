@@ -1,19 +1,16 @@
 #pragma once
 #include "Scenes.h"
 
-#include <cstdint>
+#include <string>
 
-/// Real compilers' front ends for the programs of both targets.
+/// Compilers' front ends for the programs of both targets.
 namespace frontends
 {
-
-/// The lines that a GLSL host puts ahead of a program.
-inline constexpr const char* kGlslPreamble = "#version 120\n#define vec1 float\n";
 
 /// What is wrong with a pair of GLSL programs, compiled and linked; empty when nothing is.
 [[nodiscard]] std::string glslFaults(const scenes::Programs& programs);
 
-/// What is wrong with a pair of Cg programs; empty when nothing is. See cg/README.md for what this sees and what not.
+/// What is wrong with a pair of Cg programs; empty when nothing is.
 [[nodiscard]] std::string cgFaults(const scenes::Programs& programs);
 
 /// A pair of correct Cg programs as GLSL 1.20, version line included. Per-vertex inputs are called IN_ and their name,

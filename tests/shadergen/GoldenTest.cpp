@@ -1,10 +1,17 @@
 #include "Scenes.h"
 
+#include <krender/platform/String.h>
+#include <krender/shadergen/CgMaterialCompiler.h>
+#include <krender/shadergen/GlslMaterialCompiler.h>
+#include <krender/shadergen/LightSpec.h>
+#include <krender/shading/ShadingNodeSpec.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <set>
 #include <sstream>
 #include <string>

@@ -1,6 +1,11 @@
 #include <krender/shadergen/InterpolantBank.h>
 
+#include <krender/platform/String.h>
+
 #include <gtest/gtest.h>
+
+#include <array>
+#include <string>
 
 namespace
 {
@@ -41,6 +46,8 @@ TEST(InterpolantBank, ReservedRegistersAreNeitherTakenNorDeclared)
     InterpolantBank bank(4, true);
     bank.interpolant(0).reserve(true, false, false, false);
     bank.interpolant(1).reserve(true, true, true, false);
+    bank.interpolant(1).reserve(false, false, false, false);
+    EXPECT_EQ(bank.interpolant(1).freeComponents(), 1u) << "reserving frees nothing";
     EXPECT_STREQ(completeInterpolantsGeneration(bank).asChar(), "};\n\n");
     EXPECT_EQ(addresses(bank, {1, 4}), "2.x 3.xyzw");
     EXPECT_STREQ(completeInterpolantsGeneration(bank).asChar(),

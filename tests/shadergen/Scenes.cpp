@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <string_view>
 
 namespace scenes
 {
@@ -37,16 +38,21 @@ private:
     ~Library() { krShadingDag::ShadingNodeSpec::clearLibrary(); }
 };
 
-} // namespace
-
-std::vector<std::string> materialNames()
+std::vector<std::string> namesIn(const std::string& folder, bool thatInclude)
 {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(KRENDER_SHARE "/materials"))
-        names.push_back(entry.path().stem());
+    for (const auto& entry : std::filesystem::directory_iterator(KRENDER_SHARE "/" + folder))
+        if ((readFile(entry.path()).find("#include") != std::string::npos) == thatInclude)
+            names.push_back(entry.path().stem());
     std::sort(names.begin(), names.end());
     return names;
 }
+
+} // namespace
+
+std::vector<std::string> materialNames() { return namesIn("materials", false); }
+
+std::vector<std::string> fullNamesIn(const std::string& folder) { return namesIn(folder, true); }
 
 Spec parse(const std::string& source)
 {

@@ -1,6 +1,7 @@
 #pragma once
-#include <krender/shadergen/CgMaterialCompiler.h>
-#include <krender/shadergen/GlslMaterialCompiler.h>
+#include <krender/platform/String.h>
+#include <krender/shadergen/LightSpec.h>
+#include <krender/shading/ShadingNodeSpec.h>
 
 #include <memory>
 #include <string>
@@ -12,8 +13,10 @@ namespace scenes
 
 using Spec = std::unique_ptr<krShadingDag::ShadingNodeSpec>;
 
-/// The names of the materials in share/krender/materials, sorted.
+/// The names of the materials in share/krender/materials that are plain KRSL, sorted: those that include nothing.
 [[nodiscard]] std::vector<std::string> materialNames();
+/// The names of the sources in a folder of share/krender that are full KRSL, sorted: those that include others.
+[[nodiscard]] std::vector<std::string> fullNamesIn(const std::string& folder);
 
 /// One function from a text; ends the program with the parser's message when it does not parse.
 [[nodiscard]] Spec parse(const std::string& source);

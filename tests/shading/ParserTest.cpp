@@ -1,12 +1,24 @@
 #include <krender/core/Exception.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/FunctionType.h>
+#include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
+#include <krender/shading/ShadingParserLimits.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
+#include <krender/shading/Token.h>
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <ostream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 using namespace krShadingDag;
 
@@ -61,8 +73,11 @@ std::string tree(const StatementCompound& list)
 
 struct Header
 {
+    const char* name;
     const char* source;
     const char* expected;
+
+    friend std::ostream& operator<<(std::ostream& out, const Header& row) { return out << row.name; }
 };
 class ParserReadsHeader : public testing::TestWithParam<Header>
 {
@@ -73,6 +88,8 @@ struct Rejected
     const char* fault;
     const char* source;
     const char* message;
+
+    friend std::ostream& operator<<(std::ostream& out, const Rejected& row) { return out << row.fault; }
 };
 class ParserRejects : public testing::TestWithParam<Rejected>
 {
@@ -83,6 +100,8 @@ struct Body
     const char* name;
     const char* source;
     const char* tree;
+
+    friend std::ostream& operator<<(std::ostream& out, const Body& row) { return out << row.name; }
 };
 class ParserReadsBody : public testing::TestWithParam<Body>
 {
@@ -95,20 +114,33 @@ TEST_P(ParserReadsHeader, IntoTypedAttributes) { EXPECT_EQ(header(*parse(GetPara
 INSTANTIATE_TEST_SUITE_P(
     Headers, ParserReadsHeader,
     testing::Values(
-        Header{"float f(float a);", "f(float a 1:4) -> float output 1:4"},
-        Header{"uniform:vertex float3 g(out vertex float3 p, float q);",
+        Header{"Plain", "float f(float a);", "f(float a 1:4) -> float output 1:4"},
+        Header{"Ranges", "uniform:vertex float3 g(out vertex float3 p, float q);",
                "g(float q 1:4) -> float3 output 2:3 float3 p 3:3"},
-        Header{"fragment:uniform float h(float a);", "h(float a 1:4) -> float output 0:0"}, // reversed is empty
-        Header{"void f(out float r);", "f() -> float r 1:4"},
-        Header{"material m(uniform sampler2D t out float4 c);", "m(sampler2D t 2:2) -> float4 c 1:4"},
-        Header{"regular r(out float4 c,);", "r() -> float4 c 1:4"},
-        Header{"float f(float a float b, constant int c);",
+        Header{"RangeOfOne", "uniform:uniform float f(constant:constant float a);",
+               "f(float a 1:1) -> float output 2:2"},
+        Header{"ReversedRangeIsEmpty", "fragment:uniform float h(float a);", "h(float a 1:4) -> float output 0:0"},
+        Header{"VoidWithAnOutput", "void f(out float r);", "f() -> float r 1:4"},
+        Header{"Material", "material m(uniform sampler2D t out float4 c);", "m(sampler2D t 2:2) -> float4 c 1:4"},
+        Header{"Light", "light l(out float4 c);", "l() -> float4 c 1:4"},
+        Header{"Displacement", "displacement d(out float4 c);", "d() -> float4 c 1:4"},
+        Header{"RegularAndACommaTooMany", "regular r(out float4 c,);", "r() -> float4 c 1:4"},
+        Header{"MissingComma", "float f(float a float b, constant int c);",
                "f(float a 1:4, float b 1:4, int c 1:1) -> float output 1:4"},
-        Header{"float operator+(float a, float b);", "operator+(float a 1:4, float b 1:4) -> float output 1:4"},
-        Header{"float operator[](float3 v);", "operator[](float3 v 1:4) -> float output 1:4"},
-        Header{"float3 operator float(float v);", "float3(float v 1:4) -> float3 output 1:4"}, // named by its result
-        Header{"float operator vertex(float v);", "vertex(float v 1:4) -> float output 1:4"},
-        Header{"float /* c */  f(float a); ignored", "f(float a 1:4) -> float output 1:4"}));
+        Header{"ConversionIsNamedByItsResult", "float3 operator float(float v);",
+               "float3(float v 1:4) -> float3 output 1:4"},
+        Header{"CommentsAndARest", "float /* c */  f(float a); ignored", "f(float a 1:4) -> float output 1:4"}));
+
+TEST(ParserReadsHeader, NamesOfOperators)
+{
+    for (const char* symbol :
+         {"+", "-", "*", "/", "%", "==", "!=", ">", "<", ">=", "<=", "||", "&&", "++", "--", "!", "@", "[]"})
+        EXPECT_EQ(header(*parse(std::string("float operator ").append(symbol).append("(float v);"))),
+                  std::string("operator").append(symbol).append("(float v 1:4) -> float output 1:4"));
+    for (const char* keyword : {"constant", "uniform", "vertex", "fragment"})
+        EXPECT_STREQ(parse(std::string("float operator ").append(keyword).append("(float v);"))->name().asChar(),
+                     keyword);
+}
 
 TEST_P(ParserRejects, WithItsMessage)
 {
@@ -127,10 +159,14 @@ INSTANTIATE_TEST_SUITE_P(
         Rejected{"NoMaximum", "uniform: float h(float a);", "error Expected maximum frequency specifier.\n"},
         Rejected{"UnknownReturn", "color f(float a);", "error Unrecognized return data type or shader type: color\n"},
         Rejected{"TextureShader", "texture2D f(out float a);", "error Shader type is not allowed in KRSL: texture2D\n"},
+        Rejected{"VolumeTextureShader", "texture3D f(out float a);",
+                 "error Shader type is not allowed in KRSL: texture3D\n"},
         Rejected{"NoName", "float (float a);", "error Invalid function name\n"},
         Rejected{"AssignmentOperator", "float operator=(float a);", "error Expected valid operator symbol\n"},
         Rejected{"HalfIndexOperator", "float operator[(float a);", "error Expected ']'\n"},
         Rejected{"NoParenthesis", "float f;", "error Expected '('\n"},
+        Rejected{"InvalidTypesName", "invalidType! f(out float a);",
+                 "error Unrecognized return data type or shader type: invalidType\n"},
         Rejected{"VoidArgument", "float f(void a);", "error Not a valid data type: void\n"},
         Rejected{"UnclosedArguments", "float f(float a;", "error Not a valid data type: ;\n"},
         Rejected{"NamelessArgument", "float f(float, float b);", "error Expected argument name: ,\n"},
@@ -142,6 +178,8 @@ INSTANTIATE_TEST_SUITE_P(
                  "error Expected close-parentheses after if statement\n"},
         Rejected{"ConditionCutByTheEnd", "float f(float a) { if (a }",
                  "error Expected close-parentheses after if statement\n"},
+        Rejected{"ConditionWithoutEnd", "float f(float a) { if (a,",
+                 "error Expected close-parentheses after if statement\n"},
         Rejected{"ConditionAtTheEnd", "float f(float a) { if (a)}",
                  "error internal compiler error... unexpected end of KRSL stream.\n"},
         Rejected{"BodyWithoutEnd", "float f(float a) { x = a;",
@@ -149,8 +187,7 @@ INSTANTIATE_TEST_SUITE_P(
         Rejected{"SourceEndsInAToken", "float f(float a) { x = a", "error \n"},
         Rejected{"NoFunction", "float f(float a)",
                  "error: found no function declaration or definition.\n"
-                 "internal error: !fpNodeSpec after parsing code string.\n"}),
-    [](const testing::TestParamInfo<Rejected>& row) { return row.param.fault; });
+                 "internal error: !fpNodeSpec after parsing code string.\n"}));
 
 TEST_P(ParserReadsBody, IntoStatements)
 {
@@ -171,8 +208,7 @@ INSTANTIATE_TEST_SUITE_P(
         Body{"LoopsAreCutAtTheirFirstSemicolon", "{ for (i = 0; i < 3; ++i) x; }",
              "4[2'for (i = 0;' 2'i < 3;' 2'++i) x;' ] "},
         Body{"Blocks", "{ { x; } { { } } y; }", "4[4[2'x;' ] 4[4[] ] 2'y;' ] "},
-        Body{"CommentsStayInTheText", "{ x /* c */   = 1; }", "4[2'x /* c */   = 1;' ] "}),
-    [](const testing::TestParamInfo<Body>& row) { return row.param.name; });
+        Body{"CommentsStayInTheText", "{ x /* c */   = 1; }", "4[2'x /* c */   = 1;' ] "}));
 
 TEST(ParserBody, TokensOfAStatementComeFromItsText)
 {
@@ -215,14 +251,17 @@ TEST(ParserQueue, LooksAheadAndEndsWithFreshTokens)
 {
     ShadingParser parser;
     ShadingNodeSpec* spec = nullptr;
-    ASSERT_TRUE(parser.parseString("float f(float a);a // b\n /* c */  \n\nd.", &spec));
+    ASSERT_TRUE(parser.parseString("\n\nfloat f(float a);2.5 a // b\n /* c */  \n\nd.", &spec));
     delete spec;
+    EXPECT_TRUE(parser.consume_front_token().isFractional);
     EXPECT_STREQ(parser.token_ahead(1).text.asChar(), "d");
     EXPECT_STREQ(parser.accumulate_token().text.asChar(), ".");
     EXPECT_EQ(parser.token_ahead(7).type, TokenType::EndOfStream);
-    EXPECT_STREQ(parser.consume_front_token().text.asChar(), "a");
+    const Token a = parser.consume_front_token();
+    EXPECT_STREQ(a.text.asChar(), "a");
+    EXPECT_FALSE(a.isFractional);
     const Token d = parser.consume_front_token();
-    EXPECT_EQ(d.line, 4u);
+    EXPECT_EQ(d.line, 6u);
     EXPECT_STREQ(parser.originalString(d, parser.consume_front_token()).asChar(), "d.");
     for (int i = 0; i < 3; ++i)
     {
@@ -233,12 +272,26 @@ TEST(ParserQueue, LooksAheadAndEndsWithFreshTokens)
     }
 }
 
-TEST(ParserVariables, AreTheHeadersAttributesAndMatchByNameAndType)
+TEST(ParserQueue, GrowsWithoutMovingItsTokens)
 {
-    // The list lasts until the next parse: hosts look variables up after reading a function.
     ShadingParser parser;
     ShadingNodeSpec* spec = nullptr;
-    ASSERT_TRUE(parser.parseString("float f(uniform float a, out float3 b) { }", &spec));
+    ASSERT_TRUE(parser.parseString(("float f(float a);" + std::string(1000, ',')).c_str(), &spec));
+    delete spec;
+    Token& first = parser.accumulate_token();
+    EXPECT_EQ(parser.token_ahead(999).column, 1017u);
+    first.text = "changed";
+    EXPECT_STREQ(parser.token_ahead(0).text.asChar(), "changed");
+    for (unsigned column = 18; column < 1018; ++column)
+        ASSERT_EQ(parser.consume_front_token().column, column);
+    EXPECT_EQ(parser.token_ahead(0).type, TokenType::EndOfStream);
+}
+
+TEST(ParserVariables, AreTheHeadersAttributesAndMatchByNameAndType)
+{
+    ShadingParser parser;
+    ShadingNodeSpec* spec = nullptr;
+    ASSERT_TRUE(parser.parseString("float f(uniform float a, float b, out float3 b) { }", &spec));
     delete spec;
     ShadingAttribute found;
     EXPECT_TRUE(parser.retrieveVariable("a", found));
@@ -248,20 +301,147 @@ TEST(ParserVariables, AreTheHeadersAttributesAndMatchByNameAndType)
     EXPECT_FALSE(parser.assignVariable("b", ShadingAttribute("b", kFloat2, kVertexRange)));
     EXPECT_TRUE(parser.assignVariable("b", ShadingAttribute("b", kFloat3, kVertexRange)));
     EXPECT_TRUE(parser.retrieveVariable("b", found));
+    EXPECT_EQ(found.range(), kFullRange) << "that was the second b";
+    EXPECT_TRUE(parser.assignVariable("b", ShadingAttribute("b", kFloat, kVertexRange)));
+    EXPECT_TRUE(parser.retrieveVariable("b", found));
     EXPECT_EQ(found.range(), kVertexRange);
-    parser.reset();
+    ASSERT_TRUE(parser.parseString("float g(float c, int c2, out int c) { }", &spec)) << "the next parse forgets them";
+    delete spec;
     EXPECT_FALSE(parser.retrieveVariable("a", found));
+    EXPECT_FALSE(parser.retrieveVariable("b", found));
+    EXPECT_TRUE(parser.assignVariable("c", ShadingAttribute("c", kInt, kUniformRange)))
+        << "behind the float of its name";
+    EXPECT_TRUE(parser.retrieveVariable("c", found));
+    EXPECT_EQ(found.dataType(), kFloat);
+    EXPECT_EQ(found.range(), kFullRange) << "the first of the name";
+    parser.reset();
+    EXPECT_FALSE(parser.retrieveVariable("c", found));
 }
 
-TEST(Parser, KeepsSpecsOfFailedParsesUntilItEnds)
+TEST(Parser, CarriesNothingFromOneParseToTheNext)
+{
+    ShadingParser parser;
+    ShadingNodeSpec* spec = nullptr;
+    ASSERT_TRUE(parser.parseString("float f(float a) { }", &spec));
+    delete spec;
+    EXPECT_FALSE(parser.parseString("void g(float b);", &spec));
+    EXPECT_STREQ(parser.errorString().asChar(), "error Function needs at least one output.\n") << "f's output is gone";
+    EXPECT_FALSE(parser.parseString("float h(void b);", &spec));
+    EXPECT_FALSE(parser.parseString("color i(float b);", &spec));
+    EXPECT_STREQ(parser.errorString().asChar(), "error Unrecognized return data type or shader type: color\n");
+    EXPECT_FALSE(parser.parseString("float j(float b) { { illuminance { } if (b) if (b;", &spec));
+    ASSERT_TRUE(parser.parseString("float j(float b) { x; }", &spec)) << "no block is open any more";
+    EXPECT_EQ(tree(spec->body()), "4[2'x;' ] ");
+    delete spec;
+    EXPECT_FALSE(parser.parseString("", &spec)) << "the end of the source";
+    ASSERT_TRUE(parser.parseString("float k(float c);", &spec));
+    delete spec;
+    EXPECT_STREQ(parser.errorString().asChar(), "");
+}
+
+TEST(Parser, DeletesTheSpecsThatNobodyTook)
 {
     const std::int32_t before = ShadingNodeSpec::fsNumInstances_ShadingNodeSpec;
+    const auto live = [before] { return ShadingNodeSpec::fsNumInstances_ShadingNodeSpec - before; };
     {
         ShadingParser parser;
         ShadingNodeSpec* spec = nullptr;
-        EXPECT_FALSE(parser.parseString("float f(void a);", &spec));
+        ASSERT_TRUE(parser.parseString("float f(float a); float g(float a); float h(void a);", &spec));
+        parser.parseFunc();
+        EXPECT_EQ(live(), 2) << "f is the caller's, g the parser's";
         parser.reset();
-        EXPECT_EQ(ShadingNodeSpec::fsNumInstances_ShadingNodeSpec, before + 1);
+        EXPECT_EQ(live(), 2) << "a reset deletes nothing";
+        EXPECT_FALSE(parser.parseString("", &spec));
+        EXPECT_EQ(live(), 2) << "h failed, g is gone";
+        EXPECT_FALSE(parser.parseFile("/nowhere/at/all.krs", false));
+        EXPECT_EQ(live(), 1);
+        delete spec;
+        EXPECT_THROW(parser.parseFuncHeader(), Exception);
+        EXPECT_EQ(live(), 1);
     }
-    EXPECT_EQ(ShadingNodeSpec::fsNumInstances_ShadingNodeSpec, before);
+    EXPECT_EQ(live(), 0);
+}
+
+TEST(Parser, ReadsAHeaderAloneIntoASpecOfItsOwn)
+{
+    EXPECT_THROW(ShadingParser().parseFuncHeader(), Exception);
+    ShadingParser parser;
+    ShadingNodeSpec* spec = nullptr;
+    ASSERT_TRUE(parser.parseString("float f(float a);\nfloat g(float b) { } x", &spec));
+    EXPECT_EQ(parser.parseFuncHeader(), 5u);
+    EXPECT_EQ(header(*spec), "f(float a 1:4) -> float output 1:4");
+    delete spec;
+    EXPECT_EQ(parser.token_ahead(6).type, TokenType::OpenBrace);
+    EXPECT_EQ(parser.token_ahead(7).type, TokenType::CloseBrace);
+    try
+    {
+        parser.parseFuncDef();
+        ADD_FAILURE() << "a definition's header is the whole queue";
+    }
+    catch (const Exception& e)
+    {
+        EXPECT_STREQ(e.message.asChar(), "INTERNAL ERROR: Buffer overrun");
+    }
+}
+
+TEST(ParserLimits, RefuseWhatHostsDoNotWant)
+{
+    const struct
+    {
+        ShadingParserLimits limits;
+        const char* source;
+        const char* message; // empty where the source is read
+    } cases[] = {
+        {{.refuseEmptyStatements = true},
+         "float f(float a)\n{ x;\n  ; }",
+         "error Empty statement at line 3, column 3\n"},
+        {{.refuseEmptyStatements = true},
+         "float f(float a) { if (a) ; }",
+         "error Empty statement at line 1, column 27\n"},
+        {{.refuseEmptyStatements = true},
+         "float f(float a) { for (;;) }",
+         "error Empty statement at line 1, column 26\n"},
+        {{.refuseEmptyStatements = true}, "float f(float a) { { x; } if (a) { } else y; }", ""},
+        {{.maxNesting = 0}, "float f(float a) { }", "error Nesting deeper than 0 at line 1, column 18\n"},
+        {{.maxNesting = 0}, "float f(float a);", ""},
+        {{.maxNesting = 2}, "float f(float a) { { x; } { y; } if (a) z; else { w; } illuminance { } }", ""},
+        {{.maxNesting = 2}, "float f(float a) { { { } } }", "error Nesting deeper than 2 at line 1, column 22\n"},
+        {{.maxNesting = 2},
+         "float f(float a) { if (a)\n if (b) x; }",
+         "error Nesting deeper than 2 at line 2, column 2\n"},
+        {{.maxNesting = 2}, "float f(float a) { else else x; }", "error Nesting deeper than 2 at line 1, column 25\n"},
+        {{.maxNesting = 2},
+         "float f(float a) { { illuminance { } } }",
+         "error Nesting deeper than 2 at line 1, column 22\n"},
+        {{.maxHeaderTokens = 7}, "float f(float a);", ""},
+        {{.maxHeaderTokens = 7}, "float f(float a) { x = a + b + c; }", ""},
+        {{.maxHeaderTokens = 6},
+         "\n float f(float /* c */   a);",
+         "error Header of more than 6 tokens at line 2, column 2\n"},
+    };
+    for (const auto& c : cases)
+    {
+        ShadingParser parser;
+        parser.setLimits(c.limits);
+        ShadingNodeSpec* spec = nullptr;
+        EXPECT_EQ(parser.parseString(c.source, &spec), c.message[0] == '\0') << c.source;
+        EXPECT_STREQ(parser.errorString().asChar(), c.message);
+        delete spec;
+    }
+}
+
+TEST(ParserBody, NestsWithoutTheStack)
+{
+    for (const char* level : {"{ ", "if (a) ", "else ", "illuminance { ", "if (a) { "})
+    {
+        std::string source = "float f(float a) { ";
+        for (int depth = 0; depth < 200000; ++depth)
+            source += level;
+        source += "x; ";
+        if (source.find('{', 20) != std::string::npos)
+            for (int depth = 0; depth < 200000; ++depth)
+                source += '}';
+        const auto spec = parse(source + "}");
+        EXPECT_EQ(spec->body().size(), 1u);
+    }
 }

@@ -1,14 +1,24 @@
 #include "PlainParser.h"
 
-#include "PlainTokenizer.h"
-
+#include <krender/core/Exception.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
+#include <krender/shading/Token.h>
+#include <krender/shading/Tokenizer.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <deque>
 #include <map>
+#include <memory>
 #include <sstream>
+#include <string_view>
+#include <vector>
 
 using namespace krShadingDag;
 
@@ -23,7 +33,7 @@ struct EndlessBlock
 {
 };
 
-const std::map<std::string, std::string> kOperatorNames = []
+const std::map<std::string, std::string> gOperatorNames = []
 {
     std::map<std::string, std::string> names;
     for (const char* symbol :
@@ -70,7 +80,10 @@ void dumpAttribute(std::ostream& out, const char* role, DataType type, std::stri
 class PlainParser
 {
 public:
-    explicit PlainParser(const std::string& source) : fTokenizer(source) {}
+    explicit PlainParser(const std::string& source) : fSource(source)
+    {
+        fTokenizer.openString(krString::CString(std::string_view(source)));
+    }
 
     std::string parse()
     {
@@ -100,11 +113,17 @@ private:
             throw Failure{"error " + message + "\n"};
     }
 
+    /// The source from one place through another, as far as there is any.
+    [[nodiscard]] std::string cut(std::uint64_t from, std::uint64_t to) const
+    {
+        return from < fSource.size() ? fSource.substr(from, to + 1 - from) : std::string();
+    }
+
     void accumulate()
     {
         Token token;
         do
-            fTokenizer.nextToken(token);
+            fTokenizer.nextToken(&token);
         while (token.type == TokenType::Comment);
         fQueue.push_back(token);
     }
@@ -157,7 +176,7 @@ private:
         if (fName == "operator")
         {
             const Token symbol = fQueue[++i];
-            const auto named = kOperatorNames.find(std::string(symbol.text.view()));
+            const auto named = gOperatorNames.find(std::string(symbol.text.view()));
             if (symbol.type == TokenType::OpenBracket)
             {
                 check(fQueue[++i].type == TokenType::CloseBracket, "Expected ']'");
@@ -167,7 +186,7 @@ private:
                 fName = word;
             else
             {
-                check(named != kOperatorNames.end() && symbol.type != TokenType::QuotedString,
+                check(named != gOperatorNames.end() && symbol.type != TokenType::QuotedString,
                       "Expected valid operator symbol");
                 fName = named->second;
             }
@@ -259,7 +278,7 @@ private:
                   "Expected close-parentheses after if statement");
             tokens.push_back(consume());
         }
-        dumpOpening(fBody, StatementType::If, fTokenizer.cut(first.position, consume().position), true, tokens);
+        dumpOpening(fBody, StatementType::If, cut(first.position, consume().position), true, tokens);
         governed();
     }
 
@@ -286,11 +305,12 @@ private:
             current = consume();
             check(current.type != TokenType::EndOfStream, "internal compiler error... unexpected end of KRSL stream.");
         }
-        dumpOpening(fBody, StatementType::Opaque, fTokenizer.cut(first.position, current.position), true, tokens);
+        dumpOpening(fBody, StatementType::Opaque, cut(first.position, current.position), true, tokens);
         fBody << "]\n";
     }
 
-    PlainTokenizer fTokenizer;
+    const std::string& fSource;
+    Tokenizer fTokenizer;
     std::deque<Token> fQueue;
     std::string fName;
     std::vector<std::string> fInputNames;
@@ -311,7 +331,7 @@ PlainResult parsePlainly(const std::string& source)
     {
         return {PlainResult::Rejected, failure.message};
     }
-    catch (const SourceEnded&)
+    catch (const Exception&)
     {
         return {PlainResult::Rejected, "error \n"};
     }

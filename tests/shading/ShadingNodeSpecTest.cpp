@@ -1,11 +1,22 @@
 #include <krender/core/Exception.h>
+#include <krender/platform/Linear.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/FunctionType.h>
+#include <krender/shading/IHWShaderManager.h>
+#include <krender/shading/ShadingAttribute.h>
 #include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
+#include <krender/shading/TypedConstant.h>
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <initializer_list>
+#include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 using namespace krShadingDag;
@@ -67,6 +78,7 @@ private:
 
 TEST(ShadingAttribute, ConstantsCarryTheirText)
 {
+    const std::int32_t before = ShadingAttribute::fsNumInstances_ShadingAttribute;
     const TypedConstant value(1.0f, 2.0f);
     const ShadingAttribute constant(value);
     EXPECT_STREQ(constant.name().asChar(), "float2(1.000000,2.000000)");
@@ -78,6 +90,8 @@ TEST(ShadingAttribute, ConstantsCarryTheirText)
     EXPECT_STREQ(copy.name().asChar(), "k");
     EXPECT_STREQ(copy.expression().asChar(), "float2(1.000000,2.000000)");
     EXPECT_EQ(copy.typedConstant().getFloat(1), 2.0f);
+    static_cast<void>(ShadingAttribute("ended", kFloat));
+    EXPECT_EQ(ShadingAttribute::fsNumInstances_ShadingAttribute, before + 3);
 }
 
 TEST(ShadingAttribute, IsValidWithANameAndAType)
@@ -119,8 +133,9 @@ TEST_F(SpecLibrary, HeaderStringListsArgumentsInOrder)
     spec.addOutput(kFloat, "output", kFullRange); // the return value is no argument
     spec.addOutput(kFloat4, "c", {kFreqFragment, kFreqFragment});
     spec.addInput(kInt, "d", {});
+    spec.addInput(kInt, "e", {static_cast<CompFreq>(5), kFreqFragment});
     EXPECT_STREQ(spec.functionHeaderString().asChar(),
-                 "f(\n\t\tuniform float3 a,\n\t\tout fragment float4 c,\n\t\tinvalid int d)\n");
+                 "f(\n\t\tuniform float3 a,\n\t\tout fragment float4 c,\n\t\tinvalid int d,\n\t\tinvalid int e)\n");
 }
 
 TEST_F(SpecLibrary, LookUpsFindTheFirstOrADefault)
@@ -236,6 +251,7 @@ TEST_F(SpecLibrary, CloneMakesItsArgumentsAnew)
     source.updateIlluminanceLoopFlag();
     ShadingNodeSpec copy(kGenerated);
     copy.addInput(kInt, "gone", kFullRange);
+    copy.addOutput(kInt, "goneToo", kFullRange);
     copy.cloneFrom(source);
     EXPECT_STREQ(copy.functionHeaderString().asChar(),
                  "g(\n\t\tconstant float2 i,\n\t\tconstant float 1.000000,\n\t\tout constant float o)\n")

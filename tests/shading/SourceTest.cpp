@@ -1,10 +1,21 @@
+#include <krender/platform/String.h>
+#include <krender/shading/FunctionType.h>
+#include <krender/shading/MemMappedFile.h>
+#include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
-#include <krender/shading/Statement.h>
+#include <krender/shading/ShadingParserLimits.h>
+#include <krender/shading/StatementCompound.h>
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unistd.h>
 
 using namespace krShadingDag;
 
@@ -83,6 +94,8 @@ TEST_F(SourceFile, StopsAtTheFirstErrorAndSaysWhere)
          "stdlib.krs(line 1, column 25) : error Expected close-parentheses after if statement\n", 0},
         {"float f(float a) { x = a;",
          "stdlib.krs(line 1, column 1) : error internal compiler error... unexpected end of KRSL stream.\n", 0},
+        {"float f(float a) { x; }\nvoid g(float a);", // f's output is not g's
+         "stdlib.krs(line 2, column 1) : error Function needs at least one output.\n", 1},
         {"float f(float a)\n{ x = \"open; }\n", "stdlib.krs(line 2, column 7) : error \n", 0},
     };
     for (const auto& c : cases)
@@ -94,6 +107,16 @@ TEST_F(SourceFile, StopsAtTheFirstErrorAndSaysWhere)
         EXPECT_STREQ(parser.errorString().asChar(), c.message);
         EXPECT_EQ(ShadingNodeSpec::fLibrary.size(), c.registered);
     }
+}
+
+TEST_F(SourceFile, LimitsOutliveParsesAndAreErrorsAtTheirPlace)
+{
+    fParser.setLimits({.refuseEmptyStatements = true, .maxNesting = 1});
+    EXPECT_TRUE(parse("float f(float a) { x; }\n"));
+    EXPECT_FALSE(parse("float g(float a)\n{ x;; }"));
+    EXPECT_STREQ(fParser.errorString().asChar(),
+                 "stdlib.krs(line 3, column 5) : error Empty statement at line 3, column 5\n");
+    EXPECT_EQ(fParser.limits().maxNesting, 1u);
 }
 
 TEST_F(SourceFile, DefinitionReplacesItsDeclaration)

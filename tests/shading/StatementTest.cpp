@@ -1,11 +1,17 @@
 #include <krender/shading/Statement.h>
 
+#include <krender/platform/String.h>
+#include <krender/shading/StatementCompound.h>
+#include <krender/shading/Token.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <ostream>
 #include <string>
+#include <vector>
 
 using namespace krShadingDag;
 
@@ -106,6 +112,7 @@ TEST(StatementPrinting, IndentsAnew)
         const char* expected;
     } cases[] = {
         {"  a\n    b\n\n  c", "\ta\n  \tb\n\n\tc"}, // deeper blanks come out before the prefix
+        {" a\n  \n  b", "\ta\n \n \tb"},
         {"", ""},
         {" \t ", ""},
         {"a\n   ", "\ta\n   "},
@@ -262,6 +269,7 @@ struct SourceText
     StatementType type;
     const char* text;
     const char* tokens;
+    friend std::ostream& operator<<(std::ostream& out, const SourceText& row) { return out << row.name; }
 };
 class StatementTokens : public testing::TestWithParam<SourceText>
 {

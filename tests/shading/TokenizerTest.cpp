@@ -1,10 +1,16 @@
 #include <krender/core/Exception.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/Token.h>
 #include <krender/shading/Tokenizer.h>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
+#include <ostream>
 #include <string>
+#include <string_view>
 
 using namespace krShadingDag;
 
@@ -51,6 +57,8 @@ struct Split
     const char* name;
     std::string_view source;
     const char* tokens;
+
+    friend std::ostream& operator<<(std::ostream& out, const Split& row) { return out << row.name; }
 };
 
 class TokenizerSplits : public testing::TestWithParam<Split>
@@ -107,8 +115,7 @@ INSTANTIATE_TEST_SUITE_P(
         Split{"CommentInCommentTakesTheNextLine", "// a // b\nc\nd;", "2:// a // b\nc\n 1,1\n4:d 3,1\n59:; 3,2\nEND"},
         Split{"StringsCountLines", "\"a\nb\" c;", "6:a\nb 1,1\n4:c 2,3\n59:; 2,4\nEND"},
         Split{"StringLosesACommentAndAByte", "\"a//b\"\n\"c\";", "6:a//b\"\n\"c 1,1\n59:; 2,2\nEND"},
-        Split{"StringsHaveNoEscapes", "\"\\\"x;", "6:\\ 1,1\n4:x 1,3\n59:; 1,4\nEND"}),
-    [](const testing::TestParamInfo<Split>& row) { return row.param.name; });
+        Split{"StringsHaveNoEscapes", "\"\\\"x;", "6:\\ 1,1\n4:x 1,3\n59:; 1,4\nEND"}));
 
 TEST(Tokenizer, ReadsNumbers)
 {
@@ -126,6 +133,13 @@ TEST(Tokenizer, ReadsNumbers)
         {"1e-;", 1.0f, 1, false},
         {"2.e3;", 2000.0f, 2000, false},
         {"16777217;", 16777216.0f, 16777216, false}, // by way of a float
+        {"0.1;", 0.1f, 0, true},
+        {"1.000000000000000;", 1.0f, 1, false},
+        {"123456789012345;", 123456789012345.0f, 123456788103168, false},
+        {"1234567890123.45;", 1234567890123.45f, 1234567954432, false},
+        {"8388609.5;", 8388610.0f, 8388610, false},
+        {"18446744073709551615;", 0x1p64f, UINT64_MAX, false},
+        {"16777217.0000000001;", 16777216.0f, 16777216, false}, // by way of a double
         {"1e30;", 1e30f, UINT64_MAX, true},
         {"1e999;", HUGE_VALF, UINT64_MAX, true},
         {"1e-999;", 0.0f, 0, false},
@@ -179,4 +193,27 @@ TEST(Tokenizer, CutsSourceText)
     EXPECT_STREQ(tokenizer.stringify(3, 2).asChar(), "");
     EXPECT_STREQ(tokenizer.stringify(3, 3).asChar(), "h");
     EXPECT_STREQ(tokenizer.stringify(11, 99).asChar(), "a;") << "nothing beyond the source";
+    EXPECT_STREQ(tokenizer.stringify(13, 99).asChar(), "");
+    EXPECT_STREQ(tokenizer.stringify(0, 0xFFFFFFFF).asChar(), "") << "a last place of -1";
+    EXPECT_STREQ(tokenizer.stringify(0xFFFFFFFF, 1).asChar(), "al");
+    EXPECT_STREQ(tokenizer.stringify(0x100000008, 0x10000000A).asChar(), "bet") << "the low 32 bits, from the first";
+    EXPECT_STREQ(tokenizer.stringify(8, 0x20000000A).asChar(), "bet") << "to the last";
+}
+
+TEST(Tokenizer, ResetsTheRecordOfATokenThatItCannotRead)
+{
+    for (const char* end : {" ", "abc", "12", "+", "\"a\""})
+    {
+        Token token = firstOf(" 2.5;");
+        token.dataType = kFloat3;
+        Tokenizer tokenizer;
+        tokenizer.openString(end);
+        EXPECT_THROW(tokenizer.nextToken(&token), Exception);
+        EXPECT_EQ(token.type, TokenType::Unknown) << end;
+        EXPECT_EQ(token.text.length(), 0u) << end;
+        EXPECT_EQ(token.position, 0u) << end;
+        EXPECT_EQ(token.intValue, 1u) << end;
+        EXPECT_EQ(token.floatValue, 0.0f) << end;
+        EXPECT_EQ(token.dataType, kInvalidType) << end;
+    }
 }

@@ -1,10 +1,17 @@
 #include <krender/core/Exception.h>
+#include <krender/platform/Linear.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
 #include <krender/shading/TypedConstant.h>
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdint>
 #include <limits>
 #include <memory>
+#include <sstream>
+#include <string>
 
 using krShadingDag::TypedConstant;
 
@@ -29,32 +36,56 @@ TEST(DataType, NamesConvertBackAndNothingElseDoes)
     EXPECT_EQ(convertToDataType(nullptr), kInvalidType);
 }
 
-TEST(DataType, RowsStandAtTheirValues)
+TEST(DataType, EveryRowOfTheTable)
 {
-    // One irregular fact a row group: a shifted or regularised table would miss some of these.
-    EXPECT_EQ(dataTypeNumFloats(kBool), 1u);
-    EXPECT_EQ(dataTypeNumFloats(kInt4), 0u);
-    EXPECT_EQ(maxDim(kInt4), 4u);
-    EXPECT_EQ(indexedType(kMatrix3), kFloat3);
-    EXPECT_EQ(dataTypeInfo[kMatrix3].byteSize, 36u);
-    EXPECT_TRUE(isSampler(kSampler2DShadow));
-    EXPECT_FALSE(isSampler(kString));
-    EXPECT_EQ(kString, 20);
-    for (unsigned n = 1; n <= 4; ++n)
-        EXPECT_EQ(dataTypeNumFloats(floatConversion[n - 1]), n);
-}
-
-TEST(DataType, Matrix2IsNoMatrix)
-{
-    EXPECT_FALSE(dataTypeInfo[kMatrix2].isMatrix);
-    EXPECT_TRUE(dataTypeInfo[kMatrix3].isMatrix);
-    EXPECT_TRUE(dataTypeInfo[kMatrix4].isMatrix);
+    // bytes, v(ector) m(atrix) s(ampler) f(loat vector), floats, dimension, type of an element
+    const char* const rows[] = {
+        "invalidType! 0 - 0 0 invalidType!",
+        "void 0 - 0 0 invalidType!",
+        "bool 1 - 1 0 invalidType!", // one float
+        "float 4 vf 1 1 float",
+        "float2 8 vf 2 2 float",
+        "float3 12 vf 3 3 float",
+        "float4 16 vf 4 4 float",
+        "int 4 v 0 1 int", // no float
+        "int2 8 v 0 2 int",
+        "int3 12 v 0 3 int",
+        "int4 16 v 0 4 int",
+        "matrix2 16 - 4 2 float2", // no matrix
+        "matrix3 36 m 9 3 float3",
+        "matrix4 64 m 16 4 float4",
+        "sampler1D 4 s 0 0 invalidType!",
+        "sampler2D 4 s 0 0 invalidType!",
+        "sampler3D 4 s 0 0 invalidType!",
+        "samplerCube 4 s 0 0 invalidType!",
+        "sampler1DShadow 4 s 0 0 invalidType!",
+        "sampler2DShadow 4 s 0 0 invalidType!",
+        "string 4 - 0 0 invalidType!",
+    };
+    ASSERT_EQ(std::size(rows), std::size_t{kDataTypeCount});
+    for (unsigned value = 0; value < kDataTypeCount; ++value)
+    {
+        const auto type = static_cast<DataType>(value);
+        const DataTypeInfo& info = dataTypeInfo[type];
+        std::string flags = std::string(info.isVector ? "v" : "") + (info.isMatrix ? "m" : "") +
+                            (isSampler(type) ? "s" : "") + (isFloatVector(type) ? "f" : "");
+        std::ostringstream row;
+        row << dataTypeName(type) << ' ' << info.byteSize << ' ' << (flags.empty() ? "-" : flags) << ' '
+            << dataTypeNumFloats(type) << ' ' << maxDim(type) << ' ' << dataTypeName(indexedType(type));
+        EXPECT_EQ(row.str(), rows[value]);
+    }
+    EXPECT_EQ(floatConversion, (std::array{kFloat, kFloat2, kFloat3, kFloat4}));
 }
 
 TEST(TypedConstant, PrintsInTheLanguagesSyntax)
 {
-    TypedConstant boolean;
+    TypedConstant boolean(5.0f);
     boolean.assignBool(true);
+    EXPECT_EQ(boolean.type(), kBool);
+    EXPECT_EQ(boolean.getInt(0), 1u) << "the stored word";
+    EXPECT_TRUE(boolean.getBool());
+    boolean.assignBool(false);
+    EXPECT_EQ(boolean.getInt(0), 0u);
     const struct
     {
         TypedConstant constant;
@@ -68,6 +99,7 @@ TEST(TypedConstant, PrintsInTheLanguagesSyntax)
         {TypedConstant(-std::numeric_limits<float>::infinity()), "-inf"},
         {ints(1), "4294967295"},
         {ints(2), "{4294967295,2}"},
+        {ints(3), "{4294967295,2,3}"},
         {ints(4), "{4294967295,2,3,4}"},
         {TypedConstant("as is\n"), "as is\n"},
         {TypedConstant(krLinear::ProjMatrix(1.0)), ""},
@@ -113,12 +145,17 @@ TEST(TypedConstant, AssignsOneToFourComponents)
         EXPECT_THROW(constant.assignFloats(count, 1, 2, 3, 4), Exception);
         EXPECT_THROW(constant.assignInts(count, 1, 2, 3, 4), Exception);
     }
+    EXPECT_EQ(constant.type(), kInvalidType);
+    constant.assignFloats(4, 9, 9, 9, 9);
     constant.assignFloats(3, 1, 2, 3, 4);
     EXPECT_EQ(constant.type(), kFloat3);
-    constant.setFloat(3, 9.0f);
+    constant.setFloat(3, 5.0f);
+    EXPECT_EQ(constant.getFloat(3), 9.0f) << "what is not counted is not written";
     constant.setFloat(2, 7.0f);
     EXPECT_STREQ(constant.toString().asChar(), "float3(1.000000,2.000000,7.000000)");
+    constant.assignInts(4, 9, 9, 9, 9);
     constant.assignInts(3, 1, 2, 3, 4);
+    EXPECT_EQ(constant.getInt(3), 9u);
     constant.setFloat(0, 9.0f);
     EXPECT_STREQ(constant.toString().asChar(), "{1,2,3}");
 }
@@ -149,6 +186,7 @@ TEST(TypedConstant, FoldsFloatsOnly)
         {multiply, v3, two, "float3(2.000000,4.000000,6.000000)"},
         {multiply, v2, v3, nullptr},
         {multiply, two, ints(2), nullptr},
+        {multiply, ints(2), ints(2), nullptr},
         {multiply, two, TypedConstant(krLinear::ProjMatrix(1.0)), nullptr},
         {divide, v4, TypedConstant(2.0f, 2.0f, 2.0f, 2.0f), "float4(1.000000,2.000000,3.000000,4.000000)"},
         {divide, one, zero, "inf"},
@@ -173,4 +211,6 @@ TEST(TypedConstant, VectorByScalarIsOneWhateverTheVector)
     EXPECT_TRUE(ok);
     EXPECT_EQ(v4.divide(TypedConstant(0.0f), ok).type(), kInvalidType);
     EXPECT_FALSE(ok);
+    EXPECT_EQ(ints(2).divide(TypedConstant(4.0f), ok).type(), kFloat) << "nor does its type matter";
+    EXPECT_TRUE(ok);
 }

@@ -17,6 +17,7 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <optional>
 
 namespace
 {
@@ -56,13 +57,13 @@ bool obeyFileModes()
            (::prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE) == 0 && ::prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH) == 0);
 }
 
-/// A terminal that nobody sits at.
+/// A pseudo-terminal.
 class Terminal
 {
 public:
     Terminal() : fMaster(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC))
     {
-        if (::grantpt(fMaster) == 0 && ::unlockpt(fMaster) == 0)
+        if (fMaster >= 0 && ::grantpt(fMaster) == 0 && ::unlockpt(fMaster) == 0)
             fSlave = ::open(::ptsname(fMaster), O_RDWR | O_NOCTTY | O_CLOEXEC);
     }
     Terminal(const Terminal&) = delete;
@@ -79,8 +80,10 @@ public:
     {
         std::array<char, 4096> bytes;
         ::fcntl(fMaster, F_SETFL, O_NONBLOCK);
-        const ssize_t got = ::read(fMaster, bytes.data(), bytes.size());
-        return {bytes.data(), got > 0 ? static_cast<std::size_t>(got) : 0};
+        std::string all;
+        for (ssize_t got; (got = ::read(fMaster, bytes.data(), bytes.size())) > 0;)
+            all.append(bytes.data(), static_cast<std::size_t>(got));
+        return all;
     }
 
 private:
@@ -128,13 +131,16 @@ std::vector<std::string> Workplace::names() const
     return all;
 }
 
+bool Workplace::canMakeTerminals() { return Terminal().descriptor() >= 0; }
+
 Outcome Workplace::run(const std::string& program, const std::vector<std::string>& arguments,
                        const Circumstances& circumstances) const
 {
     PassingFile in;
     PassingFile out;
     PassingFile err;
-    const Terminal terminal;
+    const std::optional<Terminal> terminal =
+        circumstances.onTerminal ? std::optional<Terminal>(std::in_place) : std::nullopt;
     in.fill(circumstances.input);
 
     std::vector<std::string> words{program};
@@ -153,7 +159,7 @@ Outcome Workplace::run(const std::string& program, const std::vector<std::string
                                        : ::open(circumstances.standardOutput.c_str(), O_WRONLY | O_CLOEXEC);
         ::dup2(in.descriptor(), STDIN_FILENO);
         ::dup2(standardOutput, STDOUT_FILENO);
-        ::dup2(circumstances.onTerminal ? terminal.descriptor() : err.descriptor(), STDERR_FILENO);
+        ::dup2(terminal ? terminal->descriptor() : err.descriptor(), STDERR_FILENO);
         for (const auto& [name, value] : circumstances.environment)
             ::setenv(name.c_str(), value.c_str(), 1);
         limit(RLIMIT_CPU, kMaxSeconds);
@@ -172,7 +178,7 @@ Outcome Workplace::run(const std::string& program, const std::vector<std::string
         return outcome;
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     outcome.out = out.text();
-    outcome.err = circumstances.onTerminal ? terminal.text() : err.text();
+    outcome.err = terminal ? terminal->text() : err.text();
     outcome.peakKilobytes = static_cast<std::size_t>(usage.ru_maxrss);
     return outcome;
 }

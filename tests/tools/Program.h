@@ -45,6 +45,8 @@ public:
     /// Runs a program here. A run that takes more than two minutes of processor time is ended.
     [[nodiscard]] Outcome run(const std::string& program, const std::vector<std::string>& arguments,
                               const Circumstances& circumstances = {}) const;
+    /// Whether a program can be run on a terminal.
+    [[nodiscard]] static bool canMakeTerminals();
     [[nodiscard]] Outcome krslc(const std::vector<std::string>& arguments,
                                 const Circumstances& circumstances = {}) const
     {

@@ -1,5 +1,6 @@
 #include <krender/window/MessageHandler.h>
 #include <krender/window/SimpleWindow.h>
+#include <krender/window/WindowWrapper.h>
 
 #include <gtest/gtest.h>
 
@@ -8,6 +9,8 @@
 
 #include <atomic>
 #include <chrono>
+#include <map>
+#include <memory>
 #include <string>
 #include <thread>
 #include <utility>
@@ -19,7 +22,7 @@ namespace
 using Calls = std::vector<std::string>;
 using Events = std::vector<std::pair<int, Window>>;
 
-/// Writes down what a window tells it.
+/// Records the calls of a window.
 struct Recorder : MessageHandler
 {
     void display() override { calls.emplace_back("display"); }
@@ -30,12 +33,12 @@ struct Recorder : MessageHandler
     Calls calls;
 };
 
-/// A window of 320 x 200 with a framebuffer window of 100 x 100, and a second connection that plays the other clients.
-/// An X server works one request after the other, so a round trip on both connections brings every event of what was
-/// done before into the queue: nothing here waits by the clock.
+/// A window of 320 x 200 with a framebuffer window of 100 x 100, and a second connection in the part of other clients.
+/// An X server handles one request after the other, so a round trip on both connections brings all events of earlier
+/// requests into the queue: no test waits by the clock.
 class SimpleWindows : public testing::Test
 {
-protected:
+public:
     void SetUp() override
     {
         XInitThreads(); // one of the tests shares the connection with a thread
@@ -58,7 +61,7 @@ protected:
         wrapper->setFBWindow(XCreateSimpleWindow(wrapper->display, wrapper->window, 0, 0, 100, 100, 0, 0, 0));
         return wrapper->framebufferWindow;
     }
-    /// Notes the type of an event that the toolkit dispatched, or the number that a ClientMessage was sent with.
+    /// Records the type of an event that the toolkit dispatched, or the number of a ClientMessage.
     static void note(Widget, XtPointer dispatched, XEvent* event, Boolean*)
     {
         static_cast<std::vector<long>*>(dispatched)
@@ -107,6 +110,13 @@ protected:
         return result;
     }
     std::pair<int, int> sizeOf(Window of) { return {attributes(of).width, attributes(of).height}; }
+    bool exists(Window sought)
+    {
+        const auto previous = XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
+        const bool found = attributes(sought).root != 0;
+        XSetErrorHandler(previous);
+        return found;
+    }
 
     Recorder handler;
     SimpleWindow window;
@@ -129,14 +139,25 @@ TEST_F(SimpleWindows, ShareTheLibrarysApplicationOrLiveInTheHosts)
     Widget hostShell = XtAppCreateShell("host", "Host", applicationShellWidgetClass, display, nullptr, 0);
     for (const auto& [given, parent] : {std::pair<Widget, Widget>(nullptr, shell), {hostShell, hostShell}})
     {
-        SimpleWindow second;
+        auto owner = std::make_unique<SimpleWindow>();
+        SimpleWindow& second = *owner;
         ASSERT_EQ(second.create("second", 50, 40, &handler, given), 0);
         const WindowWrapper& wrapper = *second.windowWrapper();
         EXPECT_EQ(XtParent(wrapper.widget), parent);
-        EXPECT_EQ(WindowWrapper(wrapper.widget, 0, display).window, wrapper.window);
+        WindowWrapper copy(wrapper.widget, 0, display);
+        EXPECT_EQ(copy.window, wrapper.window);
+        copy.setFBWindow(7);
+        copy.release();
+        EXPECT_TRUE(!copy.widget && copy.window == 0 && !copy.display && copy.framebufferWindow == 0);
         EXPECT_EQ(sizeOf(wrapper.window), std::pair(50, 40));
+        EXPECT_EQ(XtNameToWidget(parent, "second"), wrapper.widget);
         EXPECT_EQ(SimpleWindow::getWindow(wrapper.window), &second);
         EXPECT_EQ(SimpleWindow::getHandler(wrapper.window), &handler);
+        const Window secondId = wrapper.window;
+        EXPECT_TRUE(exists(secondId));
+        owner.reset();
+        EXPECT_FALSE(exists(secondId)) << "the X window outlives its object";
+        EXPECT_EQ(XtNameToWidget(parent, "second"), nullptr) << "the widget does";
     }
     XtDestroyWidget(hostShell);
 }
@@ -161,7 +182,7 @@ TEST_F(SimpleWindows, ShowHideAndRaise)
     EXPECT_EQ(attributes(id).map_state, IsViewable) << "setting the focus shows the window";
 }
 
-TEST_F(SimpleWindows, DestructionByAnotherClientIsToldAndTheMapEntryStays)
+TEST_F(SimpleWindows, DestructionByAnotherClientIsReportedAndTheMapEntryStays)
 {
     const auto previous = XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
     auto* brief = new SimpleWindow;
@@ -178,7 +199,7 @@ TEST_F(SimpleWindows, DestructionByAnotherClientIsToldAndTheMapEntryStays)
     XSetErrorHandler(previous);
 }
 
-TEST_F(SimpleWindows, FramebufferFollowsItsParentAndAnUnchangedSizeIsToldOnlyOfConfigureNotify)
+TEST_F(SimpleWindows, FramebufferFollowsItsParentAndOnlyConfigureNotifyReportsAnUnchangedSize)
 {
     window.show();
     EXPECT_EQ(processQueued(), 1);
@@ -208,10 +229,10 @@ TEST_F(SimpleWindows, FramebufferFollowsItsParentAndAnUnchangedSizeIsToldOnlyOfC
     window.windowWrapper()->setFBWindow(0);
     send({{ConfigureNotify, id}});
     EXPECT_EQ(processQueued(), 1);
-    EXPECT_EQ(handler.calls.size(), 2u) << "without a framebuffer window nobody is told";
+    EXPECT_EQ(handler.calls.size(), 2u) << "without a framebuffer window the handler is not called";
 }
 
-TEST_F(SimpleWindows, KeysButtonsAndCirculationReachNobody)
+TEST_F(SimpleWindows, KeysButtonsAndCirculationAreIgnored)
 {
     for (const int type : {KeyPress, KeyRelease, ButtonPress, ButtonRelease, CirculateNotify})
     {
@@ -225,12 +246,16 @@ TEST_F(SimpleWindows, KeysButtonsAndCirculationReachNobody)
     send({{UnmapNotify, framebuffer}, {UnmapNotify, id}, {UnmapNotify, id}});
     EXPECT_EQ(processQueued(), 1);
     EXPECT_EQ(dispatched, std::vector<long>{UnmapNotify}) << "the toolkit gets the rest, of known windows";
+    SimpleWindow::fWindowsMap[id] = nullptr;
+    send({{UnmapNotify, id}});
+    EXPECT_EQ(processQueued(), 1);
+    EXPECT_EQ(dispatched.size(), 1U) << "of the toolkit's windows, only those in the map count";
 }
 
 TEST_F(SimpleWindows, FirstEventIsHandledTwiceAndTheLastNotAtAll)
 {
     send({{ClientMessage, id}, {DestroyNotify, framebuffer}, {ClientMessage, id}, {ClientMessage, id}});
-    EXPECT_EQ(processQueued(), 1) << "only a DestroyNotify that comes first is told";
+    EXPECT_EQ(processQueued(), 1) << "only a DestroyNotify that comes first is reported";
     EXPECT_EQ(dispatched, (std::vector<long>{101, 101, 102}));
     EXPECT_EQ(window.processMessage(), 0);
 }
@@ -253,8 +278,9 @@ TEST_F(SimpleWindows, ExposeAtTheHeadOfTheQueueKeepsTheLoopRunning)
 {
     send({{Expose, id}, {ClientMessage, id}, {Expose, id}});
     settle();
-    // The loop ends only when another thread takes the second Expose off: done here once the loop has thrown the
-    // ClientMessage away and has had time to end by itself. A last message wakes a loop that found nothing to peek at.
+    // The loop ends only when another thread takes the second Expose off. The rescuer does so once the loop has thrown
+    // the ClientMessage away and has had time to end by itself. Its last message wakes a loop that waits for an event to
+    // peek at.
     std::atomic<bool> returned = false;
     bool wasSpinning = false;
     std::vector<int> left;

@@ -1,6 +1,10 @@
+#include <krender/platform/Linear.h>
 #include <krender/window/TumbleWindowsHandler.h>
 
 #include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
 
 using krLinear::Point;
 
@@ -10,9 +14,12 @@ TEST(TumbleWindowsHandler, ResizeKeepsSidesOfAtLeastEightAndAsksForARefresh)
     EXPECT_TRUE(handler.needsRefresh()) << "nothing has been drawn yet";
     handler.markDrawn();
     EXPECT_FALSE(handler.needsRefresh());
-    handler.resize(3, 100);
+    for (const auto& [given, stored] : {std::pair(std::pair(3, 100), std::pair(8, 100)), {{9, 7}, {9, 8}}})
+    {
+        handler.resize(given.first, given.second);
+        EXPECT_EQ(std::pair(handler.width(), handler.height()), stored);
+    }
     EXPECT_TRUE(handler.needsRefresh() && handler.isResized());
-    EXPECT_EQ(std::pair(handler.width(), handler.height()), std::pair(8, 100));
     handler.markDrawn();
     handler.windowMoved();
     EXPECT_TRUE(handler.needsRefresh() && !handler.isResized());

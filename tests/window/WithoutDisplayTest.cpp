@@ -1,17 +1,46 @@
 #include <krender/window/SimpleWindow.h>
 
+#include <krender/window/ISimpleWindow.h>
+
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
+#include <map>
+#include <string>
 
-/// The library's window numbers before any window was constructed.
-static const std::int32_t countAtStart = gWindowCount;
+namespace
+{
+
+/// The next window number before any window was constructed.
+const std::int32_t gCountAtStart = gWindowCount;
+
+/// A host's own kind of window.
+struct HostWindow : SimpleWindow
+{
+    int create(char* name, unsigned, unsigned height, MessageHandler*, void*) override
+    {
+        return name[0] + static_cast<int>(height);
+    }
+    using SimpleWindow::create;
+};
+
+} // namespace
+
+TEST(WithoutDisplay, AHostsOverrideOfCreateIsCalledForConstTextToo)
+{
+    HostWindow window;
+    EXPECT_EQ(window.create("const", 320, 200, nullptr, nullptr), 'c' + 200);
+    char name[] = "variable";
+    EXPECT_EQ(static_cast<ISimpleWindow&>(window).create(name, 320, 200, nullptr, nullptr), 'v' + 200);
+}
 
 TEST(WithoutDisplay, TheLibrarySaysThatThereIsNoneAndOnlyCreationEndsTheProcess)
 {
     unsetenv("DISPLAY");
     EXPECT_FALSE(SimpleWindow::displayAvailable());
-    EXPECT_EQ(countAtStart, 1);
+    EXPECT_EQ(gCountAtStart, 1);
     const std::int32_t next = gWindowCount;
     SimpleWindow first;
     EXPECT_EQ(first.windowNumber(), next);

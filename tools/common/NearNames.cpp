@@ -11,7 +11,7 @@ namespace krTools
 namespace
 {
 
-constexpr std::size_t kMaxLength = 100; // longer names are nobody's slip of the finger
+constexpr std::size_t kMaxLength = 100; // longer names are no typing slips
 constexpr std::size_t kMaxSuggestions = 3;
 
 char folded(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }

@@ -105,10 +105,45 @@ void writeStream(const std::string& path, std::string_view text)
         fail(path, error);
 }
 
+/// Folders that are made where they are missing. At the end those that are still empty are removed again.
+class NewFolders
+{
+public:
+    NewFolders() = default;
+    NewFolders(const NewFolders&) = delete;
+    NewFolders& operator=(const NewFolders&) = delete;
+    ~NewFolders()
+    {
+        for (; !fMade.empty(); fMade.pop_back())
+            ::rmdir(fMade.back().c_str());
+    }
+
+    /// Makes the folders that lead to a file.
+    void makeFor(const std::string& path)
+    {
+        for (std::size_t slash = path.find('/', 1); slash != std::string::npos; slash = path.find('/', slash + 1))
+        {
+            std::string folder = path.substr(0, slash);
+            if (::mkdir(folder.c_str(), 0777) == 0)
+                fMade.push_back(std::move(folder));
+            else if (errno != EEXIST)
+                fail(path, errno);
+        }
+    }
+
+private:
+    std::vector<std::string> fMade; ///< outer ones first
+};
+
 } // namespace
 
-void OutputFiles::publish() const
+void OutputFiles::publish(MissingFolders missing) const
 {
+    NewFolders folders;
+    if (missing == MissingFolders::Make)
+        for (const auto& [path, text] : fFiles)
+            folders.makeFor(path);
+
     std::vector<std::unique_ptr<StagedFile>> staged;
     for (const auto& [path, text] : fFiles)
         if (path != "-" && !isStream(path))

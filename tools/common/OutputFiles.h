@@ -7,6 +7,13 @@
 namespace krTools
 {
 
+/// What becomes of an output whose folder does not exist.
+enum class MissingFolders
+{
+    Fail,
+    Make,
+};
+
 /// Files that come into being together, whole, or not at all. "-" is standard output.
 class OutputFiles
 {
@@ -16,8 +23,8 @@ public:
     [[nodiscard]] const std::vector<std::pair<std::string, std::string>>& files() const noexcept { return fFiles; }
 
     /// Writes all of them. Each is first written beside its place under another name; once all are on the disk they take
-    /// their names. Throws a FileError, and then no file has changed.
-    void publish() const;
+    /// their names. Throws a FileError, and then no file has changed and no folder is new.
+    void publish(MissingFolders missing = MissingFolders::Fail) const;
 
 private:
     std::vector<std::pair<std::string, std::string>> fFiles; ///< path and text

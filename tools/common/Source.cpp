@@ -17,6 +17,9 @@ namespace
 /// What the library's file reader puts behind a file's last byte.
 constexpr char kClosingByte = '\xff';
 
+/// Some editors begin UTF-8 files with it; it is no part of the text.
+constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+
 class Descriptor
 {
 public:
@@ -35,26 +38,29 @@ private:
     int fDescriptor;
 };
 
-[[noreturn]] void fail(const std::string& name, const char* reason)
+[[noreturn]] void fail(const std::string& name, const std::string& reason)
 {
     throw FileError("cannot read " + name + ": " + reason);
 }
 
-std::string readAll(const std::string& path, const std::string& name)
+} // namespace
+
+std::string readText(const std::string& path, std::size_t limit)
 {
+    const std::string name = path == "-" ? "standard input" : "'" + path + "'";
     const Descriptor file(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     struct stat status = {};
     if (file.get() < 0 || ::fstat(file.get(), &status) != 0)
         fail(name, std::strerror(errno));
     if (S_ISDIR(status.st_mode))
         fail(name, std::strerror(EISDIR));
-    constexpr const char* kTooLarge = "it is not smaller than 2 GiB";
+    const std::string tooLarge = "it has more than " + std::to_string(limit >> 20) + " MB";
     const bool sizeKnown = S_ISREG(status.st_mode);
-    if (sizeKnown && static_cast<std::size_t>(status.st_size) >= kMaxSourceSize)
-        fail(name, kTooLarge);
+    if (sizeKnown && static_cast<std::size_t>(status.st_size) > limit)
+        fail(name, tooLarge);
 
-    // Room for the closing byte too, and for the read that finds the end.
-    std::string bytes(sizeKnown ? static_cast<std::size_t>(status.st_size) + 2 : 1 << 16, '\0');
+    // Room for one more byte, so that a read finds the end.
+    std::string bytes(sizeKnown ? static_cast<std::size_t>(status.st_size) + 1 : 1 << 16, '\0');
     for (std::size_t filled = 0;;)
     {
         const ssize_t count = ::read(file.get(), bytes.data() + filled, bytes.size() - filled);
@@ -63,11 +69,13 @@ std::string readAll(const std::string& path, const std::string& name)
         if (count < 0)
             fail(name, std::strerror(errno));
         filled += static_cast<std::size_t>(count);
-        if (filled >= kMaxSourceSize)
-            fail(name, kTooLarge);
+        if (filled > limit)
+            fail(name, tooLarge);
         if (count == 0)
         {
             bytes.resize(filled);
+            if (bytes.starts_with(kByteOrderMark))
+                bytes.erase(0, kByteOrderMark.size());
             return bytes;
         }
         if (filled == bytes.size())
@@ -75,10 +83,8 @@ std::string readAll(const std::string& path, const std::string& name)
     }
 }
 
-} // namespace
-
 Source::Source(const std::string& path)
-    : Source(path == "-" ? "<stdin>" : path, readAll(path, path == "-" ? "standard input" : "'" + path + "'"))
+    : Source(path == "-" ? kStandardInputName : path, readText(path, kMaxSourceSize))
 {
 }
 

@@ -16,8 +16,15 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Sources and programs stay below this many bytes.
-inline constexpr std::size_t kMaxSourceSize = 0x7fffffff;
+/// The most bytes of a source that is read whole.
+inline constexpr std::size_t kMaxSourceSize = std::size_t{2047} << 20;
+
+/// How messages call standard input.
+inline constexpr const char* kStandardInputName = "<stdin>";
+
+/// Reads a file, "-" being standard input, and drops a byte-order mark at its beginning. Throws a FileError when it is a
+/// directory, unreadable, or has more bytes than the limit, which is a whole number of megabytes.
+[[nodiscard]] std::string readText(const std::string& path, std::size_t limit);
 
 /// A text that was read whole, and the places in it.
 class Source
@@ -31,7 +38,7 @@ public:
         std::string_view text; ///< the line, without its end
     };
 
-    /// Reads a file, "-" being standard input. Throws a FileError when it is a directory, too large or unreadable.
+    /// Reads a file as readText does; it has at most kMaxSourceSize bytes.
     explicit Source(const std::string& path);
     /// Takes a text that is in memory already.
     Source(std::string name, std::string text);
@@ -42,7 +49,7 @@ public:
     /// The bytes with the one that the library puts behind a file's last, so that a parser that is given this text reads
     /// it as it reads a file.
     [[nodiscard]] const krString::CString& contents() const noexcept { return fContents; }
-    /// The bytes of the file itself.
+    /// The number of bytes of the text.
     [[nodiscard]] std::size_t size() const noexcept { return fSize; }
 
     /// The place of a byte, or of the end. Asking in rising order costs one walk through the text in all.

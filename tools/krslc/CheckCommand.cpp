@@ -1,76 +1,34 @@
 #include "CheckCommand.h"
 
-#include "Lints.h"
+#include "Report.h"
 
 #include <common/ExitStatus.h>
-#include <common/SourceReader.h>
-#include <common/StandardOutput.h>
-
-#include <nlohmann/json.hpp>
-
-#include <algorithm>
-
-using nlohmann::ordered_json;
-
-namespace
-{
-
-krTools::Findings inspect(const krTools::Source& source, const WarningOptions& warnings)
-{
-    krTools::Findings findings;
-    krTools::SourceReader reader(source, findings);
-    const bool safe = reader.scan([&](const krTools::FunctionScanner& scanner, const krTools::ScannedFunction& function)
-                                  { lint(scanner, function, warnings, findings); });
-    if (safe)
-        reader.parse([](const std::unique_ptr<krShadingDag::ShadingNodeSpec>&, const krTools::FunctionOutline&) {});
-    if (reader.outlines().empty() && !findings.hasErrors())
-        warnings.warn(findings, Warning::EmptySource, 0, "this source has no function");
-    findings.sort();
-    return findings;
-}
-
-void appendJson(ordered_json& list, const krTools::Source& source, const krTools::Findings& findings)
-{
-    for (const krTools::Finding& finding : findings.kept())
-    {
-        const krTools::Source::Place place = source.place(finding.position);
-        list.push_back({{"file", source.name()},
-                        {"line", place.line},
-                        {"column", place.column},
-                        {"severity", finding.severity == krTools::Severity::Error ? "error" : "warning"},
-                        {"name", finding.name.empty() ? ordered_json() : ordered_json(finding.name)},
-                        {"text", krTools::printable(finding.text)}});
-    }
-}
-
-} // namespace
+#include <common/Modules.h>
+#include <common/PlainReading.h>
 
 int check(const CheckOptions& options)
 {
     int status = krTools::kDone;
-    ordered_json list = ordered_json::array();
+    Report report(options.warnings, options.asJson);
     for (const std::string& path : options.files)
         try
         {
-            const krTools::Source source(path);
-            const krTools::Findings findings = inspect(source, options.warnings);
-            if (options.asJson)
-                appendJson(list, source, findings);
+            if (options.asPlain)
+            {
+                const krTools::SpecLibraryCleaner cleaner;
+                const krTools::Source source(path);
+                krTools::Findings findings;
+                (void)krTools::readPlain(source, findings);
+                report.add(source, std::move(findings));
+            }
             else
-                krTools::print(stderr, source, findings);
-            if (findings.hasErrors())
-                status = std::max<int>(status, krTools::kInputHasErrors);
+                report.add(krTools::readModule(path, options.includeFolders));
         }
         catch (const krTools::FileError& error)
         {
             krTools::print(stderr, "krslc", krTools::Severity::Error, error.what());
             status = krTools::kCannotRun;
         }
-    if (options.asJson)
-    {
-        krTools::StandardOutput output;
-        output.write(list.dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n');
-        output.finish();
-    }
-    return status;
+    report.finish();
+    return status == krTools::kDone && report.errorCount() > 0 ? krTools::kInputHasErrors : status;
 }

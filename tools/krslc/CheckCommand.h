@@ -1,5 +1,5 @@
 #pragma once
-#include "Warnings.h"
+#include "WarningOptions.h"
 
 #include <string>
 #include <vector>
@@ -7,10 +7,12 @@
 struct CheckOptions
 {
     std::vector<std::string> files;
+    std::vector<std::string> includeFolders;
     WarningOptions warnings;
+    bool asPlain = false; ///< read with ShadingParser
     bool asJson = false;
 };
 
-/// Parses sources, warns of their traps and reports all that was found.
+/// Reads sources and reports all errors and warnings.
 /// @return  the exit status
 int check(const CheckOptions& options);

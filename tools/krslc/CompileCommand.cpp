@@ -1,224 +1,248 @@
 #include "CompileCommand.h"
 
 #include "Depfile.h"
-#include "FailureTexts.h"
-#include "GlslValidator.h"
-#include "Warnings.h"
+#include "InterfaceJson.h"
+#include "MaterialCompiler.h"
+#include "Report.h"
+#include "Validation.h"
 
-#include <common/DataFiles.h>
 #include <common/ExitStatus.h>
-#include <common/Expansion.h>
-#include <common/Libraries.h>
-#include <common/MaterialReader.h>
+#include <common/Modules.h>
 #include <common/OutputFiles.h>
 #include <common/UsageError.h>
-#include <common/Words.h>
 
-#include <krender/shadergen/CgMaterialCompiler.h>
-#include <krender/shadergen/GlslMaterialCompiler.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <memory>
-#include <optional>
+#include <set>
+#include <utility>
 
-using krShadingDag::ShadingNodeSpec;
-using krTools::inQuotes;
-using krTools::Severity;
+using krFrontend::Diagnostic;
+using krFrontend::LineOrigin;
+using krFrontend::Severity;
+using krTools::UsageError;
+using nlohmann::ordered_json;
 
 namespace
 {
 
-void printError(const std::string& text) { krTools::print(stderr, "krslc", Severity::Error, text); }
+// Options
 
-// The lights
-
-/// The lights that the options ask for; nothing when one is missing, which is then reported.
-std::optional<std::vector<LightSpec>> findLights(const std::vector<std::string>& options, krTools::Libraries& libraries)
-{
-    std::vector<LightSpec> lights;
-    bool ok = true;
-    for (const std::string& option : options)
-    {
-        const std::size_t equals = option.find('=');
-        const std::string key = option.substr(0, equals);
-        const std::string function = option.substr(equals + 1);
-        const ShadingNodeSpec* light = libraries.findLight(function, "--light " + option);
-        ok &= light != nullptr;
-        if (!light)
-            continue;
-        if (light->body().findStatement(krShadingDag::StatementType::Illuminance))
-            libraries.add(*light, Severity::Warning,
-                          kWarnings[static_cast<std::size_t>(Warning::IlluminanceInLight)].name,
-                          "the illuminance block of light " + inQuotes(function) + " stays in the program as it is");
-        lights.push_back({light, key.c_str()});
-    }
-    if (!libraries.report() || !ok)
-        return std::nullopt;
-    return lights;
-}
-
-void checkLightOptions(const std::vector<std::string>& options)
-{
-    for (const std::string& option : options)
-    {
-        const std::size_t equals = std::min(option.find('='), option.size());
-        const std::string_view key = std::string_view(option).substr(0, equals);
-        if (equals + 1 >= option.size() || !krTools::isName(key))
-            throw krTools::UsageError("--light " + option + ": KEY=FUNCTION is wanted, the key being a name");
-    }
-}
-
-// The programs
-
-/// The two programs for a target, as they are written.
-struct ProgramPair
-{
-    bool isGlsl;
-    krTools::Source vertex; ///< named after its file
-    krTools::Source fragment;
-};
-
-ProgramPair generate(const ShadingNodeSpec& material, const std::vector<LightSpec>* lights, bool isGlsl,
-                     const CompileOptions& options)
-{
-    krString::CString vertex;
-    krString::CString fragment;
-    (isGlsl ? compileMaterialToGlsl : compileMaterialToCg)(material, lights, vertex, fragment);
-
-    const auto program = [&](const krString::CString& text, const char* stage, const std::string& ownFile)
-    {
-        const std::string path = !ownFile.empty()      ? ownFile
-                                 : options.base == "-" ? "-"
-                                                       : options.base + "." + stage + (isGlsl ? "" : ".cg");
-        std::string whole(isGlsl && options.withPreamble ? kGlslPreamble : std::string_view());
-        return krTools::Source(path, whole.append(text.view()));
-    };
-    return {isGlsl, program(vertex, "vert", options.vertexFile), program(fragment, "frag", options.fragmentFile)};
-}
-
-bool reportProgram(const krTools::Source& program, krTools::Findings& findings, const char* name)
-{
-    findings.sort();
-    if (program.name() == "-")
-        krTools::print(stderr, krTools::Source(name, std::string(program.text())), findings);
-    else
-        krTools::print(stderr, program, findings);
-    return !findings.hasErrors();
-}
-
-/// @return  whether the programs are fit for their compilers, as far as can be told; what is wrong is reported
-bool validate(const ProgramPair& pair)
-{
-    krTools::Findings vertex;
-    krTools::Findings fragment;
-    findFailureTexts(pair.vertex, vertex);
-    findFailureTexts(pair.fragment, fragment);
-    std::vector<std::string> errors;
-    if (pair.isGlsl && !vertex.hasErrors() && !fragment.hasErrors())
-        errors = GlslValidator().validate(pair.vertex, vertex, pair.fragment, fragment);
-    const bool vertexOk = reportProgram(pair.vertex, vertex, "<vertex program>");
-    const bool fragmentOk = reportProgram(pair.fragment, fragment, "<fragment program>");
-    for (const std::string& error : errors)
-        printError(error);
-    return vertexOk && fragmentOk && errors.empty();
-}
-
-// The whole
-
-void checkOutputOptions(const CompileOptions& options)
+void checkPrograms(const CompileOptions& options)
 {
     const bool hasFiles = !options.vertexFile.empty() || !options.fragmentFile.empty();
     if (hasFiles && !options.base.empty())
-        throw krTools::UsageError("-o and --vertex with --fragment exclude each other");
+        throw UsageError("-o and --vertex with --fragment exclude each other");
     if (hasFiles && (options.vertexFile.empty() || options.fragmentFile.empty()))
-        throw krTools::UsageError("--vertex and --fragment go together");
-    if (hasFiles && options.target == Target::All)
-        throw krTools::UsageError("--vertex and --fragment name the programs of one target: use -o for all");
+        throw UsageError("--vertex and --fragment go together");
+    if (hasFiles && options.targets.size() > 1)
+        throw UsageError("--vertex and --fragment name the programs of one target: use -o for several");
     if (!hasFiles && options.base.empty())
-        throw krTools::UsageError("where should the programs go? Give -o BASE, -o -, or --vertex and --fragment");
-    if (!options.depfile.empty() && (options.base == "-" || options.vertexFile == "-" || options.fragmentFile == "-"))
-        throw krTools::UsageError("--depfile names the files that depend on the sources, and standard output is none");
+        throw UsageError("where should the programs go? Give -o BASE, -o -, or --vertex and --fragment");
+    std::error_code failure;
+    if (!options.base.ends_with('/') && std::filesystem::is_directory(options.base, failure))
+        throw UsageError("-o " + options.base + " is a folder: give " + options.base +
+                         "/ to write into it, or a file name without its ending");
+    if (options.materials.size() > 1 && !options.base.ends_with('/'))
+        throw UsageError("several materials need a folder for their programs: give -o FOLDER/");
+}
+
+void checkOptions(const CompileOptions& options)
+{
+    checkPrograms(options);
+    const auto isOutput = [&options](const std::string& path)
+    { return options.base == path || options.vertexFile == path || options.fragmentFile == path; };
+    if (!options.depfile.empty() && isOutput("-"))
+        throw UsageError("--depfile names the files that depend on the sources, and standard output is none");
     if (options.keepIlluminance && !options.lights.empty())
-        throw krTools::UsageError("--keep-illuminance and --light exclude each other");
+        throw UsageError("--keep-illuminance and --light exclude each other");
+    if (options.asPlain && !options.interfaceFile.empty())
+        throw UsageError("--interface tells of full KRSL, which --plain does not read");
+    if (options.asJson && (isOutput("-") || options.interfaceFile == "-"))
+        throw UsageError("--json writes to standard output, so nothing else can");
 }
 
 /// No output may overwrite a source, or another output.
 void checkOverwriting(const krTools::OutputFiles& outputs, const std::vector<std::string>& sources)
 {
-    const auto isSame = [](const std::string& a, const std::string& b)
+    const auto canonical = [](const std::string& path)
     {
-        using namespace std::filesystem;
         std::error_code failure;
-        return weakly_canonical(absolute(a), failure) == weakly_canonical(absolute(b), failure);
+        return std::filesystem::weakly_canonical(std::filesystem::absolute(path), failure).string();
     };
-    std::vector<std::string> paths;
+    std::set<std::string> sourcePaths;
+    for (const std::string& source : sources)
+        sourcePaths.insert(canonical(source));
+    std::set<std::string> paths;
     for (const auto& [path, text] : outputs.files())
     {
         std::error_code failure;
         if (path == "-" || std::filesystem::is_character_file(path, failure))
             continue;
-        for (const std::string& source : sources)
-            if (isSame(path, source))
-                throw krTools::UsageError("'" + path + "' is a source of this compilation and would be overwritten");
-        for (const std::string& other : paths)
-            if (isSame(path, other))
-                throw krTools::UsageError("'" + path + "' is named twice for an output");
-        paths.push_back(path);
+        const std::string place = canonical(path);
+        if (sourcePaths.contains(place))
+            throw UsageError("'" + path + "' is a source of this compilation and would be overwritten");
+        if (!paths.insert(place).second)
+            throw UsageError("'" + path + "' is named twice for an output");
     }
+}
+
+// Programs
+
+/// A material's programs for a target as they are written.
+struct ProgramFiles
+{
+    krTools::Source vertex; ///< named after its file
+    krTools::Source fragment;
+};
+
+ProgramFiles filesOf(const CompiledProgram& compiled, const CompileOptions& options)
+{
+    const std::string base = options.base.ends_with('/') ? options.base + compiled.material : options.base;
+    const auto file = [&](const std::string& text, std::string_view ending, const std::string& ownFile)
+    {
+        const std::string path = !ownFile.empty() ? ownFile : base == "-" ? "-" : base + std::string(ending);
+        std::string whole(options.withPreamble ? compiled.target->preamble : std::string_view());
+        return krTools::Source(path, whole.append(text));
+    };
+    return {file(compiled.program.vertex, compiled.target->vertexEnding, options.vertexFile),
+            file(compiled.program.fragment, compiled.target->fragmentEnding, options.fragmentFile)};
+}
+
+/// Reports what the checker of a target found in a program. Where the front end accepted the source, the fault is
+/// krender's, and is shown at the line that the program's line came from.
+/// @param origins  of the program's lines behind the preamble
+void reportFaults(const krTools::Source& program, const char* nameOnOutput, krTools::Findings findings,
+                  const std::vector<LineOrigin>& origins, std::size_t preambleLines, bool isPlain, Report& report)
+{
+    const krTools::Source shown(program.name() == "-" ? nameOnOutput : program.name(), std::string(program.text()));
+    if (isPlain)
+        return report.add(shown, std::move(findings));
+    findings.sort();
+    krTools::Findings withoutOrigin;
+    for (const krTools::Finding& finding : findings.kept())
+    {
+        const std::string prefix = finding.severity == Severity::Error ? "this is a fault of krender's: " : "";
+        const std::size_t line = shown.place(finding.position).line;
+        const std::size_t index = line - 1 - preambleLines; // wraps around within the preamble
+        const LineOrigin origin = index < origins.size() ? origins[index] : LineOrigin();
+        if (!origin.module)
+        {
+            withoutOrigin.add({finding.position, finding.severity, prefix + finding.text});
+            continue;
+        }
+        const krFrontend::SourceFile& file = origin.module->sources().fileAt(origin.offset);
+        const std::string_view rest = file.text().substr(origin.offset - file.begin());
+        const std::size_t indent = std::min(rest.find_first_not_of(" \t"), rest.size());
+        const std::size_t end = std::min(rest.find_first_of("\r\n"), rest.size());
+        Diagnostic diagnostic;
+        diagnostic.severity = finding.severity;
+        diagnostic.range.begin = origin.offset + static_cast<krFrontend::Offset>(std::min(indent, end));
+        diagnostic.range.end = origin.offset + static_cast<krFrontend::Offset>(end);
+        diagnostic.text = prefix + finding.text + ", in line " + std::to_string(line) + " of " + shown.name();
+        report.add(origin.module->sources(), std::move(diagnostic));
+    }
+    report.add(shown, std::move(withoutOrigin));
+}
+
+void validate(const CompiledProgram& compiled, const ProgramFiles& files, const CompileOptions& options, Report& report)
+{
+    krTools::PairFindings findings = validate(*compiled.target, files.vertex, files.fragment);
+    const std::string_view preamble = options.withPreamble ? compiled.target->preamble : std::string_view();
+    const auto lines = static_cast<std::size_t>(std::count(preamble.begin(), preamble.end(), '\n'));
+    reportFaults(files.vertex, "<vertex program>", std::move(findings.vertex), {}, lines, options.asPlain, report);
+    reportFaults(files.fragment, "<fragment program>", std::move(findings.fragment), compiled.program.fragmentOrigins,
+                 lines, options.asPlain, report);
+    for (const std::string& error : findings.pair)
+        report.error(error);
+}
+
+/// What a run writes in the end.
+struct Outputs
+{
+    krTools::OutputFiles files;
+    std::vector<std::string> programs; ///< the names of the program files
+    ordered_json interfaces = ordered_json::array();
+};
+
+/// Adds a material's programs to the outputs, all or none.
+/// @return  whether there was no error
+bool addMaterial(const krTools::MaterialName& name, MaterialCompiler& compiler, const CompileOptions& options,
+                 Report& report, Outputs& outputs)
+{
+    const std::size_t errorsBefore = report.errorCount();
+    const std::vector<CompiledProgram> programs = compiler.compile(name);
+    std::vector<ProgramFiles> files;
+    for (const CompiledProgram& compiled : programs)
+    {
+        files.push_back(filesOf(compiled, options));
+        if (options.validate)
+            validate(compiled, files.back(), options, report);
+    }
+    if (report.errorCount() != errorsBefore || programs.empty())
+        return false;
+    for (std::size_t i = 0; i < programs.size(); ++i)
+    {
+        for (const krTools::Source* program : {&files[i].vertex, &files[i].fragment})
+        {
+            outputs.files.add(program->name(), std::string(program->text()));
+            outputs.programs.push_back(program->name());
+        }
+        ordered_json interface {
+            {"material", programs[i].material}, {"target", programs[i].target->name},
+                {"vertexFile", files[i].vertex.name()},
+            {
+                "fragmentFile", files[i].fragment.name()
+            }
+        };
+        interface.update(jsonOf(programs[i].program.interface));
+        outputs.interfaces.push_back(std::move(interface));
+    }
+    return true;
+}
+
+void publish(const CompileOptions& options, const MaterialCompiler& compiler, Outputs& outputs)
+{
+    if (!options.interfaceFile.empty())
+        outputs.files.add(options.interfaceFile, textOf(outputs.interfaces));
+    if (!options.depfile.empty())
+        outputs.files.add(options.depfile, makeRule(outputs.programs, compiler.files()));
+    checkOverwriting(outputs.files, compiler.files());
+    outputs.files.publish(krTools::MissingFolders::Make);
 }
 
 } // namespace
 
 int compile(const CompileOptions& options)
 {
-    checkOutputOptions(options);
-    checkLightOptions(options.lights);
-    const krTools::MaterialName name = krTools::materialName(options.material);
-
-    std::vector<std::string> sources;
-    if (options.stdlib != "none")
-        sources.push_back(options.stdlib.empty() ? krTools::dataFile("stdlib.krs") : options.stdlib);
-    sources.insert(sources.end(), options.libraries.begin(), options.libraries.end());
-    krTools::Libraries libraries("krslc");
-    for (const std::string& path : sources)
-        libraries.read(path);
-    const krTools::Source materialSource(name.file);
-    sources.insert(sources.begin(), name.file);
-
-    const bool librariesOk = libraries.report();
-    const std::unique_ptr<ShadingNodeSpec> material = krTools::readMaterial(materialSource, name.function);
-    if (!librariesOk || !material)
-        return krTools::kInputHasErrors;
-    const std::optional<std::vector<LightSpec>> lights = findLights(options.lights, libraries);
-    if (!lights || !krTools::checkExpansion("krslc", *material, lights->size()))
-        return krTools::kInputHasErrors;
-
-    krTools::OutputFiles outputs;
-    bool ok = true;
-    std::vector<std::string> targets;
-    for (const bool isGlsl : {true, false})
-    {
-        if (options.target == (isGlsl ? Target::Cg : Target::Glsl))
-            continue;
-        const ProgramPair pair = generate(*material, options.keepIlluminance ? nullptr : &*lights, isGlsl, options);
-        ok &= !options.validate || validate(pair);
-        for (const krTools::Source* program : {&pair.vertex, &pair.fragment})
+    checkOptions(options);
+    int status = krTools::kDone;
+    Report report(options.warnings, options.asJson);
+    const std::unique_ptr<MaterialCompiler> compiler =
+        options.asPlain ? MaterialCompiler::makePlain(options, report) : MaterialCompiler::makeFull(options, report);
+    Outputs outputs;
+    const std::size_t count = options.materials.size();
+    std::size_t done = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        try
         {
-            outputs.add(program->name(), std::string(program->text()));
-            targets.push_back(program->name());
+            if (count > 1)
+                report.showProgress(std::to_string(i + 1) + '/' + std::to_string(count) + ' ' + options.materials[i]);
+            const krTools::MaterialName name = krTools::materialName(options.materials[i]);
+            done += addMaterial(name, *compiler, options, report, outputs) ? 1 : 0;
         }
-    }
-    if (!ok)
-        return krTools::kInputHasErrors;
-    if (!options.depfile.empty())
-    {
-        std::vector<std::string> files;
-        std::copy_if(sources.begin(), sources.end(), std::back_inserter(files),
-                     [](const std::string& path) { return path != "-"; });
-        outputs.add(options.depfile, makeRule(targets, files));
-    }
-    checkOverwriting(outputs, sources);
-    outputs.publish();
-    return krTools::kDone;
+        catch (const krTools::FileError& error)
+        {
+            report.error(error.what());
+            status = krTools::kCannotRun;
+        }
+    if (done > 0)
+        publish(options, *compiler, outputs);
+    report.finish();
+    if (count > 1)
+        std::fprintf(stderr, "krslc: %zu of %zu materials compiled\n", done, count);
+    return status == krTools::kDone && done < count ? krTools::kInputHasErrors : status;
 }

@@ -1,31 +1,32 @@
 #pragma once
-#include <string>
-#include <utility>
-#include <vector>
+#include "WarningOptions.h"
 
-enum class Target
-{
-    Glsl,
-    Cg,
-    All,
-};
+#include <krender/shadergen/Target.h>
+
+#include <string>
+#include <vector>
 
 struct CompileOptions
 {
-    std::string material; ///< FILE or FILE:NAME
-    std::string stdlib;   ///< empty: the one that comes with krslc; "none": none
+    std::vector<std::string> materials; ///< FILE or FILE:NAME
+    std::string stdlib;                 ///< empty: the one that comes with krslc; "none": none
     std::vector<std::string> libraries;
-    std::vector<std::string> lights; ///< KEY=FUNCTION
-    Target target = Target::Glsl;
-    std::string base;         ///< of the output files' names, or "-"
-    std::string vertexFile;   ///< instead of a base
-    std::string fragmentFile; ///< likewise
-    std::string depfile;
+    std::vector<std::string> includeFolders;
+    std::vector<std::string> lights;    ///< KEY=FUNCTION
+    std::vector<const Target*> targets; ///< in the order in which they are written
+    std::string base;                   ///< of the output files' names, or "-"
+    std::string vertexFile;             ///< instead of a base
+    std::string fragmentFile;           ///< likewise
+    std::string interfaceFile;          ///< empty: none is written
+    std::string depfile;                ///< likewise
+    WarningOptions warnings;
     bool keepIlluminance = false;
     bool withPreamble = false;
     bool validate = false;
+    bool asPlain = false; ///< read with ShadingParser
+    bool asJson = false;
 };
 
-/// Compiles a material for its lights and writes the programs.
+/// Compiles materials for their lights and writes the programs.
 /// @return  the exit status
 int compile(const CompileOptions& options);

@@ -1,18 +1,15 @@
 #include "SpecsCommand.h"
 
+#include "Report.h"
+
 #include <common/ExitStatus.h>
-#include <common/SourceReader.h>
+#include <common/PlainReading.h>
 #include <common/StandardOutput.h>
-
-#include <krender/shading/ShadingParser.h>
-
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <nlohmann/json.hpp>
 
-#include <cerrno>
-#include <cstring>
+#include <map>
+#include <utility>
 
 using krShadingDag::ShadingNodeSpec;
 using nlohmann::ordered_json;
@@ -20,26 +17,10 @@ using nlohmann::ordered_json;
 namespace
 {
 
-/// A file in memory with the text of a source, so that the parser reads exactly what was looked through before, even
-/// from a pipe or a file that changes.
-class Snapshot
+const char* nodeTypeName(const ShadingNodeSpec& spec)
 {
-public:
-    explicit Snapshot(const krTools::Source& source) : fDescriptor(::memfd_create("krslc", MFD_CLOEXEC))
-    {
-        const int error = fDescriptor < 0 ? errno : krTools::writeAll(fDescriptor, source.text());
-        if (error != 0)
-            throw krTools::FileError("cannot copy '" + source.name() + "': " + std::strerror(error));
-    }
-    Snapshot(const Snapshot&) = delete;
-    Snapshot& operator=(const Snapshot&) = delete;
-    ~Snapshot() { ::close(fDescriptor); }
-
-    [[nodiscard]] std::string path() const { return "/proc/self/fd/" + std::to_string(fDescriptor); }
-
-private:
-    int fDescriptor;
-};
+    return spec.nodeType() == krShadingDag::kDefinition ? "definition" : "declaration";
+}
 
 ordered_json attributesOf(const ShadingNodeSpec::Attributes& attributes)
 {
@@ -47,6 +28,7 @@ ordered_json attributesOf(const ShadingNodeSpec::Attributes& attributes)
     for (const krShadingDag::ShadingAttribute& attribute : attributes)
         list.push_back({{"name", attribute.name().asChar()},
                         {"type", attribute.dataType()},
+                        {"typeName", dataTypeName(attribute.dataType())},
                         {"minFreq", attribute.range().minFreq},
                         {"maxFreq", attribute.range().maxFreq}});
     return list;
@@ -56,6 +38,7 @@ ordered_json jsonOf(const ShadingNodeSpec& spec)
 {
     return {{"name", spec.name().asChar()},
             {"nodeType", spec.nodeType()},
+            {"nodeTypeName", nodeTypeName(spec)},
             {"hasIlluminanceLoop", spec.hasIlluminanceLoop()},
             {"header", spec.functionHeaderString().asChar()},
             {"body", spec.body().toString("", "\t").view()},
@@ -63,38 +46,14 @@ ordered_json jsonOf(const ShadingNodeSpec& spec)
             {"outputs", attributesOf(spec.outputs())}};
 }
 
-std::string textOf(const ShadingNodeSpec& spec)
-{
-    bool returnsValue = false;
-    const krShadingDag::ShadingAttribute& result = spec.output("output", returnsValue);
-    std::string text = spec.nodeType() == krShadingDag::kDefinition ? "definition " : "declaration ";
-    text.append(returnsValue ? dataTypeName(result.dataType()) : "void").append(" ");
-    return text.append(spec.functionHeaderString().view());
-}
-
 } // namespace
 
 int printSpecs(const std::string& path, bool asJson)
 {
+    const krTools::SpecLibraryCleaner cleaner;
     const krTools::Source source(path);
     krTools::Findings findings;
-    krTools::SourceReader reader(source, findings);
-    bool parsed = false;
-    std::string messages;
-    if (reader.scan())
-    {
-        const Snapshot snapshot(source);
-        krShadingDag::ShadingParser parser;
-        parsed = parser.parseFile(snapshot.path().c_str(), false);
-        messages = parser.errorString().view();
-        // The library's own message has a fixed name in place of the file's; ours comes from reading once more.
-        if (!parsed && !findings.hasErrors())
-            reader.parse([](const std::unique_ptr<ShadingNodeSpec>&, const krTools::FunctionOutline&) {});
-    }
-    else
-        for (const krTools::Finding& finding : findings.kept())
-            messages += finding.text + '\n';
-    findings.sort();
+    const krTools::PlainReading reading = readPlain(source, findings);
     krTools::print(stderr, source, findings);
 
     krTools::StandardOutput output;
@@ -103,13 +62,31 @@ int printSpecs(const std::string& path, bool asJson)
         ordered_json functions = ordered_json::array();
         for (const auto& [name, spec] : ShadingNodeSpec::fLibrary)
             functions.push_back(jsonOf(*spec));
-        const ordered_json document{{"parsed", parsed}, {"messages", messages}, {"functions", std::move(functions)}};
-        // Sources are bytes and JSON is Unicode: what is no UTF-8 becomes the replacement character.
-        output.write(document.dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n');
+        ordered_json problems = ordered_json::array();
+        for (const krTools::Finding& finding : findings.kept())
+        {
+            const krTools::Source::Place place = source.place(finding.position);
+            problems.push_back({{"file", source.name()},
+                                {"line", place.line},
+                                {"column", place.column},
+                                {"severity", "error"},
+                                {"name", nullptr},
+                                {"text", krTools::printable(finding.text)}});
+        }
+        output.write(textOf({{"parsed", reading.parsed},
+                             {"messages", reading.messages},
+                             {"problems", std::move(problems)},
+                             {"functions", std::move(functions)}}));
     }
     else
+    {
+        std::map<const ShadingNodeSpec*, std::string> resultWords;
+        for (const krTools::PlainFunction& function : reading.functions)
+            resultWords[function.spec] = function.resultWord;
         for (const auto& [name, spec] : ShadingNodeSpec::fLibrary)
-            output.write(textOf(*spec));
+            output.write(std::string(nodeTypeName(*spec)) + ' ' + resultWords[spec] + ' ' +
+                         spec->functionHeaderString().asChar());
+    }
     output.finish();
-    return parsed && !findings.hasErrors() ? krTools::kDone : krTools::kInputHasErrors;
+    return reading.parsed && !findings.hasErrors() ? krTools::kDone : krTools::kInputHasErrors;
 }

@@ -1,7 +1,7 @@
 #include "TokensCommand.h"
 
 #include <common/ExitStatus.h>
-#include <common/Source.h>
+#include <common/Findings.h>
 #include <common/StandardOutput.h>
 
 #include <krender/core/Exception.h>
@@ -62,11 +62,13 @@ void appendToken(std::string& out, const Token& token)
 
 int printTokens(const std::string& path)
 {
+    const krTools::Source source(path);
     krShadingDag::Tokenizer tokenizer;
-    tokenizer.openString(krTools::Source(path).contents());
+    tokenizer.openString(source.contents());
 
     krTools::StandardOutput output;
     std::string line;
+    krTools::Findings findings;
     int status = krTools::kDone;
     for (bool more = true; more;)
     {
@@ -81,11 +83,14 @@ int printTokens(const std::string& path)
         catch (const Exception&)
         {
             line = "EXCEPTION\n";
+            findings.error(tokenizer.position(),
+                           "the source ends within the comment, string or blanks that begin here");
             status = krTools::kInputHasErrors;
             more = false;
         }
         output.write(line);
     }
     output.finish();
+    krTools::print(stderr, source, findings);
     return status;
 }

@@ -1,33 +1,30 @@
 #include "CheckCommand.h"
 #include "CompileCommand.h"
+#include "InterfaceCommand.h"
 #include "SpecsCommand.h"
 #include "TokensCommand.h"
 
 #include <common/ExitStatus.h>
-#include <common/SourceReader.h>
+#include <common/PrintedMessage.h>
 #include <common/StandardOutput.h>
 #include <common/UsageError.h>
 
+#include <krender/shadergen/Target.h>
+
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <csignal>
 #include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace
 {
 
 /// What is left to do once the command line is understood.
 using Command = std::function<int()>;
-
-/// Empties the spec library when the work is done, while the stack is still large: the trees in it may be deep.
-struct SpecLibraryEnd
-{
-    SpecLibraryEnd() = default;
-    SpecLibraryEnd(const SpecLibraryEnd&) = delete;
-    SpecLibraryEnd& operator=(const SpecLibraryEnd&) = delete;
-    ~SpecLibraryEnd() { krShadingDag::ShadingNodeSpec::clearLibrary(); }
-};
 
 int printText(const std::string& text)
 {
@@ -37,9 +34,69 @@ int printText(const std::string& text)
     return krTools::kDone;
 }
 
+/// The targets of a list such as "glsl,cg"; "all" stands for all of them.
+std::vector<const Target*> targetsOf(const std::string& list)
+{
+    std::vector<const Target*> found;
+    const auto add = [&found](const Target& target)
+    {
+        if (std::find(found.begin(), found.end(), &target) == found.end())
+            found.push_back(&target);
+    };
+    std::vector<std::string> names;
+    for (const Target& target : targets())
+        names.emplace_back(target.name);
+    for (std::size_t begin = 0, end = 0; end <= list.size(); begin = end + 1)
+    {
+        end = std::min(list.find(',', begin), list.size());
+        const std::string name = list.substr(begin, end - begin);
+        const Target* const target = findTarget(name);
+        if (name == "all")
+            for (const Target& each : targets())
+                add(each);
+        else if (target)
+            add(*target);
+        else
+            throw krTools::UsageError("there is no target " + krTools::inQuotes(name) + ": there are " +
+                                      CLI::detail::join(names, ", ") + " and all");
+        if (end == list.size())
+            break;
+    }
+    return found;
+}
+
+/// What compile and check share: where sources come from, how they are read, and what is reported.
+struct ReadArguments
+{
+    std::vector<std::string> warnings;
+    bool listWarnings = false;
+};
+
+template <class Options>
+void addReadOptions(CLI::App& command, Options& options, ReadArguments& arguments)
+{
+    command.add_option("-I", options.includeFolders, "a folder that included files are looked for in")
+        ->type_name("FOLDER")
+        ->allow_extra_args(false);
+    command.add_flag("--plain", options.asPlain, "read as a host that uses ShadingParser does");
+    command
+        .add_option("-W", arguments.warnings,
+                    "-Wno-NAME switches a warning off, -WNAME on, -Werror turns warnings into errors; -Wplain warns of "
+                    "what a host that uses ShadingParser reads otherwise")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
+    command.add_flag("--json", options.asJson, "print what is found as JSON on standard output");
+}
+
+void applyWarnings(const ReadArguments& arguments, WarningOptions& warnings)
+{
+    for (const std::string& option : arguments.warnings)
+        warnings.apply(option);
+}
+
 void addCompile(CLI::App& app, Command& command)
 {
-    struct Arguments
+    struct Arguments : ReadArguments
     {
         CompileOptions options;
         std::string target = "glsl";
@@ -47,21 +104,29 @@ void addCompile(CLI::App& app, Command& command)
     };
     const auto arguments = std::make_shared<Arguments>();
     CompileOptions& options = arguments->options;
-    CLI::App* compileApp = app.add_subcommand("compile", "Write the vertex and fragment programs of a material");
-    compileApp->add_option("--material", options.material, "the material: a file, and a function in it")
+    CLI::App* compileApp = app.add_subcommand("compile", "Write the vertex and fragment programs of materials");
+    compileApp->add_option("--material", options.materials, "a material: a file, and a material in it; may be repeated")
         ->type_name("FILE[:NAME]")
+        ->allow_extra_args(false)
         ->required();
-    compileApp->add_option("--stdlib", options.stdlib, "the standard library; \"none\" for none")->type_name("FILE");
-    compileApp->add_option("--lib", options.libraries, "a further library")->type_name("FILE")->allow_extra_args(false);
-    compileApp->add_option("--light", options.lights, "a light, in order: its name and its function in a library")
+    compileApp->add_option("--stdlib", options.stdlib, "the standard library of lights; \"none\" for none")
+        ->type_name("FILE");
+    compileApp->add_option("--lib", options.libraries, "a further library of lights")
+        ->type_name("FILE")
+        ->allow_extra_args(false);
+    compileApp
+        ->add_option("--light", options.lights,
+                     "a light, in order: its name, and its function in the material's file or a library")
         ->type_name("KEY=FUNCTION")
         ->allow_extra_args(false);
-    compileApp->add_option("--target", arguments->target, "which programs to write; glsl if not given")
-        ->type_name("TARGET")
-        ->check(CLI::IsMember({"glsl", "cg", "all"}));
+    compileApp
+        ->add_option("--target", arguments->target,
+                     "which programs to write: names between commas, or all; glsl if not given")
+        ->type_name("TARGETS");
     compileApp
         ->add_option("-o", options.base,
-                     "write BASE.vert and BASE.frag, for cg BASE.vert.cg and BASE.frag.cg; \"-\" for standard output")
+                     "write BASE.vert and BASE.frag, for cg BASE.vert.cg and BASE.frag.cg; with a slash at its end "
+                     "BASE is a folder, and the files take the material's name; \"-\" for standard output")
         ->type_name("BASE");
     compileApp->add_option("--vertex", options.vertexFile, "where the vertex program goes")->type_name("FILE");
     compileApp->add_option("--fragment", options.fragmentFile, "where the fragment program goes")->type_name("FILE");
@@ -71,52 +136,65 @@ void addCompile(CLI::App& app, Command& command)
         ->type_name("TEXT")
         ->check(CLI::IsMember({"none", "glsl120"}));
     compileApp->add_flag("--validate", options.validate,
-                         "compile and link the GLSL programs, and write none that fail");
+                         "check the programs with a compiler front end, and write none that fail");
+    compileApp
+        ->add_option("--interface", options.interfaceFile,
+                     "write what a host has to give the programs, as JSON; \"-\" for standard output")
+        ->type_name("FILE");
     compileApp->add_option("--depfile", options.depfile, "write what the programs depend on, for make")
         ->type_name("FILE");
+    addReadOptions(*compileApp, options, *arguments);
     compileApp->final_callback(
         [&command, arguments]
         {
-            arguments->options.target = arguments->target == "glsl" ? Target::Glsl
-                                        : arguments->target == "cg" ? Target::Cg
-                                                                    : Target::All;
+            arguments->options.targets = targetsOf(arguments->target);
             arguments->options.withPreamble = arguments->preamble == "glsl120";
+            applyWarnings(*arguments, arguments->options.warnings);
             command = [arguments] { return compile(arguments->options); };
         });
 }
 
 void addCheck(CLI::App& app, Command& command)
 {
-    struct Arguments
+    struct Arguments : ReadArguments
     {
         CheckOptions options;
-        std::vector<std::string> warnings;
-        bool list = false;
     };
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App* checkApp = app.add_subcommand("check", "Parse sources and report errors and traps");
+    CLI::App* checkApp = app.add_subcommand("check", "Report all errors and warnings in sources");
     checkApp->add_option("files", arguments->options.files, "the sources; \"-\" for standard input")->type_name("FILE");
-    checkApp
-        ->add_option("-W", arguments->warnings, "-Wno-NAME silences a warning, -WNAME wants it, -Werror fails on any")
-        ->type_name("NAME")
-        ->allow_extra_args(false);
-    checkApp->add_flag("--list-warnings", arguments->list, "print the names of all warnings");
-    checkApp->add_flag("--json", arguments->options.asJson, "print the findings as JSON on standard output");
+    checkApp->add_flag("--list-warnings", arguments->listWarnings, "print the names of all warnings");
+    addReadOptions(*checkApp, arguments->options, *arguments);
     checkApp->final_callback(
         [&command, arguments]
         {
-            if (!arguments->list && arguments->options.files.empty())
+            if (!arguments->listWarnings && arguments->options.files.empty())
                 throw krTools::UsageError("check: no file is given");
-            for (const std::string& option : arguments->warnings)
-                arguments->options.warnings.apply(option);
-            command = [arguments] { return arguments->list ? printText(listWarnings()) : check(arguments->options); };
+            applyWarnings(*arguments, arguments->options.warnings);
+            command = [arguments]
+            { return arguments->listWarnings ? printText(listWarnings()) : check(arguments->options); };
         });
+}
+
+void addInterface(CLI::App& app, Command& command)
+{
+    const auto options = std::make_shared<InterfaceOptions>();
+    CLI::App* interfaceApp =
+        app.add_subcommand("interface", "Print the materials, lights and functions of a source with their inputs");
+    interfaceApp->add_option("file", options->file, "the source; \"-\" for standard input")
+        ->type_name("FILE")
+        ->required();
+    interfaceApp->add_option("-I", options->includeFolders, "a folder that included files are looked for in")
+        ->type_name("FOLDER")
+        ->allow_extra_args(false);
+    interfaceApp->add_flag("--json", options->asJson, "print JSON");
+    interfaceApp->final_callback([&command, options] { command = [options] { return printInterface(*options); }; });
 }
 
 void addTokens(CLI::App& app, Command& command)
 {
     const auto file = std::make_shared<std::string>();
-    CLI::App* tokensApp = app.add_subcommand("tokens", "Print the tokens of a source, one a line");
+    CLI::App* tokensApp = app.add_subcommand("tokens", "Print the tokens that ShadingParser sees, one a line");
     tokensApp->add_option("file", *file, "the source; \"-\" for standard input")->type_name("FILE")->required();
     tokensApp->final_callback([&command, file] { command = [file] { return printTokens(*file); }; });
 }
@@ -129,7 +207,7 @@ void addSpecs(CLI::App& app, Command& command)
         bool asJson = false;
     };
     const auto arguments = std::make_shared<Arguments>();
-    CLI::App* specsApp = app.add_subcommand("specs", "Print what a source declares and defines");
+    CLI::App* specsApp = app.add_subcommand("specs", "Print the functions that ShadingParser reads");
     specsApp->add_option("file", arguments->file, "the source; \"-\" for standard input")
         ->type_name("FILE")
         ->required();
@@ -146,6 +224,7 @@ int run(int argc, char** argv)
     Command command;
     addCompile(app, command);
     addCheck(app, command);
+    addInterface(app, command);
     addTokens(app, command);
     addSpecs(app, command);
     try
@@ -164,14 +243,7 @@ int run(int argc, char** argv)
     {
         throw krTools::UsageError(error.what());
     }
-    int status = krTools::kCannotRun;
-    krTools::runOnLargeStack(
-        [&]
-        {
-            const SpecLibraryEnd end;
-            status = command();
-        });
-    return status;
+    return command();
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <new>
 
@@ -28,15 +29,14 @@ Colour blend(const Colour& a, const Colour& b, double share)
 
 Colour grey(double value) { return {value, value, value, 1}; }
 
-/// Takes a reference on a new array and fills it.
+/// Fills a new array.
 /// @param colourAt  the colour at a column, row and slice
 template <class Array, class ColourAt>
-Shared<Array> filled(Array* array, const ColourAt& colourAt)
+Ref<Array> filled(Array* array, const ColourAt& colourAt)
 {
-    array->ref();
-    Shared<Array> held(array);
+    Ref<Array> held(array);
     auto* pixel = static_cast<std::uint8_t*>(array->data());
-    if (pixel == nullptr)
+    if (!pixel)
         throw std::bad_alloc();
     for (unsigned z = 0; z < array->depth(); ++z)
         for (unsigned y = 0; y < array->height(); ++y)
@@ -46,7 +46,7 @@ Shared<Array> filled(Array* array, const ColourAt& colourAt)
     return held;
 }
 
-/// A number from 0 to 1 that depends on a place of the lattice alone.
+/// A pseudo-random number from 0 to 1 for each point of the lattice.
 double latticeValue(unsigned x, unsigned y, unsigned z)
 {
     std::uint32_t hash = x * 0x8da6b343u + y * 0xd8163841u + z * 0xcb1ab31fu;
@@ -55,7 +55,7 @@ double latticeValue(unsigned x, unsigned y, unsigned z)
     return (hash >> 8) / double{1 << 24};
 }
 
-/// Value noise of some octaves that repeats from 0 to 1 on every axis.
+/// Value noise in several octaves, with a period of 1 on every axis.
 double noise(double x, double y, double z, unsigned cells, unsigned octaves)
 {
     double sum = 0;
@@ -91,7 +91,7 @@ double noise(double x, double y, double z, unsigned cells, unsigned octaves)
 
 Colour checker(unsigned x, unsigned y, unsigned)
 {
-    // As many squares as the built-in shapes have sides. Alpha is the strength of highlights to the shipped materials.
+    // As many squares as the built-in shapes have sides. The shipped materials read alpha as the strength of highlights.
     constexpr unsigned kSquares = 10;
     return (x * kSquares / kSide + y * kSquares / kSide) % 2 == 0 ? Colour{0.93, 0.88, 0.78, 0.3}
                                                                   : Colour{0.13, 0.33, 0.55, 1};
@@ -108,7 +108,7 @@ Colour skyPixel(unsigned x, unsigned y, unsigned)
     return blend({0.25, 0.5, 0.85, 0.3}, {1, 1, 1, 0.3}, std::clamp(4 * cloud - 1.7, 0.0, 1.0));
 }
 
-/// What is seen from the middle of the surroundings.
+/// The colour of the surroundings in a direction.
 Colour surroundings(const Direction& direction)
 {
     constexpr Direction kSun{0.45, 0.6, 0.66};
@@ -128,7 +128,7 @@ Colour surroundings(const Direction& direction)
     return blend(sky, grey(1), std::clamp(std::pow(std::max(towardsSun, 0.0), 60.0) * 1.5, 0.0, 1.0));
 }
 
-/// The direction of a pixel of a face, the faces being +x, -x, +y, -y, +z, -z as the graphics interface lays them out.
+/// The direction of a pixel of a cube face, in the face order of OpenGL: +x, -x, +y, -y, +z, -z.
 Direction faceDirection(unsigned column, unsigned row, unsigned face)
 {
     const double s = (2.0 * column + 1) / kCubeSide - 1;
@@ -173,20 +173,20 @@ const std::vector<std::string>& builtInPictureNames()
     return kNames;
 }
 
-Shared<PixelArray2D> builtInPicture(const std::string& name)
+Ref<PixelArray2D> builtInPicture(const std::string& name)
 {
     const auto* const found =
         std::find_if(kPictures.begin(), kPictures.end(), [&](const NamedPicture& p) { return p.name == name; });
     return filled(new PixelArray2D(pictureFormat(), kSide, kSide), found->colourAt);
 }
 
-Shared<PixelArray1D> builtInRamp()
+Ref<PixelArray1D> builtInRamp()
 {
     return filled(new PixelArray1D(pictureFormat(), kSide),
                   [](unsigned x, unsigned, unsigned) { return grey(double{1} * x / (kSide - 1)); });
 }
 
-Shared<PixelArray3D> builtInNoise()
+Ref<PixelArray3D> builtInNoise()
 {
     return filled(new PixelArray3D(pictureFormat(), kVolumeSide, kVolumeSide, kVolumeSide),
                   [](unsigned x, unsigned y, unsigned z) {
@@ -195,7 +195,7 @@ Shared<PixelArray3D> builtInNoise()
                   });
 }
 
-Shared<PixelArrayCubeMap> builtInSurroundings()
+Ref<PixelArrayCubeMap> builtInSurroundings()
 {
     return filled(new PixelArrayCubeMap(pictureFormat(), kCubeSide, kCubeSide),
                   [](unsigned x, unsigned y, unsigned face) { return surroundings(faceDirection(x, y, face)); });

@@ -1,6 +1,5 @@
 #pragma once
-#include "Shared.h"
-
+#include <krender/core/Ref.h>
 #include <krender/pixels/PixelArray1D.h>
 #include <krender/pixels/PixelArray2D.h>
 #include <krender/pixels/PixelArray3D.h>
@@ -9,15 +8,16 @@
 #include <string>
 #include <vector>
 
-/// The pictures that need no file. All of them repeat without a seam.
+// Pictures that need no file. All of them tile without a seam.
 
-/// "checker", "noise" and "sky".
+/// The names of the two-dimensional ones: "checker", "noise" and "sky".
 [[nodiscard]] const std::vector<std::string>& builtInPictureNames();
 
-/// The picture of one of these names.
-[[nodiscard]] Shared<PixelArray2D> builtInPicture(const std::string& name);
-/// From dark to light.
-[[nodiscard]] Shared<PixelArray1D> builtInRamp();
-[[nodiscard]] Shared<PixelArray3D> builtInNoise();
-/// A clear sky with its sun over a tiled floor.
-[[nodiscard]] Shared<PixelArrayCubeMap> builtInSurroundings();
+/// The picture with one of these names.
+[[nodiscard]] Ref<PixelArray2D> builtInPicture(const std::string& name);
+/// Black to white.
+[[nodiscard]] Ref<PixelArray1D> builtInRamp();
+/// Grey noise.
+[[nodiscard]] Ref<PixelArray3D> builtInNoise();
+/// A clear sky with a sun over a tiled floor.
+[[nodiscard]] Ref<PixelArrayCubeMap> builtInSurroundings();

@@ -4,7 +4,8 @@
 
 void Camera::bind()
 {
-    // Row vectors row by row lie in memory as column vectors column by column.
+    // The library multiplies row vectors and stores rows; OpenGL multiplies column vectors and stores columns. The memory
+    // is the same.
     glMatrixMode(GL_PROJECTION);
     glLoadMatrixd(projMatrix().elements());
     glMatrixMode(GL_MODELVIEW);

@@ -1,4 +1,5 @@
 #pragma once
+#include <krender/platform/Linear.h>
 #include <krender/spatial/IHWCamera.h>
 
 /// A camera that loads its matrices into OpenGL.
@@ -7,6 +8,6 @@ class Camera : public IHWCamera
 public:
     void bind() override;
 
-    /// The eye's place in the scene.
+    /// The position of the eye in the scene.
     [[nodiscard]] krLinear::Point eye() const;
 };

@@ -18,7 +18,7 @@ DeviceBuffer::~DeviceBuffer()
     fsMemoryUsage -= fSize;
 }
 
-// Nothing else is ever hung on streams and lists here.
+// The casts hold because krview hangs nothing else on streams and lists.
 
 const DeviceBuffer& DeviceBuffer::of(const GeometryData& stream)
 {

@@ -3,19 +3,22 @@
 
 #include <epoxy/gl.h>
 
+#include <cstdint>
+
 class GeometryData;
 class GeometryDataIndex;
 
-/// The copy of a stream or an index list in the graphics card: what hangs on them. All of them together are counted in
-/// IHWMemoryObject::fsMemoryUsage.
+/// The device copy of a stream or an index list, which owns it as its hanger. IHWMemoryObject::fsMemoryUsage counts the
+/// bytes of all of them.
 class DeviceBuffer : public IHWMemoryObject
 {
 public:
-    /// @param target  what the buffer is for: GL_ARRAY_BUFFER or GL_ELEMENT_ARRAY_BUFFER
+    /// @param target  GL_ARRAY_BUFFER for a stream, GL_ELEMENT_ARRAY_BUFFER for a list
+    /// @param size    of the data, bytes
     DeviceBuffer(GLenum target, const void* bytes, std::uint32_t size);
     ~DeviceBuffer() override;
 
-    /// The copies that hang on a stream and on an index list; both are there.
+    /// The copy of a stream or list, which must have one; borrowed.
     [[nodiscard]] static const DeviceBuffer& of(const GeometryData& stream);
     [[nodiscard]] static const DeviceBuffer& of(const GeometryDataIndex& list);
 

@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+#include <utility>
+
 FileWatch::State FileWatch::stateOf(const std::string& path)
 {
     struct stat status = {};
@@ -12,19 +14,24 @@ FileWatch::State FileWatch::stateOf(const std::string& path)
 
 void FileWatch::watch(const std::vector<std::string>& files)
 {
-    fFiles.clear();
+    std::map<std::string, State> states;
     for (const std::string& file : files)
-        fFiles.push_back({file, stateOf(file)});
+    {
+        // A file that changed while it was read again has changed since the last call.
+        const auto known = fStates.find(file);
+        states.emplace(file, known == fStates.end() ? stateOf(file) : known->second);
+    }
+    fStates = std::move(states);
 }
 
 bool FileWatch::hasChanged()
 {
     bool changed = false;
-    for (File& file : fFiles)
+    for (auto& [path, known] : fStates)
     {
-        const State state = stateOf(file.path);
-        changed |= state != file.state;
-        file.state = state;
+        const State state = stateOf(path);
+        changed |= state != known;
+        known = state;
     }
     return changed;
 }

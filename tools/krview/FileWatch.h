@@ -1,32 +1,28 @@
 #pragma once
+#include <map>
 #include <string>
 #include <vector>
 
-/// Tells when files change. It looks at them, so that it notices files that editors replace too.
+/// Tells when files change. It compares size, time and inode, so it also notices editors that replace files.
 class FileWatch
 {
 public:
-    /// Watches these files from now on.
+    /// Watches these files instead of the former ones; changes of those that are among both are not lost.
     void watch(const std::vector<std::string>& files);
-    /// Whether a file has changed, come or gone since it was last asked.
+    /// Whether a file has changed, appeared or disappeared since the last call or watch().
     [[nodiscard]] bool hasChanged();
 
 private:
     struct State
     {
-        long long size = -1; ///< -1: there is none
+        long long size = -1; ///< bytes; -1: there is no such file
         long long seconds = 0;
         long nanoseconds = 0;
         unsigned long node = 0;
         friend bool operator==(const State&, const State&) = default;
     };
-    struct File
-    {
-        std::string path;
-        State state;
-    };
 
     [[nodiscard]] static State stateOf(const std::string& path);
 
-    std::vector<File> fFiles;
+    std::map<std::string, State> fStates; ///< by path
 };

@@ -3,12 +3,17 @@
 #include "Streams.h"
 #include "Vector3.h"
 
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/geometry/GeometryLogicalGroup.h>
 #include <krender/geometry/ParticleDataIterator.h>
 
 #include <array>
 #include <cmath>
-#include <memory>
+#include <cstddef>
+#include <cstdint>
 #include <numbers>
+#include <vector>
 
 namespace
 {
@@ -16,22 +21,22 @@ namespace
 constexpr const char* kFixedGroup = "fixed";
 constexpr const char* kMovingGroup = "moving";
 constexpr float kSize = 0.055f; // radius of a disc
-constexpr unsigned kRim = 8;    // corners of a disc around its middle
+constexpr unsigned kRim = 8;    // corners of a disc around its centre
 
 constexpr float kLife = 1.9f; // seconds
 constexpr float kGravity = 3.6f;
-constexpr float kRise = 3.45f; // speed at the mouth of the fountain
+constexpr float kRise = 3.45f; // speed at the mouth
 constexpr float kSpread = 0.5f;
-constexpr float kMouth = -1.15f; // its height
+constexpr float kMouth = -1.15f; // height
 
-/// The direction from a disc's middle to a corner of its rim, in its plane.
+/// The direction from the centre of a disc to a corner of its rim, in the plane of the disc.
 Vector3 rimDirection(unsigned corner)
 {
     const float angle = 2 * std::numbers::pi_v<float> * static_cast<float>(corner) / kRim;
     return {std::cos(angle), std::sin(angle), 0};
 }
 
-/// A number from 0 to 1 that differs from particle to particle and from `which` to `which`.
+/// A pseudo-random number from 0 to 1 for each particle and each `which`.
 float numberOf(unsigned particle, unsigned which)
 {
     std::uint32_t hash = particle * 0x9e3779b9u + which * 0x85ebca6bu;
@@ -40,11 +45,12 @@ float numberOf(unsigned particle, unsigned which)
     return static_cast<float>((hash ^ (hash >> 15)) >> 8) / static_cast<float>(1 << 24);
 }
 
-/// A stream of zeros for so many particles.
-Shared<GeometryData> emptyStream(const char* name, GeometryData::DataType type, unsigned components, unsigned count)
+/// A stream of zeros.
+/// @param count  particles
+Ref<GeometryData> emptyStream(const char* name, GeometryData::DataType type, unsigned components, unsigned count)
 {
-    return Shared<GeometryData>(new GeometryData(name, type, GeometryData::float32, components, count,
-                                                 new float[std::size_t{components} * count](), true, false));
+    return Ref<GeometryData>::adopt(new GeometryData(name, type, GeometryData::float32, components, count,
+                                                     new float[std::size_t{components} * count](), true, false));
 }
 
 } // namespace
@@ -55,10 +61,10 @@ Fountain::Fountain(unsigned count, Geometry& geometry) : fGeometry(geometry)
     const auto velocities = emptyStream("velocity", GeometryData::userData, 3, count);
     const auto colours = emptyStream("color", GeometryData::color, 3, count);
     const auto alpha = emptyStream("alpha", GeometryData::userData, 1, count);
-    fParticles.reset(
+    fParticles = Ref<ParticleData>::adopt(
         new ParticleData(ParticleData::single, kSize, *positions, *velocities, nullptr, colours.get(), alpha.get()));
 
-    // The discs change from frame to frame, but not which corners make one and where in a picture they lie.
+    // Only the positions and colours of the discs change; their triangles and texture coordinates stay.
     std::vector<float> textureCoords;
     std::vector<unsigned> entries;
     for (unsigned particle = 0; particle < count; ++particle)
@@ -72,7 +78,7 @@ Fountain::Fountain(unsigned count, Geometry& geometry) : fGeometry(geometry)
             entries.insert(entries.end(), {middle, middle + 1 + corner, middle + 1 + (corner + 1) % kRim});
         }
     }
-    // The list names no streams: those that it would move with end before it.
+    // The list names no streams: the moving ones are replaced in each frame and the list outlives them.
     fGeometry.createOrReuseLogicalGroup(kFixedGroup)
         ->appendData({newStream(kStreamKinds[kTextureCoords], textureCoords)},
                      {newList(GeometryDataIndex::triangles, {}, entries)});
@@ -105,7 +111,7 @@ void Fountain::move(double seconds)
         position[0] = velocity[0] * age;
         position[1] = kMouth + up * age - 0.5f * kGravity * age * age;
         position[2] = velocity[2] * age;
-        // From white foam to blue water, which fades out.
+        // White foam turns into blue water and fades out.
         const float spent = age / kLife;
         float* const colour = particle.color();
         colour[0] = 0.95f - 0.8f * spent;

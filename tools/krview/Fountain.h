@@ -1,25 +1,25 @@
 #pragma once
-#include "Shared.h"
-
+#include <krender/core/Ref.h>
 #include <krender/geometry/Geometry.h>
 #include <krender/geometry/ParticleData.h>
 #include <krender/platform/Linear.h>
-
-#include <vector>
+#include <krender/spatial/AABoundingBox.h>
 
 /// A fountain of particles, each drawn as a small disc that faces the eye and is shaded like a ball.
 class Fountain
 {
 public:
-    /// @param count     how many particles
-    /// @param geometry  gets a group of what stays the same and, with each update, one of what moves; borrowed
+    /// @param count     number of particles
+    /// @param geometry  gets a group of the data that stay and, at each update, a group of those that move; borrowed for
+    ///                  the life of the fountain
     Fountain(unsigned count, Geometry& geometry);
 
-    /// Moves the particles to a moment and rewrites the discs, those farthest from the eye first.
-    /// @param view  from the scene to the eye
+    /// Moves the particles and rewrites the discs, the farthest from the eye first.
+    /// @param seconds  from the beginning
+    /// @param view     from the scene to the eye
     void update(double seconds, const krLinear::AffineMatrix& view);
 
-    /// Where the particles are, at any moment.
+    /// A box that holds the particles at any time.
     [[nodiscard]] static AABoundingBox bounds();
 
 private:
@@ -27,5 +27,5 @@ private:
     void writeDiscs(const krLinear::AffineMatrix& view);
 
     Geometry& fGeometry;
-    Shared<ParticleData> fParticles;
+    Ref<ParticleData> fParticles;
 };

@@ -1,12 +1,17 @@
 #include "GlProgram.h"
 
-#include "ProgramOrigins.h"
+#include <common/Findings.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdio>
 #include <map>
 #include <regex>
 #include <set>
 #include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 using krTools::Severity;
 
@@ -24,14 +29,14 @@ std::string infoLog(GLuint object, decltype(glGetShaderiv) query, decltype(glGet
     return text;
 }
 
-/// One message of a driver.
+/// One message of the driver.
 struct DriverMessage
 {
-    std::size_t line; ///< 0: none is named
+    std::size_t line; ///< of the program, from 1; 0 if the message names none
     std::string text;
 };
 
-/// Takes a driver's log apart. The forms met with are "0:12(5): error: text", "0(12) : error C1: text" and
+/// Splits a driver's log into messages. Drivers write "0:12(5): error: text", "0(12) : error C1: text" or
 /// "ERROR: 0:12: text".
 std::vector<DriverMessage> driverMessages(const std::string& log)
 {
@@ -52,7 +57,7 @@ std::vector<DriverMessage> driverMessages(const std::string& log)
     return messages;
 }
 
-/// A line of a program without what stands around it.
+/// A line of a program without the white space at its beginning.
 std::string trimmedLine(const krTools::Source& program, std::size_t line)
 {
     std::istringstream lines{std::string(program.text())};
@@ -71,12 +76,15 @@ std::size_t lineBegin(const krTools::Source& program, std::size_t line)
     return begin;
 }
 
-/// Prints what the driver says. Of what it says about one place the first tells it all: the rest follows from it, or is
-/// about the same code in the copy for another light.
-void report(const Material& material, const krTools::Source& program, const std::string& log)
+/// Prints the driver's messages, one for each place: further ones are consequences of the first, or are about the copy of
+/// the same code for another light.
+void report(const Material& material, const krTools::Source& program, bool isFragment, const std::string& log)
 {
-    std::map<const krTools::Source*, krTools::Findings> findings;
-    std::set<std::pair<const krTools::Source*, std::size_t>> places;
+    // What the front end has accepted is valid in every target.
+    const std::string blame =
+        material.isChecked ? "by a fault of krender's, the driver rejects " : "the driver rejects ";
+    std::map<std::string, std::pair<krTools::Source, krTools::Findings>> findings;
+    std::set<std::pair<std::string, std::size_t>> places;
     for (const DriverMessage& message : driverMessages(log))
     {
         if (message.line == 0)
@@ -84,20 +92,22 @@ void report(const Material& material, const krTools::Source& program, const std:
             krTools::print(stderr, "krview", Severity::Error, program.name() + ": " + message.text);
             continue;
         }
-        const std::optional<Origin> found = findOrigin(material, program, message.line);
-        const Origin origin = found.value_or(Origin{&program, lineBegin(program, message.line)});
-        if (places.emplace(origin.source, origin.position).second)
-            findings[origin.source].error(
-                origin.position,
-                (found ? "the driver rejects " + krTools::inQuotes(trimmedLine(program, message.line)) + " in line " +
-                             std::to_string(message.line) + " of " + program.name() + ": "
-                       : "the driver rejects it: ") +
-                    message.text);
+        const Material::Origin origin = isFragment ? material.origin(message.line) : Material::Origin();
+        const std::string name = origin.file ? origin.file->name() : program.name();
+        const std::size_t position = origin.file ? origin.position : lineBegin(program, message.line);
+        if (!places.emplace(name, position).second)
+            continue;
+        const std::string text = origin.file ? krTools::inQuotes(trimmedLine(program, message.line)) + " in line " +
+                                                   std::to_string(message.line) + " of " + program.name()
+                                             : "it";
+        const krTools::Source source = origin.file ? krTools::Source(name, std::string(origin.file->text())) : program;
+        findings.try_emplace(name, source, krTools::Findings())
+            .first->second.second.error(position, blame + text + ": " + message.text);
     }
-    for (auto& [source, inSource] : findings)
+    for (auto& [name, inSource] : findings)
     {
-        inSource.sort();
-        krTools::print(stderr, *source, inSource);
+        inSource.second.sort();
+        krTools::print(stderr, inSource.first, inSource.second);
     }
 }
 
@@ -117,7 +127,7 @@ bool GlProgram::attach(const Material& material, const krTools::Source& text, GL
     GLint ok = GL_FALSE;
     glGetShaderiv(shader, GL_COMPILE_STATUS, &ok);
     if (ok == GL_FALSE)
-        report(material, text, infoLog(shader, glGetShaderiv, glGetShaderInfoLog));
+        report(material, text, stage == GL_FRAGMENT_SHADER, infoLog(shader, glGetShaderiv, glGetShaderInfoLog));
     glAttachShader(fId, shader);
     glDeleteShader(shader);
     return ok != GL_FALSE;
@@ -126,8 +136,8 @@ bool GlProgram::attach(const Material& material, const krTools::Source& text, GL
 std::unique_ptr<GlProgram> GlProgram::link(const Material& material)
 {
     std::unique_ptr<GlProgram> program(new GlProgram);
-    const bool vertexOk = program->attach(material, material.vertexProgram(), GL_VERTEX_SHADER);
-    const bool fragmentOk = program->attach(material, material.fragmentProgram(), GL_FRAGMENT_SHADER);
+    const bool vertexOk = program->attach(material, material.vertexProgram, GL_VERTEX_SHADER);
+    const bool fragmentOk = program->attach(material, material.fragmentProgram, GL_FRAGMENT_SHADER);
     if (!vertexOk || !fragmentOk)
         return nullptr;
     glLinkProgram(program->fId);

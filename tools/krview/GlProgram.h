@@ -4,22 +4,23 @@
 #include <epoxy/gl.h>
 
 #include <memory>
+#include <string>
 
-/// A material's programs in the driver.
+/// A material's vertex and fragment programs, compiled and linked by the driver.
 class GlProgram
 {
 public:
-    /// Compiles and links. What the driver rejects is printed at the place in the KRSL sources that it came from.
-    /// @return  null when it rejects something
+    /// Compiles and links. The driver's errors are printed with their places in the KRSL sources.
+    /// @return  null when there are errors
     [[nodiscard]] static std::unique_ptr<GlProgram> link(const Material& material);
     GlProgram(const GlProgram&) = delete;
     GlProgram& operator=(const GlProgram&) = delete;
     ~GlProgram();
 
     [[nodiscard]] GLuint id() const noexcept { return fId; }
-    /// Where a uniform is; -1 when the driver has found no use for it, which setting a value then ignores.
+    /// The location of a uniform; -1 when the program does not use it, and OpenGL then ignores its value.
     [[nodiscard]] GLint uniform(const std::string& name) const { return glGetUniformLocation(fId, name.c_str()); }
-    /// Where an attribute is; -1 likewise.
+    /// The location of an attribute; -1 when the program does not use it.
     [[nodiscard]] GLint attribute(const std::string& name) const { return glGetAttribLocation(fId, name.c_str()); }
 
 private:

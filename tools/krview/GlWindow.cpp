@@ -1,5 +1,6 @@
 #include "GlWindow.h"
 
+#include "DisplayError.h"
 #include "View.h"
 
 #include <X11/Xlib.h>
@@ -11,17 +12,17 @@
 namespace
 {
 
-/// The code of the last error that the server reported. Errors reach the program when it is about something else, and
-/// what can still fail once the window is up is what goes with a window that somebody has destroyed: it ends the loop.
-int lastError = 0;
+/// The code of the last error that the server reported; 0 for none. Once the window is shown, errors come only from
+/// requests for a window that another client has destroyed, and its DestroyNotify ends the loop.
+int gLastError = 0;
 
 int noteError(Display*, XErrorEvent* error)
 {
-    lastError = error->error_code;
+    gLastError = error->error_code;
     return 0;
 }
 
-/// The best of the frame buffers that will do, or null. Several samples a pixel are welcome.
+/// The best frame buffer with what is needed, if possible with several samples a pixel; null when there is none.
 GLXFBConfig chooseConfig(Display* display)
 {
     for (const int samples : {4, 0})
@@ -67,6 +68,8 @@ struct GlWindow::X
     Colormap colours = 0;
     GLXContext context = nullptr;
     Atom closing = 0;
+    Atom title = 0;
+    Atom utf8 = 0;
 };
 
 GlWindow::GlWindow(const std::string& title, unsigned width, unsigned height, MessageHandler& handler)
@@ -78,7 +81,21 @@ GlWindow::GlWindow(const std::string& title, unsigned width, unsigned height, Me
     X& x = *fX;
     x.display = fWindow.windowWrapper()->display;
     x.shell = fWindow.windowWrapper()->window;
+    x.closing = XInternAtom(x.display, "WM_DELETE_WINDOW", False);
+    x.title = XInternAtom(x.display, "_NET_WM_NAME", False);
+    x.utf8 = XInternAtom(x.display, "UTF8_STRING", False);
+    createChild(width, height);
+    selectShellEvents();
+    setTitle(title);
 
+    fWindow.windowWrapper()->setFBWindow(x.child);
+    handler.resize(static_cast<int>(width), static_cast<int>(height));
+    fWindow.show();
+}
+
+void GlWindow::createChild(unsigned width, unsigned height)
+{
+    X& x = *fX;
     int errorBase = 0;
     int eventBase = 0;
     if (!glXQueryExtension(x.display, &errorBase, &eventBase))
@@ -89,29 +106,37 @@ GlWindow::GlWindow(const std::string& title, unsigned width, unsigned height, Me
         throw DisplayError("the display has no frame buffer of true colours with depths");
     XSetWindowAttributes attributes = {};
     attributes.colormap = x.colours = XCreateColormap(x.display, x.shell, visual->visual, AllocNone);
-    attributes.event_mask = ExposureMask | KeyPressMask | ButtonPressMask | ButtonReleaseMask | ButtonMotionMask;
+    attributes.event_mask = ExposureMask | ButtonPressMask | ButtonReleaseMask | ButtonMotionMask;
     x.child = XCreateWindow(x.display, x.shell, 0, 0, width, height, 0, visual->depth, InputOutput, visual->visual,
                             CWColormap | CWBorderPixel | CWEventMask, &attributes);
     XFree(visual);
     x.context = glXCreateNewContext(x.display, config, GLX_RGBA_TYPE, nullptr, True);
     XMapWindow(x.display, x.child);
     XSync(x.display, False);
-    if (!x.context || lastError != 0 || !glXMakeCurrent(x.display, x.child, x.context))
+    if (!x.context || gLastError != 0 || !glXMakeCurrent(x.display, x.child, x.context))
         throw DisplayError("cannot make an OpenGL context");
     if (epoxy_gl_version() < 21)
         throw DisplayError("OpenGL 2.1 is wanted, and the driver has " +
                            std::string(reinterpret_cast<const char*>(glGetString(GL_VERSION))));
+}
 
-    // With a window manager the keys go to the shell when the pointer is elsewhere, and closing is a message to it.
+/// Has the keys sent to the shell, and a message when the user closes the window.
+void GlWindow::selectShellEvents()
+{
+    X& x = *fX;
+    // A window manager gives the keyboard focus to the shell if it asks for it. Key events come to the shell even while
+    // the pointer is in the child, which does not select them.
     XWindowAttributes shell = {};
     XGetWindowAttributes(x.display, x.shell, &shell);
     XSelectInput(x.display, x.shell, shell.your_event_mask | KeyPressMask);
-    x.closing = XInternAtom(x.display, "WM_DELETE_WINDOW", False);
+    XWMHints* const set = XGetWMHints(x.display, x.shell);
+    XWMHints hints = set ? *set : XWMHints{};
+    if (set)
+        XFree(set);
+    hints.flags |= InputHint;
+    hints.input = True;
+    XSetWMHints(x.display, x.shell, &hints);
     XSetWMProtocols(x.display, x.shell, &x.closing, 1);
-
-    fWindow.windowWrapper()->setFBWindow(x.child);
-    handler.resize(static_cast<int>(width), static_cast<int>(height));
-    fWindow.show();
 }
 
 GlWindow::~GlWindow()
@@ -125,7 +150,12 @@ GlWindow::~GlWindow()
     XFreeColormap(x.display, x.colours);
 }
 
-void GlWindow::setTitle(const std::string& title) { XStoreName(fX->display, fX->shell, title.c_str()); }
+void GlWindow::setTitle(const std::string& title)
+{
+    XStoreName(fX->display, fX->shell, title.c_str());
+    XChangeProperty(fX->display, fX->shell, fX->title, fX->utf8, 8, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(title.data()), static_cast<int>(title.size()));
+}
 
 void GlWindow::swapBuffers() { glXSwapBuffers(fX->display, fX->child); }
 
@@ -160,7 +190,7 @@ void GlWindow::process(void* anyEvent)
         return button(static_cast<int>(event.xbutton.button), View::kReleased, event.xbutton.x, event.xbutton.y);
     case MotionNotify:
         return button(0, View::kMoved, event.xmotion.x, event.xmotion.y);
-    // The shell does not select it, and the child's are the host's to answer.
+    // Only the child selects it, and SimpleWindow::processEvent would throw the queue away.
     case Expose:
         return fHandler.display();
     case MappingNotify:

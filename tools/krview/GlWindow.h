@@ -2,38 +2,35 @@
 #include <krender/window/SimpleWindow.h>
 
 #include <memory>
-#include <stdexcept>
 #include <string>
 
-/// A display or driver that cannot show anything.
-class DisplayError : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
-
-/// A window of the library with a child that OpenGL draws into, and the host's own event loop.
+/// A window of the library with a child that OpenGL draws into, and an event loop that also reports keys and the mouse.
 class GlWindow
 {
 public:
-    /// Shows the window; its context is current from then on. A display is there. Throws a DisplayError.
-    /// @param handler  borrowed; told of everything
+    /// Shows the window and makes its context current. There must be a display. Throws a DisplayError.
+    /// @param title           UTF-8
+    /// @param width, height   pixels
+    /// @param handler         called for every event of the window; borrowed
     GlWindow(const std::string& title, unsigned width, unsigned height, MessageHandler& handler);
     GlWindow(const GlWindow&) = delete;
     GlWindow& operator=(const GlWindow&) = delete;
     ~GlWindow();
 
+    /// @param title  UTF-8
     void setTitle(const std::string& title);
     /// Shows what was drawn.
     void swapBuffers();
-    /// Hands what is waiting to the handler, waiting for it if nothing is.
+    /// Hands the waiting events to the handler. When there are none, waits for one.
     /// @param milliseconds  how long to wait at most; negative for as long as it takes
     /// @return  false when the window has been closed
     [[nodiscard]] bool processEvents(int milliseconds);
 
 private:
-    struct X; ///< what X and GLX have of the window
+    struct X; ///< the window's resources in X and GLX
 
+    void createChild(unsigned width, unsigned height);
+    void selectShellEvents();
     void process(void* event);
 
     MessageHandler& fHandler;

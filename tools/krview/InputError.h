@@ -3,8 +3,8 @@
 #include <string>
 #include <utility>
 
-/// Something wrong in what the user gave to be shown. The text says what, `origin()` whose it is: a scene file, or the
-/// program for what stands on the command line.
+/// An error in the user's scene or options. The text says what is wrong; origin() is the scene file, or "krview" for the
+/// command line.
 class InputError : public std::runtime_error
 {
 public:

@@ -10,13 +10,24 @@
 #include <common/NearNames.h>
 #include <common/Source.h>
 
+#include <krender/geometry/GeometryData.h>
 #include <krender/geometry/ParticleData.h>
+#include <krender/pixels/IHWTexture.h>
+#include <krender/pixels/PixelArray2D.h>
 
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cstring>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <limits>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <variant>
 
 using krTools::inQuotes;
 
@@ -25,10 +36,10 @@ namespace
 
 [[noreturn]] void fail(const InputValue& value, const std::string& text)
 {
-    throw InputError(value.origin, value.asker + ": " + text);
+    throw InputError(value.origin, value.place + ": " + text);
 }
 
-/// How many numbers a value has; 0 for what takes no numbers.
+/// The number of components of a type; 0 for samplers and whatever else takes no numbers.
 std::size_t numberCount(DataType type)
 {
     if (dataTypeNumFloats(type) > 0)
@@ -46,21 +57,22 @@ bool endsWith(const std::string& name, std::string_view end)
                       [&](char b, char a) { return isSame(a, b); });
 }
 
-/// A value for inputs whose name ends so.
+/// The default value of inputs whose names end in `nameEnd`.
 struct NamedDefault
 {
     const char* nameEnd;
     std::array<double, 4> numbers;
 };
 
-/// What the inputs of lights mean is told by their names alone.
+/// Only the name of a light's input tells what it means.
 constexpr std::array kLightDefaults{
     NamedDefault{"position", {3, 4, 5, 1}},      NamedDefault{"direction", {-0.8, 1.3, 1.7, 0}},
     NamedDefault{"axis", {3, 4, 5, 0}},          NamedDefault{"decay", {0, 0, 0, 0}},
     NamedDefault{"color", {0.9, 0.88, 0.82, 1}}, NamedDefault{"width", {0.3, 0.3, 0.3, 0.3}},
 };
 
-/// Materials are written to look well with numbers in the middle of 0 to 1 and bright colours.
+/// The values for inputs that the user does not set: numbers in the middle of 0 to 1 and bright colours suit most
+/// materials.
 std::vector<double> defaultNumbers(const ProgramInput& input)
 {
     const std::size_t count = numberCount(input.type);
@@ -81,7 +93,7 @@ std::vector<double> defaultNumbers(const ProgramInput& input)
     return std::vector<double>(count, count < 3 ? 0.5 : 0.7);
 }
 
-/// The stream that a per-vertex input most likely stands for, told by its name and type; empty when none is.
+/// The stream that a per-vertex input most likely means, by its name and type; empty when there is none.
 std::string likelyStream(const ProgramInput& input)
 {
     const auto contains = [&](std::string_view part)
@@ -101,6 +113,24 @@ std::string likelyStream(const ProgramInput& input)
     return input.type == kFloat2 ? "textureCoord" : "";
 }
 
+/// Whether a number can be a component of a value of that type.
+bool fits(double number, DataType type)
+{
+    if (type == kBool)
+        return number == 0 || number == 1;
+    if (dataTypeNumFloats(type) > 0)
+        return std::abs(number) <= std::numeric_limits<float>::max();
+    return number == std::trunc(number) && number >= std::numeric_limits<GLint>::min() &&
+           number <= std::numeric_limits<GLint>::max();
+}
+
+/// A number in as few digits as identify it.
+std::string written(double number)
+{
+    std::array<char, 32> text{};
+    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
+}
+
 /// The numbers of a value, as many as the type takes.
 std::vector<double> numbersOf(const InputValue& value, const ProgramInput& input)
 {
@@ -109,6 +139,10 @@ std::vector<double> numbersOf(const InputValue& value, const ProgramInput& input
     if (!numbers || numbers->size() != count)
         fail(value, inQuotes(input.name) + " is of type " + dataTypeName(input.type) + " and wants " +
                         (count == 1 ? "a number" : std::to_string(count) + " numbers"));
+    for (const double number : *numbers)
+        if (!fits(number, input.type))
+            fail(value, inQuotes(input.name) + " is of type " + dataTypeName(input.type) + " and cannot be " +
+                            written(number));
     return *numbers;
 }
 
@@ -140,7 +174,7 @@ void setNumbers(GLint location, DataType type, const std::vector<double>& number
         return glUniform3iv(location, 1, ints.data());
     case kInt4:
         return glUniform4iv(location, 1, ints.data());
-    // Matrices are written row by row, and multiply vectors from the left.
+    // Scenes give matrices row by row, and they multiply column vectors.
     case kMatrix2:
         return glUniformMatrix2fv(location, 1, GL_TRUE, floats.data());
     case kMatrix3:
@@ -152,9 +186,9 @@ void setNumbers(GLint location, DataType type, const std::vector<double>& number
     }
 }
 
-/// Heights as normals. The last column and row of a normal map have no neighbours to take slopes from, so the map is made
-/// from heights that go on with the first ones, and cut back: it then repeats without a seam.
-Shared<PixelArray2D> normalMap(const PixelArray2D& heights, float scale)
+/// Turns heights into normals. The slopes of the last row and column need neighbours, so the heights are first extended
+/// by their first row and column and the map is cut back afterwards: it then tiles without a seam.
+Ref<PixelArray2D> normalMap(const PixelArray2D& heights, float scale)
 {
     const auto copyRows = [](const PixelArray2D& from, PixelArray2D& to)
     {
@@ -164,15 +198,15 @@ Shared<PixelArray2D> normalMap(const PixelArray2D& heights, float scale)
             for (unsigned x = 0; x < to.width(); ++x)
                 *target++ = source[std::size_t{from.width()} * (y % from.height()) + x % from.width()];
     };
-    Shared<PixelArray2D> larger = newPicture(heights.width() + 1, heights.height() + 1);
+    Ref<PixelArray2D> larger = newPicture(heights.width() + 1, heights.height() + 1);
     copyRows(heights, *larger);
-    (void)larger->convertToNormalMap(scale); // it never says true
-    Shared<PixelArray2D> normals = newPicture(heights.width(), heights.height());
+    (void)larger->convertToNormalMap(scale); // its answer is always false
+    Ref<PixelArray2D> normals = newPicture(heights.width(), heights.height());
     copyRows(*larger, *normals);
     return normals;
 }
 
-/// Brings a picture to sides that every driver of this kind takes: powers of two, and not too large.
+/// Resizes a picture to sides that every OpenGL 2.1 driver takes: powers of two within the limit of the driver.
 void fitToDriver(PixelArray2D& picture)
 {
     GLint greatest = 0;
@@ -183,33 +217,34 @@ void fitToDriver(PixelArray2D& picture)
 
 } // namespace
 
-Inputs::Inputs(const Scene& scene, const Material& material)
+Inputs::Inputs(const Scene& scene, const Material& material, std::vector<std::string>& files)
 {
     std::vector<std::string> names;
-    for (const ProgramInput& input : material.inputs())
+    for (const ProgramInput& input : material.inputs)
         names.push_back(input.name);
     for (const auto& [name, value] : scene.inputs)
         if (std::find(names.begin(), names.end(), name) == names.end())
-            fail(value, "neither the material " + inQuotes(material.name()) + " nor its lights have an input " +
+            fail(value, "neither the material " + inQuotes(material.name) + " nor its lights have an input " +
                             inQuotes(name) + krTools::didYouMean(name, names));
 
-    for (const ProgramInput& input : material.inputs())
+    for (const ProgramInput& input : material.inputs)
     {
         const auto found = scene.inputs.find(input.name);
-        const InputValue* value = found == scene.inputs.end() ? nullptr : &found->second;
+        const InputValue* const ownValue = input.defaultValue ? &*input.defaultValue : nullptr;
+        const InputValue* const value = found == scene.inputs.end() ? ownValue : &found->second;
         if (input.perVertex)
             addAttribute(input, value);
         else
-            addUniform(input, value);
+            addUniform(input, value, files);
     }
     fAttributes.push_back({"gObjTangent", "tangent", {1, 0, 0}});
 }
 
-void Inputs::addUniform(const ProgramInput& input, const InputValue* value)
+void Inputs::addUniform(const ProgramInput& input, const InputValue* value, std::vector<std::string>& files)
 {
-    Uniform uniform{input.name, input.type, {}, nullptr};
+    Uniform uniform{input.programName, input.type, {}, {}};
     if (isSampler(input.type))
-        uniform.texture = texture(input, value);
+        uniform.texture = texture(input, value, files);
     else
         uniform.numbers = value ? numbersOf(*value, input) : defaultNumbers(input);
     fUniforms.push_back(std::move(uniform));
@@ -217,7 +252,7 @@ void Inputs::addUniform(const ProgramInput& input, const InputValue* value)
 
 void Inputs::addAttribute(const ProgramInput& input, const InputValue* value)
 {
-    Attribute attribute{input.name, likelyStream(input), defaultNumbers(input)};
+    Attribute attribute{input.programName, likelyStream(input), defaultNumbers(input)};
     if (const auto* named = value ? std::get_if<NamedValue>(&value->value) : nullptr)
     {
         const std::vector<std::string> names = streamNames();
@@ -233,7 +268,7 @@ void Inputs::addAttribute(const ProgramInput& input, const InputValue* value)
     fAttributes.push_back(std::move(attribute));
 }
 
-Shared<Texture> Inputs::texture(const ProgramInput& input, const InputValue* value)
+Ref<Texture> Inputs::texture(const ProgramInput& input, const InputValue* value, std::vector<std::string>& files)
 {
     const auto* named = value ? std::get_if<NamedValue>(&value->value) : nullptr;
     if (value && (!named || input.type != kSampler2D))
@@ -256,22 +291,22 @@ Shared<Texture> Inputs::texture(const ProgramInput& input, const InputValue* val
         break;
     }
 
-    // A map of normals is told by its name; any picture of heights does for one.
+    // The name tells a normal map. Its default is made from a picture of heights.
     constexpr float kBuiltInScale = 12;
     const bool isNormalMap = input.name.find("ormal") != std::string::npos;
     const NamedValue picture =
         named ? *named : NamedValue{isNormalMap ? "noise" : "checker", "", isNormalMap ? kBuiltInScale : 0};
     const std::vector<std::string>& builtIn = builtInPictureNames();
-    Shared<PixelArray2D> pixels;
+    Ref<PixelArray2D> pixels;
     if (std::find(builtIn.begin(), builtIn.end(), picture.name) != builtIn.end())
         pixels = builtInPicture(picture.name);
     else
     {
         const std::string path = (std::filesystem::path(picture.directory) / picture.name).lexically_normal().string();
+        files.push_back(path);
         std::error_code failure;
         if (!std::filesystem::is_regular_file(path, failure))
             fail(*value, "there is no picture '" + path + "'" + krTools::didYouMean(picture.name, builtIn));
-        fFiles.push_back(path);
         pixels = readPng(path);
         fitToDriver(*pixels);
     }

@@ -3,27 +3,28 @@
 #include "Scene.h"
 #include "Texture.h"
 
+#include <krender/core/Ref.h>
+#include <krender/shading/DataType.h>
+
 #include <string>
 #include <vector>
 
 class Geometry;
 
-/// The values of a program's inputs: what the user gave, and for the rest something that shows the material well.
+/// The values of a program's inputs: the user's, and suitable defaults for the rest.
 class Inputs
 {
 public:
-    /// Checks the scene's values against what the material and its lights take, and uploads their pictures. Throws an
+    /// Checks the scene's values against the inputs of the material and its lights, and uploads their pictures. Throws an
     /// InputError, and a krTools::FileError for a picture that cannot be read.
-    Inputs(const Scene& scene, const Material& material);
+    /// @param files  the picture files that are read or missing are appended
+    Inputs(const Scene& scene, const Material& material, std::vector<std::string>& files);
 
-    /// The picture files in use.
-    [[nodiscard]] const std::vector<std::string>& files() const noexcept { return fFiles; }
-
-    /// Gives the uniforms of the program, which is in use, their values.
+    /// Sets the uniforms of the program, which must be in use.
     void setUniforms(const GlProgram& program) const;
-    /// Leads the attributes to the streams of a shape, which have their device copies.
+    /// Binds the attributes to the streams of a shape, which must have their device copies.
     void bindAttributes(const GlProgram& program, const Geometry& geometry) const;
-    /// Undoes that.
+    /// Disables the attributes again.
     void unbindAttributes(const GlProgram& program) const;
 
 private:
@@ -32,20 +33,20 @@ private:
         std::string name;
         DataType type;
         std::vector<double> numbers;
-        Shared<Texture> texture; ///< for a sampler
+        Ref<Texture> texture; ///< for a sampler
     };
     struct Attribute
     {
         std::string name;
-        std::string stream; ///< empty: the numbers count
+        std::string stream; ///< empty: the numbers are used
         std::vector<double> numbers;
     };
 
-    void addUniform(const ProgramInput& input, const InputValue* value);
+    void addUniform(const ProgramInput& input, const InputValue* value, std::vector<std::string>& files);
     void addAttribute(const ProgramInput& input, const InputValue* value);
-    [[nodiscard]] Shared<Texture> texture(const ProgramInput& input, const InputValue* value);
+    [[nodiscard]] static Ref<Texture> texture(const ProgramInput& input, const InputValue* value,
+                                              std::vector<std::string>& files);
 
     std::vector<Uniform> fUniforms;
     std::vector<Attribute> fAttributes;
-    std::vector<std::string> fFiles;
 };

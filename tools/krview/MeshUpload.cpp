@@ -2,9 +2,11 @@
 
 #include "DeviceBuffer.h"
 
+#include <krender/geometry/GeometryData.h>
 #include <krender/geometry/GeometryDataIndex.h>
 #include <krender/geometry/GeometryLogicalIterator.h>
 
+#include <cstddef>
 #include <memory>
 
 void MeshUpload::update(GeometryLogicalGroup& group)
@@ -17,7 +19,7 @@ void MeshUpload::update(GeometryLogicalGroup& group)
         owner.setHanger(buffer.release());
     };
 
-    // The first stream made after a mark still counts as clean, but a new stream has no copy yet.
+    // The monitor takes the first stream made after markClean() for clean, so streams without a copy count as dirty too.
     for (const GeometryData* stream : group.data())
         if (!stream->hanger() || fMonitor.isDirty(*stream, group))
             upload(*stream, GL_ARRAY_BUFFER, stream->data(),

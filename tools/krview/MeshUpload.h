@@ -4,14 +4,14 @@
 
 #include <cstdint>
 
-/// Keeps the device copies of groups up to date, and uploads no more than what has changed.
+/// Keeps the device copies of groups up to date and uploads only what has changed.
 class MeshUpload
 {
 public:
     /// Uploads the streams that the monitor finds dirty or that have no copy, and the lists that have none.
     void update(GeometryLogicalGroup& group);
 
-    /// How often something was uploaded, and how many bytes in all.
+    /// The number of uploads and of bytes uploaded so far.
     [[nodiscard]] std::uint64_t uploads() const noexcept { return fUploads; }
     [[nodiscard]] std::uint64_t bytes() const noexcept { return fBytes; }
 

@@ -7,13 +7,13 @@
 #include <cstdint>
 #include <vector>
 
-/// Copies of one object in rows and columns around the scene's origin, and which of them are in view.
+/// Copies of one object in rows and columns around the origin of the scene, and which of them are in view.
 class ObjectGrid
 {
 public:
-    /// @param side     how many in a row, and how many rows
-    /// @param spacing  from one middle to the next
-    /// @param object   the bounds of the object, which is brought to a half side of 1
+    /// @param side     objects in a row, and rows
+    /// @param spacing  between the centres of two objects
+    /// @param object   the bounds of the object, which is scaled so that its longest side is 2
     ObjectGrid(unsigned side, double spacing, const AABoundingBox& object);
 
     /// Finds the objects that are in view.
@@ -21,9 +21,9 @@ public:
 
     [[nodiscard]] std::size_t count() const noexcept { return fPlacements.size(); }
     [[nodiscard]] std::size_t visibleCount() const noexcept;
-    /// How far from the origin objects reach.
+    /// The radius of a sphere around the origin that holds all objects.
     [[nodiscard]] double radius() const noexcept { return fRadius; }
-    /// Calls the visitor with the placement of each visible object, from its own space to the scene.
+    /// Calls the visitor with the matrix from object to scene space of each visible object.
     template <class Visitor>
     void forEachVisible(Visitor visit) const
     {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-/// What the command line says. What is left out, the scene says.
+/// What the command line asks for. What is left out comes from the scene.
 struct Options
 {
     std::string scene;
@@ -11,16 +11,18 @@ struct Options
     std::string shape;
     std::string stdlib;
     std::vector<std::string> libraries;
-    std::vector<std::string> lights;   ///< KEY=FUNCTION
+    std::vector<std::string> includeFolders;
+    bool plain = false;
+    std::vector<std::string> lights;   ///< KEY=FUNCTION or KEY=FILE:FUNCTION
     std::vector<std::string> settings; ///< NAME=VALUE
     std::string size;                  ///< WxH
     unsigned grid = 0;
-    std::string screenshot;
-    unsigned frames = 0; ///< 0: until the user quits
+    std::string screenshot; ///< ends in ".png"
+    unsigned frames = 0;    ///< 0: until the user quits
     bool watch = false;
     bool stats = false;
 };
 
-/// Reads the command line.
-/// @return  nothing when it asked for a text only, which is then printed. Throws a krTools::UsageError.
+/// Reads the command line. Throws a krTools::UsageError.
+/// @return  nothing when it asked for the help or the version, which is then printed
 [[nodiscard]] std::optional<Options> readOptions(int argc, char** argv);

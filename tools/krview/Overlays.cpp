@@ -1,8 +1,11 @@
 #include "Overlays.h"
 
 #include "DeviceBuffer.h"
-#include "Picture.h"
 #include "Streams.h"
+
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/platform/Linear.h>
 
 #include <array>
 
@@ -52,49 +55,19 @@ void drawWire(DrawProcedure&, const DrawProcedureData& data)
     glBindBuffer(GL_ARRAY_BUFFER, 0);
 }
 
-class PictureSaver : public DrawProcedure
+void add(DrawProcedureList& list, const char* name, DrawProcedure::ExecuteCallback callback)
 {
-public:
-    PictureSaver() : DrawProcedure(kPictureProcedure) {}
-
-    void setPath(const std::string& path) { fPath = path; }
-
-    void execute(const DrawProcedureData& data) override
-    {
-        enable(false);
-        const auto& frame = static_cast<const FrameData&>(data);
-        const Shared<PixelArray2D> picture =
-            newPicture(static_cast<unsigned>(frame.width), static_cast<unsigned>(frame.height));
-        glPixelStorei(GL_PACK_ALIGNMENT, 1);
-        glReadPixels(0, 0, frame.width, frame.height, GL_RGBA, GL_UNSIGNED_BYTE, picture->data());
-        writePng(fPath, *picture);
-    }
-
-private:
-    std::string fPath;
-};
-
-void add(DrawProcedureList& list, DrawProcedure* procedure, DrawProcedure::ExecuteCallback callback)
-{
-    const Shared<DrawProcedure> own(procedure); // the list takes a reference of its own
+    const auto procedure = Ref<DrawProcedure>::adopt(new DrawProcedure(name));
     procedure->setExecuteCallback(callback);
-    list.add(procedure, true);
+    list.add(procedure.get(), true);
 }
 
 } // namespace
 
-Shared<DrawProcedureList> newOverlays()
+Ref<DrawProcedureList> newOverlays()
 {
-    Shared<DrawProcedureList> list(new DrawProcedureList);
-    add(*list, new DrawProcedure(kAxesProcedure), drawAxes);
-    add(*list, new DrawProcedure(kWireProcedure), drawWire);
-    add(*list, new PictureSaver, nullptr);
+    auto list = Ref<DrawProcedureList>::adopt(new DrawProcedureList);
+    add(*list, kAxesProcedure, drawAxes);
+    add(*list, kWireProcedure, drawWire);
     return list;
-}
-
-void savePicture(const DrawProcedureList& overlays, const std::string& path)
-{
-    auto& saver = static_cast<PictureSaver&>(*overlays.find(kPictureProcedure));
-    saver.setPath(path);
-    saver.enable(true);
 }

@@ -7,6 +7,9 @@
 
 #include <png.h>
 
+#include <cstddef>
+#include <new>
+#include <utility>
 #include <vector>
 
 namespace
@@ -15,11 +18,11 @@ namespace
 class PictureFormat : public krColorFormatRGBAFixed8
 {
 public:
-    /// Pixel arrays go by the pixel type, and 2 stands for the 8-bit routines.
+    /// Pixel type 2 selects the 8-bit routines of the pixel arrays.
     PictureFormat() : krColorFormatRGBAFixed8(2) {}
 };
 
-/// The control record of libpng, released at the end.
+/// Owns the control record of libpng.
 class Png
 {
 public:
@@ -43,16 +46,15 @@ const krSysPixelFormat& pictureFormat()
     return kFormat;
 }
 
-Shared<PixelArray2D> newPicture(unsigned width, unsigned height)
+Ref<PixelArray2D> newPicture(unsigned width, unsigned height)
 {
-    Shared<PixelArray2D> picture(new PixelArray2D(pictureFormat(), width, height));
-    picture->ref();
-    if (picture->data() == nullptr)
+    Ref<PixelArray2D> picture(new PixelArray2D(pictureFormat(), width, height));
+    if (!picture->data())
         throw std::bad_alloc();
     return picture;
 }
 
-Shared<PixelArray2D> readPng(const std::string& path)
+Ref<PixelArray2D> readPng(const std::string& path)
 {
     constexpr unsigned kGreatestSide = 16384;
     const auto fail = [&path](const char* reason) -> void
@@ -63,7 +65,7 @@ Shared<PixelArray2D> readPng(const std::string& path)
     if (png->width > kGreatestSide || png->height > kGreatestSide)
         fail("it is larger than 16384 pixels on a side");
     png->format = PNG_FORMAT_RGBA;
-    Shared<PixelArray2D> picture = newPicture(png->width, png->height);
+    Ref<PixelArray2D> picture = newPicture(png->width, png->height);
     // A negative stride writes the rows from the last to the first.
     if (png_image_finish_read(&png, nullptr, picture->data(), -static_cast<png_int_32>(4 * png->width), nullptr) == 0)
         fail(png->message);

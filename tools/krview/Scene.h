@@ -14,15 +14,16 @@ enum class Shape
     Particles,
 };
 
-/// The name of a shape, as scenes and messages write it.
+/// The name of a shape in scene files and messages.
 [[nodiscard]] const char* shapeName(Shape shape);
 
-/// A picture for a sampler, or a stream of the shape for a per-vertex input.
+/// A picture for a sampler, or a stream of the shape for a per-vertex input, by its name.
 struct NamedValue
 {
     std::string name;
-    std::string directory; ///< what a file's name starts from
-    float normalScale = 0; ///< other than 0: the picture holds heights, and is to be turned into normals
+    std::string directory; ///< the folder that the name of a file is relative to
+    float normalScale =
+        0; ///< other than 0: the picture holds heights, which are scaled by this and turned into normals
 };
 
 /// The value that the user gave to an input of a material or light.
@@ -30,35 +31,45 @@ struct InputValue
 {
     std::variant<std::vector<double>, NamedValue> value;
     std::string origin; ///< the scene file, or the program
-    std::string asker;  ///< where in it the value stands, for messages
+    std::string place;  ///< where the value stands in it, for messages
 };
 
 struct SceneLight
 {
-    std::string key; ///< goes ahead of the names of its inputs
+    std::string key; ///< the prefix of the names of its inputs in the program
     std::string function;
-    std::string asker; ///< where it was asked for, for messages
+    std::string place;  ///< where the light stands in the scene or the options, for messages
+    std::string source; ///< the file that the function is in; empty: one of the libraries
 };
 
-/// What is to be shown. Angles are in degrees, colours as in materials.
+/// The lights of a scene that names none.
+[[nodiscard]] inline std::vector<SceneLight> defaultLights()
+{
+    const std::string place = "the light that comes with every scene";
+    return {{"sun", "directionalLight", place, ""}, {"sky", "skyLight", place, ""}};
+}
+
+/// What is shown and how. Angles are in degrees, colours red, green and blue from 0 to 1.
 struct Scene
 {
     std::string material; ///< FILE or FILE:NAME
     std::string stdlib;
     std::vector<std::string> libraries;
-    std::optional<std::vector<SceneLight>> lights; ///< nothing: lights that suit the material
+    std::vector<std::string> includeFolders;       ///< where included files are looked for after their own folder
+    bool plain = false;                            ///< whether the sources are read as plain KRSL
+    std::optional<std::vector<SceneLight>> lights; ///< nothing: defaultLights()
     std::map<std::string, InputValue> inputs;      ///< by the names of the uniforms and of the per-vertex inputs
 
     Shape shape = Shape::Sphere;
-    bool smooth = true;       ///< whether the facets of a shape get the normals of the surface that they stand for
-    unsigned particles = 600; ///< how many
-    unsigned grid = 1;        ///< objects on a side
-    double spacing = 2.5;     ///< from one object to the next
+    bool smooth = true;       ///< whether shapes get smooth normals instead of those of their facets
+    unsigned particles = 600; ///< number of particles
+    unsigned grid = 1;        ///< objects on each side of the grid
+    double spacing = 2.5;     ///< between the centres of two objects
 
-    float pitch = 20; ///< how far the eye is above the scene
-    float yaw = -30;  ///< how far the scene is turned
+    float pitch = 20; ///< of the scene towards the eye
+    float yaw = -30;  ///< of the scene about its upright axis
     float distance = 4.5f;
-    float opening = 32; ///< of the field of view, from top to bottom
+    float opening = 32; ///< the field of view from top to bottom
     std::array<double, 3> target{};
 
     std::array<float, 3> top{0.30f, 0.34f, 0.40f}; ///< the background
@@ -68,5 +79,5 @@ struct Scene
     unsigned width = 640;
     unsigned height = 480;
 
-    std::vector<std::string> files; ///< all that it was read from and that it names, for watching
+    std::vector<std::string> files; ///< the scene file and the sources that it names, for --watch
 };

@@ -5,7 +5,7 @@
 
 #include <common/DataFiles.h>
 #include <common/Findings.h>
-#include <common/MaterialReader.h>
+#include <common/Modules.h>
 #include <common/Source.h>
 #include <common/UsageError.h>
 #include <common/Words.h>
@@ -15,7 +15,16 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
+#include <map>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
 
 using krTools::inQuotes;
 using krTools::UsageError;
@@ -34,7 +43,7 @@ Shape shapeNamed(const std::string& name)
     return static_cast<Shape>(found - kShapeNames.begin());
 }
 
-/// A file that the scene names, whose place counts from the scene's own.
+/// The path of a file that the scene names relative to its own folder. Fails when there is no such file.
 std::string fileOf(const SceneValue& value, const std::string& name)
 {
     std::string path = (std::filesystem::path(value.file()).parent_path() / name).lexically_normal().string();
@@ -74,11 +83,12 @@ InputValue inputValue(const SceneValue& value)
 void readLight(const SceneValue& value, Scene& scene)
 {
     SceneLight light;
-    light.asker = value.path();
+    light.place = value.path();
     std::map<std::string, InputValue> inputs;
     value.readMembers({
         {"key", [&](const SceneValue& key) { light.key = key.text(); }},
         {"function", [&](const SceneValue& function) { light.function = function.text(); }},
+        {"source", [&](const SceneValue& source) { light.source = fileOf(source, source.text()); }},
         {"inputs", [&](const SceneValue& all)
          { all.forEachMember([&](const auto& name, const auto& input) { inputs[name] = inputValue(input); }); }},
     });
@@ -173,7 +183,7 @@ void readMembers(const SceneValue& file, Scene& scene)
         file.fail("a \"material\" is missing");
 }
 
-/// Reads a scene file. What is not JSON is printed.
+/// Reads a scene file. A syntax error is printed, and the answer is then false.
 bool readFile(const std::string& path, Scene& scene)
 {
     const krTools::Source source(path);
@@ -183,7 +193,7 @@ bool readFile(const std::string& path, Scene& scene)
     }
     catch (const nlohmann::json::parse_error& error)
     {
-        // The text names the place ahead of what is wrong, as "... at line 3, column 7: ...".
+        // The text is "... at line 3, column 7: ..."; the place is printed already.
         const std::string_view text = error.what();
         const std::size_t place = text.find(": ");
         krTools::Findings findings;
@@ -192,20 +202,26 @@ bool readFile(const std::string& path, Scene& scene)
         krTools::print(stderr, source, findings);
         return false;
     }
+    catch (const nlohmann::json::out_of_range& error)
+    {
+        // The text begins with the name of the error in brackets.
+        const std::string_view text = error.what();
+        throw InputError(path, std::string(text.substr(std::min(text.find("] ") + 2, text.size()))));
+    }
     scene.files.push_back(path);
     return true;
 }
 
-/// Takes NAME=VALUE or KEY=FUNCTION apart.
-std::pair<std::string, std::string> assignment(const std::string& option, const std::string& text, const char* wanted)
+/// Splits NAME=VALUE or KEY=FUNCTION.
+std::pair<std::string, std::string> assignment(const std::string& option, const std::string& text, const char* expected)
 {
     const std::size_t equals = std::min(text.find('='), text.size());
     if (equals + 1 >= text.size() || !krTools::isName(std::string_view(text).substr(0, equals)))
-        throw UsageError(option + " " + text + ": " + wanted + " is wanted");
+        throw UsageError(option + " " + text + ": " + expected + " is wanted");
     return {text.substr(0, equals), text.substr(equals + 1)};
 }
 
-/// Numbers with commas between them; nothing when it is another text.
+/// Numbers with commas between them, which may be NaN or infinite; nothing when the text is something else.
 std::optional<std::vector<double>> numbersOf(const std::string& text)
 {
     std::vector<double> numbers;
@@ -215,9 +231,10 @@ std::optional<std::vector<double>> numbersOf(const std::string& text)
     {
         double number = 0;
         const auto [rest, error] = std::from_chars(at, end, number);
-        if (error != std::errc())
+        if (error == std::errc::invalid_argument)
             return std::nullopt;
-        numbers.push_back(number);
+        // Numbers too small for a double count as 0, those too large as infinity.
+        numbers.push_back(error == std::errc() ? number : std::strtod(at, nullptr));
         if (rest == end)
             return numbers;
         if (*rest != ',')
@@ -226,9 +243,9 @@ std::optional<std::vector<double>> numbersOf(const std::string& text)
     }
 }
 
-InputValue inputValue(const std::string& asker, const std::string& text)
+InputValue inputValue(const std::string& place, const std::string& text)
 {
-    InputValue input{{}, "krview", asker};
+    InputValue input{{}, "krview", place};
     if (const auto numbers = numbersOf(text))
         input.value = *numbers;
     else if (text == "true" || text == "false")
@@ -258,15 +275,22 @@ void applyOptions(const Options& options, Scene& scene)
     if (!options.stdlib.empty())
         scene.stdlib = options.stdlib;
     scene.libraries.insert(scene.libraries.end(), options.libraries.begin(), options.libraries.end());
+    scene.includeFolders = options.includeFolders;
+    scene.plain = options.plain;
     if (!options.lights.empty())
         scene.lights.emplace();
     for (const std::string& option : options.lights)
     {
         const auto [key, function] = assignment("--light", option, "KEY=FUNCTION");
+        const std::size_t colon = function.rfind(':');
+        const bool hasSource = colon != std::string::npos;
         for (const SceneLight& other : *scene.lights)
             if (other.key == key)
                 throw UsageError("--light " + option + ": another light has this key, and their inputs would clash");
-        scene.lights->push_back({key, function, "--light " + option});
+        scene.lights->push_back({.key = key,
+                                 .function = hasSource ? function.substr(colon + 1) : function,
+                                 .place = "--light " + option,
+                                 .source = hasSource ? function.substr(0, colon) : ""});
     }
     for (const std::string& option : options.settings)
     {
@@ -276,8 +300,7 @@ void applyOptions(const Options& options, Scene& scene)
     if (options.grid != 0)
         scene.grid = options.grid;
     if (scene.shape == Shape::Particles && scene.grid > 1)
-        throw InputError("krview",
-                         "particles are sorted by their depth, and stand alone: a grid of them cannot be shown");
+        throw InputError("krview", "particles are sorted by depth as one object: a grid of them cannot be shown");
     if (!options.size.empty())
         applySize(options.size, scene);
 }
@@ -300,5 +323,8 @@ std::optional<Scene> readScene(const Options& options)
     scene.files.push_back(krTools::materialName(scene.material).file);
     scene.files.push_back(scene.stdlib);
     scene.files.insert(scene.files.end(), scene.libraries.begin(), scene.libraries.end());
+    for (const SceneLight& light : scene.lights.value_or(std::vector<SceneLight>()))
+        if (!light.source.empty())
+            scene.files.push_back(light.source);
     return scene;
 }

@@ -4,7 +4,7 @@
 
 #include <optional>
 
-/// Reads the scene that the options ask for, and what they say themselves, which comes before what the scene says.
-/// @return  nothing when the scene file is no JSON, which is then printed. Throws an InputError for what else is wrong in
-///          it, a krTools::UsageError and a krTools::FileError.
+/// Reads the scene that the options name; the other options replace parts of it. Throws an InputError for errors in the
+/// scene, a krTools::UsageError and a krTools::FileError.
+/// @return  nothing when the scene file is not JSON, which is then printed
 [[nodiscard]] std::optional<Scene> readScene(const Options& options);

@@ -12,7 +12,7 @@
 namespace
 {
 
-/// A number as a person would write it.
+/// A number in as few digits as it needs.
 std::string written(double number) { return nlohmann::json(number).dump(); }
 
 } // namespace
@@ -27,9 +27,9 @@ void SceneValue::fail(const std::string& text) const
     throw InputError(fFile, fPath.empty() ? text : fPath + ": " + text);
 }
 
-void SceneValue::failType(const char* wanted) const
+void SceneValue::failType(const char* expected) const
 {
-    fail(std::string(wanted) + " is wanted here, and not " +
+    fail(std::string(expected) + " is wanted here, and not " +
          (fValue.is_null() ? "null" : std::string("a value of type ") + fValue.type_name()));
 }
 
@@ -92,35 +92,38 @@ std::vector<double> SceneValue::numbers(std::size_t count) const
 {
     if (!fValue.is_array() || fValue.size() != count)
         fail("a list of " + std::to_string(count) + " numbers is wanted here");
-    return numbers();
+    constexpr double kGreatest = 1000000;
+    std::vector<double> numbers;
+    forEachItem([&numbers](const SceneValue& item) { numbers.push_back(item.number(-kGreatest, kGreatest)); });
+    return numbers;
 }
 
-void SceneValue::forEachItem(const Taker& take) const
+void SceneValue::forEachItem(const Reader& read) const
 {
     if (!fValue.is_array())
         failType("a list");
     for (std::size_t i = 0; i < fValue.size(); ++i)
-        take(SceneValue(fFile, fValue[i], fPath + '[' + std::to_string(i) + ']'));
+        read(SceneValue(fFile, fValue[i], fPath + '[' + std::to_string(i) + ']'));
 }
 
-void SceneValue::forEachMember(const std::function<void(const std::string&, const SceneValue&)>& take) const
+void SceneValue::forEachMember(const std::function<void(const std::string&, const SceneValue&)>& read) const
 {
     if (!fValue.is_object())
         failType("an object");
     for (const auto& [name, value] : fValue.items())
-        take(name, SceneValue(fFile, value, fPath.empty() ? name : fPath + '.' + name));
+        read(name, SceneValue(fFile, value, fPath.empty() ? name : fPath + '.' + name));
 }
 
-void SceneValue::readMembers(const std::map<std::string, Taker>& takers) const
+void SceneValue::readMembers(const std::map<std::string, Reader>& readers) const
 {
     forEachMember(
         [&](const std::string& name, const SceneValue& value)
         {
-            if (const auto found = takers.find(name); found != takers.end())
+            if (const auto found = readers.find(name); found != readers.end())
                 return found->second(value);
             std::vector<std::string> names;
-            names.reserve(takers.size());
-            for (const auto& [known, taker] : takers)
+            names.reserve(readers.size());
+            for (const auto& [known, reader] : readers)
                 names.push_back(known);
             fail("unknown key " + krTools::inQuotes(name) + krTools::didYouMean(name, names));
         });

@@ -1,19 +1,21 @@
 #pragma once
 #include <nlohmann/json_fwd.hpp>
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
-/// A value in a scene file that knows where it stands: what does not fit is reported by an InputError with its path.
+/// A value in a scene file and its path. A value that does not fit throws an InputError that names the path.
 class SceneValue
 {
 public:
-    using Taker = std::function<void(const SceneValue&)>;
+    /// Reads one value.
+    using Reader = std::function<void(const SceneValue&)>;
 
-    /// @param file   borrowed, as is the value
-    /// @param path   what leads to the value, such as "lights[0].key"; empty for the whole file
+    /// @param file   name of the scene file; borrowed, as is the value
+    /// @param path   where the value stands, such as "lights[0].key"; empty for the whole file
     SceneValue(const std::string& file, const nlohmann::json& value, std::string path);
 
     [[noreturn]] void fail(const std::string& text) const;
@@ -29,17 +31,17 @@ public:
     [[nodiscard]] std::string text() const;
     /// A number, a truth value or a list of either.
     [[nodiscard]] std::vector<double> numbers() const;
-    /// A list of so many numbers.
+    /// A list of `count` numbers, each from -1000000 to 1000000.
     [[nodiscard]] std::vector<double> numbers(std::size_t count) const;
-    /// The items of a list, in order.
-    void forEachItem(const Taker& take) const;
-    /// The members of an object, whatever their names.
-    void forEachMember(const std::function<void(const std::string&, const SceneValue&)>& take) const;
-    /// Hands each member of an object to the taker of its name; one without a taker is an error.
-    void readMembers(const std::map<std::string, Taker>& takers) const;
+    /// Calls `read` with the items of a list, in order.
+    void forEachItem(const Reader& read) const;
+    /// Calls `read` with the name and value of each member of an object.
+    void forEachMember(const std::function<void(const std::string&, const SceneValue&)>& read) const;
+    /// Calls the reader of its name with each member of an object; a member without a reader is an error.
+    void readMembers(const std::map<std::string, Reader>& readers) const;
 
 private:
-    [[noreturn]] void failType(const char* wanted) const;
+    [[noreturn]] void failType(const char* expected) const;
 
     const std::string& fFile;
     const nlohmann::json& fValue;

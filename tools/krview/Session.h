@@ -1,6 +1,7 @@
 #pragma once
 #include "Options.h"
 
-/// Opens a window, shows the scene and stays until it has been closed or has done what the options ask for.
-/// @return  the exit status. Throws an InputError, a DisplayError, a krTools::UsageError and a krTools::FileError.
+/// Opens a window and shows the scene until the user closes it or the options' frames are drawn. Throws an InputError, a
+/// DisplayError, a krTools::UsageError and a krTools::FileError.
+/// @return  the exit status
 int showScene(const Options& options);

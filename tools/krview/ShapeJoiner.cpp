@@ -1,23 +1,29 @@
 #include "ShapeJoiner.h"
 
-#include "Shared.h"
 #include "Streams.h"
 #include "Vector3.h"
 
+#include <krender/core/Ref.h>
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/geometry/GeometryLogicalGroup.h>
 #include <krender/geometry/GeometryLogicalIterator.h>
 #include <krender/platform/Linear.h>
+#include <krender/spatial/AABoundingBox.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <map>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace
 {
 
-/// What streams hold for one corner of a face; empty for what they do not.
+/// The values of the streams at one corner of a face; empty for streams that the shape does not have.
 struct Corner
 {
     std::array<std::vector<float>, kStreamSlots> values;
@@ -28,7 +34,7 @@ struct Corner
     }
 };
 
-/// A place, told apart from others by what counts: a place that two faces share may differ in its last bits.
+/// A rounded position: the corners of two faces at one place may differ in their last bits.
 using Place = std::array<long, 3>;
 
 Place placeOf(const Corner& corner)
@@ -38,7 +44,7 @@ Place placeOf(const Corner& corner)
     return {std::lround(position.x * kSteps), std::lround(position.y * kSteps), std::lround(position.z * kSteps)};
 }
 
-/// A face: some corners in their order around it.
+/// The corners of a face in their order around it.
 using Face = std::vector<Corner>;
 
 std::size_t cornersPerFace(GeometryDataIndex::DrawPrimitiveType type)
@@ -46,7 +52,7 @@ std::size_t cornersPerFace(GeometryDataIndex::DrawPrimitiveType type)
     return type == GeometryDataIndex::quads ? 4 : 3;
 }
 
-/// A normal of the face that its first three corners make, by the way they go around.
+/// The normal by the order of the corners: counter-clockwise seen from the front.
 Vector3 faceNormal(const Face& face)
 {
     const Vector3 origin = face[0].at(kPositions);
@@ -60,10 +66,9 @@ std::vector<Face> readFaces(const GeometryLogicalGroup& group)
     for (GeometryLogicalIterator lists(&group); !lists.isDone(); lists.next())
     {
         const GeometryDataIndex& list = *lists.dataIndexPointer();
-        // Iterators read 64-bit entries. The end of a list drops the hangers of its streams; a shape as it comes from
-        // its builder has none.
-        const Shared<GeometryDataIndex> wide(new GeometryDataIndex(list.primitiveType(), list.count(), list.data(),
-                                                                   list.widenedIndices().release(), nullptr, nullptr));
+        // Iterators read 64-bit entries. Destroying this copy drops the hangers of the streams; a new shape has none.
+        const auto wide = Ref<GeometryDataIndex>::adopt(new GeometryDataIndex(
+            list.primitiveType(), list.count(), list.data(), list.widenedIndices().release(), nullptr, nullptr));
         const std::size_t size = cornersPerFace(list.primitiveType());
         faces.resize(list.count() / size, Face(size));
         constexpr unsigned kSets[] = {0, 1};
@@ -83,7 +88,7 @@ std::vector<Face> readFaces(const GeometryLogicalGroup& group)
     return faces;
 }
 
-/// Turns the positions of the faces around that go around against their normals.
+/// Reverses the positions of each face whose order contradicts its normals.
 void matchPositions(std::vector<Face>& faces)
 {
     for (Face& face : faces)
@@ -92,7 +97,7 @@ void matchPositions(std::vector<Face>& faces)
                 std::swap(face[i].values[kPositions], face[j].values[kPositions]);
 }
 
-/// Calls the visitor with each corner and all corners at its place.
+/// Calls the visitor once for each place, with all corners there and their faces.
 template <class Visitor>
 void forEachPlace(std::vector<Face>& faces, Visitor visit)
 {
@@ -104,7 +109,7 @@ void forEachPlace(std::vector<Face>& faces, Visitor visit)
         visit(corners);
 }
 
-/// Replaces each normal by the mean of the faces around it that do not stand off at an edge.
+/// Replaces each normal by the mean normal of the faces around it, without those beyond a sharp edge.
 void smoothNormals(std::vector<Face>& faces)
 {
     constexpr float kEdgeCosine = 0.64f; // 50 degrees
@@ -124,7 +129,7 @@ void smoothNormals(std::vector<Face>& faces)
                  });
 }
 
-/// The direction in which the first texture coordinate grows over a face. Where it does not, any along the face.
+/// The direction in which the first texture coordinate grows on a face; where it is constant, some edge of the face.
 Vector3 faceTangent(const Face& face)
 {
     const auto edge = [&face](StreamSlot slot, std::size_t i) { return face[i].at(slot) - face[0].at(slot); };
@@ -136,10 +141,10 @@ Vector3 faceTangent(const Face& face)
     return normalized(dot(tangent, tangent) > 0 ? tangent : edge(kPositions, 1));
 }
 
-/// Gives each corner a tangent: its face's or, on a smooth surface, the mean of those around it.
+/// Gives each corner a tangent: that of its face or, on a smooth surface, the mean tangent of the faces around it.
 void deriveTangents(std::vector<Face>& faces, bool smooth)
 {
-    // Around a pole the tangents go around too and cancel out; there each face keeps its own.
+    // Around a pole the tangents point in all directions and cancel out; there each face keeps its own.
     constexpr float kAgreement = 0.3f;
     forEachPlace(faces,
                  [smooth](auto& corners)
@@ -165,11 +170,12 @@ void deriveTangents(std::vector<Face>& faces, bool smooth)
                  });
 }
 
-/// The vertices of a group in the making.
+/// Collects the vertices of a group.
 class VertexTable
 {
 public:
-    /// The number of the vertex that is this corner.
+    /// Adds a corner, unless an equal one was added before.
+    /// @return  its index
     unsigned add(const Corner& corner)
     {
         std::vector<float> key;
@@ -208,7 +214,7 @@ void appendJoined(const char* name, const std::vector<Face>& faces, Geometry& jo
     VertexTable vertices;
     std::vector<unsigned> triangles;
     std::vector<unsigned> edges;
-    std::set<std::pair<Place, Place>> drawn; // each edge once, whichever way around
+    std::set<std::pair<Place, Place>> drawn; // each edge once, whatever its direction
     for (const Face& face : faces)
     {
         std::vector<unsigned> numbers;
@@ -237,7 +243,7 @@ void appendJoined(const char* name, const std::vector<Face>& faces, Geometry& jo
 
 void joinShape(const Geometry& shape, bool smooth, Geometry& joined)
 {
-    // Surfaces go on from group to group, as from the sides of a sphere to its caps, so they are made smooth as a whole.
+    // Surfaces continue from group to group, as from the sides of a sphere to its caps, so all are smoothed together.
     std::vector<Face> faces;
     for (const auto& group : shape.groups())
     {

@@ -1,16 +1,24 @@
 #include "Stage.h"
 
 #include "DeviceBuffer.h"
+#include "GlProgram.h"
+#include "Material.h"
+#include "PlainMaterial.h"
 #include "ShapeJoiner.h"
 #include "Streams.h"
 
+#include <krender/draw/DrawProcedure.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/platform/Linear.h>
+
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace
 {
 
-constexpr double kNearest = 0.02; // of the distance
+constexpr double kNearest = 0.02; // the nearest front plane, as a share of the distance
 
 std::array<GLfloat, 16> asFloats(const krLinear::ProjMatrix& matrix)
 {
@@ -27,20 +35,21 @@ Stage::Stage()
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    // Surfaces make way for the lines that lie in them.
+    // Surfaces are drawn a little farther away than the lines that lie in them.
     glEnable(GL_POLYGON_OFFSET_FILL);
     glPolygonOffset(1, 1);
 }
 
 bool Stage::load(const Scene& scene)
 {
-    const std::unique_ptr<Material> material = Material::read(scene);
+    fFiles = scene.files;
+    const std::optional<Material> material = scene.plain ? compilePlainMaterial(scene) : compileMaterial(scene, fFiles);
     if (!material)
         return false;
     std::unique_ptr<GlProgram> program = GlProgram::link(*material);
     if (!program)
         return false;
-    Inputs inputs(scene, *material);
+    Inputs inputs(scene, *material, fFiles);
 
     const bool isSameShape =
         fProgram && fScene.shape == scene.shape && fScene.smooth == scene.smooth && fScene.particles == scene.particles;
@@ -50,7 +59,7 @@ bool Stage::load(const Scene& scene)
     fGrid.emplace(scene.grid, scene.spacing, fFountain ? Fountain::bounds() : surface->boundingBox());
     fOverlays->find(kAxesProcedure)->enable(scene.axes);
     fOverlays->find(kWireProcedure)->enable(scene.wire);
-    fMaterialName = material->name();
+    fMaterialName = material->name;
     fProgram = std::move(program);
     fInputs = std::move(inputs);
     fScene = scene;
@@ -82,19 +91,12 @@ void Stage::buildGeometry(const Scene& scene)
 
 std::string Stage::description() const { return fMaterialName + " on " + shapeName(fScene.shape); }
 
-std::vector<std::string> Stage::files() const
+void Stage::draw(View& view, int width, int height, double seconds)
 {
-    std::vector<std::string> files = fScene.files;
-    files.insert(files.end(), fInputs->files().begin(), fInputs->files().end());
-    return files;
-}
-
-void Stage::draw(View& view, double seconds)
-{
-    glViewport(0, 0, view.width(), view.height());
+    glViewport(0, 0, width, height);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     drawBackground();
-    aim(view);
+    aim(view, static_cast<double>(width) / height);
     fGrid->cull(fCamera.frustum());
     if (fFountain)
         fFountain->update(seconds, fCamera.viewMatrix());
@@ -102,19 +104,18 @@ void Stage::draw(View& view, double seconds)
         fUpload.update(*group);
     drawObjects();
 
-    const FrameData frame(fCamera, fGeometry, *fGrid, view);
+    const FrameData frame(fCamera, fGeometry, *fGrid);
     for (unsigned i = 0; DrawProcedure* procedure = fOverlays->item(i); ++i)
         if (procedure->isEnabled())
             procedure->execute(frame);
 }
 
-void Stage::aim(View& view)
+void Stage::aim(View& view, double aspect)
 {
-    // The planes stand as close around the objects as the eye lets them, which spares the depths' accuracy.
+    // Planes as close around the objects as they can be make the best use of the depth buffer's precision.
     const double distance = view.distance();
     const double reach = fGrid->radius() + view.translation().length();
-    fCamera.setPerspective(view.opening(), static_cast<double>(view.width()) / view.height(),
-                           std::max(kNearest * distance, distance - reach), distance + reach);
+    fCamera.setPerspective(view.opening(), aspect, std::max(kNearest * distance, distance - reach), distance + reach);
     fCamera.setViewMatrix(view.viewMatrix());
     fCamera.bind();
 }
@@ -155,7 +156,7 @@ void Stage::drawObjects()
     glUniform4f(fProgram->uniform("gEyePos"), static_cast<GLfloat>(eye.x), static_cast<GLfloat>(eye.y),
                 static_cast<GLfloat>(eye.z), 1);
 
-    // Particles are in order from back to front, and blended.
+    // Particles are sorted from back to front and blended.
     if (fFountain)
     {
         glEnable(GL_BLEND);

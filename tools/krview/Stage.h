@@ -6,42 +6,48 @@
 #include "Overlays.h"
 #include "View.h"
 
+#include <krender/core/Ref.h>
+#include <krender/draw/DrawProcedureList.h>
+
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
-/// All that is drawn, and its drawing. A context is current as long as it lives.
+/// Holds and draws the scene. An OpenGL context must be current while it lives.
 class Stage
 {
 public:
     Stage();
 
-    /// Takes another scene, or the same one whose sources have changed. What is wrong with it is printed or thrown as an
-    /// InputError or a krTools::FileError; the stage then goes on with what it had.
+    /// Replaces the scene, also by itself when its sources have changed. Errors in the sources are printed. Throws an
+    /// InputError and a krTools::FileError. On any error the stage keeps what it had.
     /// @return  whether the stage has the scene now
     bool load(const Scene& scene);
 
     /// Draws a frame.
-    /// @param seconds  the moment that it shows
-    void draw(View& view, double seconds);
+    /// @param width, height  of the frame, pixels
+    /// @param seconds        the moment that it shows, from the beginning
+    void draw(View& view, int width, int height, double seconds);
 
-    /// Whether each moment looks another way.
+    /// Whether the scene looks different from moment to moment.
     [[nodiscard]] bool isMoving() const noexcept { return fFountain.has_value(); }
-    /// What is on the stage, such as "phong on sphere".
+    /// The material and the shape, such as "phong on sphere".
     [[nodiscard]] std::string description() const;
     [[nodiscard]] const DrawProcedureList& overlays() const noexcept { return *fOverlays; }
-    /// The files that the scene came from, its pictures included.
-    [[nodiscard]] std::vector<std::string> files() const;
+    /// The files that the last load() read or looked for: sources, what they include, pictures.
+    [[nodiscard]] const std::vector<std::string>& files() const noexcept { return fFiles; }
     [[nodiscard]] const ObjectGrid& grid() const noexcept { return *fGrid; }
     [[nodiscard]] const MeshUpload& upload() const noexcept { return fUpload; }
 
 private:
     void buildGeometry(const Scene& scene);
-    void aim(View& view);
+    void aim(View& view, double aspect);
     void drawBackground() const;
     void drawObjects();
 
     Scene fScene;
+    std::vector<std::string> fFiles;
     std::string fMaterialName;
     std::unique_ptr<GlProgram> fProgram;
     std::optional<Inputs> fInputs;
@@ -50,5 +56,5 @@ private:
     std::optional<ObjectGrid> fGrid;
     MeshUpload fUpload;
     Camera fCamera;
-    Shared<DrawProcedureList> fOverlays = newOverlays();
+    Ref<DrawProcedureList> fOverlays = newOverlays();
 };

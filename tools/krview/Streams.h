@@ -1,20 +1,22 @@
 #pragma once
 #include <krender/geometry/Geometry.h>
 #include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
 #include <krender/geometry/GeometryDataIterator.h>
 
 #include <array>
+#include <cstddef>
 #include <string>
 #include <vector>
 
-/// One kind of stream that shapes have here.
+/// A kind of stream that shapes have.
 struct StreamKind
 {
-    const char* name; ///< also the stream's own
+    const char* name; ///< also of the stream itself
     GeometryData::DataType type;
     int setIndex;
     unsigned components;
-    float* (GeometryDataIterator::*value)() const noexcept; ///< how an iterator hands it out
+    float* (GeometryDataIterator::*value)() const noexcept; ///< the iterator's accessor for it
 };
 
 enum StreamSlot : std::size_t
@@ -40,17 +42,18 @@ inline constexpr std::array<StreamKind, kStreamSlots> kStreamKinds{{
 /// The names of all kinds.
 [[nodiscard]] std::vector<std::string> streamNames();
 
-/// The stream of that name in any of the groups; null when there is none.
+/// The first stream of that kind in the groups, borrowed; null when there is none.
+/// @param name  of a kind of stream
 [[nodiscard]] const GeometryData* findStream(const Geometry& geometry, const std::string& name);
 
-/// The first list of that type in any of the groups; null when there is none.
+/// The first list of that type in the groups, borrowed; null when there is none.
 [[nodiscard]] const GeometryDataIndex* findList(const Geometry& geometry, GeometryDataIndex::DrawPrimitiveType type);
 
-/// A list that owns a copy of the entries and holds one reference.
-/// @param streams  what the entries address, borrowed for the list's life
+/// Makes a list with a copy of the entries. The caller owns its one reference.
+/// @param streams  the streams that the entries index; borrowed for the life of the list
 [[nodiscard]] const GeometryDataIndex* newList(GeometryDataIndex::DrawPrimitiveType type,
                                                const std::vector<const GeometryData*>& streams,
                                                const std::vector<unsigned>& entries);
 
-/// A stream that owns a copy of the values and holds one reference.
+/// Makes a stream with a copy of the values. The caller owns its one reference.
 [[nodiscard]] const GeometryData* newStream(const StreamKind& kind, const std::vector<float>& values);

@@ -1,6 +1,9 @@
 #include "Texture.h"
 
+#include "GlFeatures.h"
+
 #include <array>
+#include <cstddef>
 #include <initializer_list>
 
 namespace
@@ -23,10 +26,9 @@ Texture::Texture(TextureType type) : fTarget(kTargets[static_cast<std::size_t>(t
 
 Texture::~Texture() { glDeleteTextures(1, &fId); }
 
-Shared<Texture> Texture::upload(TextureType type, const IPixelArray& pixels)
+Ref<Texture> Texture::upload(TextureType type, const IPixelArray& pixels)
 {
-    Shared<Texture> texture(new Texture(type));
-    texture->ref();
+    Ref<Texture> texture(new Texture(type));
     const auto width = static_cast<GLsizei>(pixels.width());
     const auto height = static_cast<GLsizei>(pixels.height());
     const auto depth = static_cast<GLsizei>(pixels.depth());
@@ -55,10 +57,9 @@ Shared<Texture> Texture::upload(TextureType type, const IPixelArray& pixels)
     return texture;
 }
 
-Shared<Texture> Texture::emptyShadowMap(TextureType type)
+Ref<Texture> Texture::emptyShadowMap(TextureType type)
 {
-    Shared<Texture> texture(new Texture(type));
-    texture->ref();
+    Ref<Texture> texture(new Texture(type));
     constexpr GLfloat kFarthest = 1;
     if (type == kTexture1D)
         glTexImage1D(GL_TEXTURE_1D, 0, GL_DEPTH_COMPONENT, 1, 0, GL_DEPTH_COMPONENT, GL_FLOAT, &kFarthest);
@@ -83,7 +84,7 @@ bool Texture::unbind()
 
 bool Texture::generateMipMaps()
 {
-    if (!fMipmapped && epoxy_gl_version() < 30 && !epoxy_has_gl_extension("GL_ARB_framebuffer_object"))
+    if (!hasFramebufferObjects())
         return false;
     bind();
     glGenerateMipmap(fTarget);

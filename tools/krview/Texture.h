@@ -1,20 +1,19 @@
 #pragma once
-#include "Shared.h"
-
+#include <krender/core/Ref.h>
 #include <krender/pixels/IHWTexture.h>
 #include <krender/pixels/IPixelArray.h>
 
 #include <epoxy/gl.h>
 
-/// A pixel array's copy in the graphics card.
+/// The device copy of a pixel array.
 class Texture : public IHWTexture
 {
 public:
-    /// @param type    how the pixels are laid out
+    /// @param type    the kind of texture, which must match the kind of array
     /// @param pixels  in pictureFormat(); borrowed for the call
-    [[nodiscard]] static Shared<Texture> upload(TextureType type, const IPixelArray& pixels);
-    /// A depth map without anything in it, through which every place is lit.
-    [[nodiscard]] static Shared<Texture> emptyShadowMap(TextureType type);
+    [[nodiscard]] static Ref<Texture> upload(TextureType type, const IPixelArray& pixels);
+    /// A depth map of the greatest depth, with which nothing lies in shadow.
+    [[nodiscard]] static Ref<Texture> emptyShadowMap(TextureType type);
     ~Texture() override;
 
     bool bind() override;

@@ -1,7 +1,7 @@
 #pragma once
 #include <cmath>
 
-/// Three floats with the arithmetic that surfaces need.
+/// A vector of three floats.
 struct Vector3
 {
     float x = 0;
@@ -17,7 +17,7 @@ struct Vector3
 {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
-/// The vector at length 1; one of length 0 stays as it is.
+/// The vector scaled to length 1; the null vector unchanged.
 [[nodiscard]] inline Vector3 normalized(const Vector3& v)
 {
     const float length = std::sqrt(dot(v, v));

@@ -1,5 +1,7 @@
 #include "View.h"
 
+#include <krender/platform/Linear.h>
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -33,12 +35,12 @@ void View::reset(const Scene& scene)
     turn(scene.pitch, scene.yaw);
 }
 
-View::Wishes View::takeWishes() noexcept { return std::exchange(fWishes, {}); }
+View::Commands View::takeCommands() noexcept { return std::exchange(fCommands, {}); }
 
 void View::turn(float pitch, float yaw)
 {
-    // The angle about y is applied last of the handler's angles. The scene shall turn on its own upright axis and then
-    // be tipped towards the eye, so the pitch goes into what the view is built on.
+    // The handler applies its angle about y last. The scene turns about its own upright axis and is tipped towards the
+    // eye afterwards, so the pitch goes into the base matrix.
     fPitch = std::clamp(pitch, -90.0f, 90.0f);
     krLinear::AffineMatrix base;
     base.rotate(fPitch * std::numbers::pi / 180, krLinear::Normal(1, 0, 0));
@@ -53,16 +55,16 @@ void View::keyboard(unsigned key)
     case 'r':
         return reset(Scene(fScene));
     case 's':
-        fWishes.picture = true;
-        return windowMoved();
+        fCommands.savePicture = true;
+        return;
     case 'a':
-        fWishes.axes = true;
+        fCommands.toggleAxes = true;
         return windowMoved();
     case 'w':
-        fWishes.wire = true;
+        fCommands.toggleWire = true;
         return windowMoved();
     case 'q':
-        fWishes.quit = true;
+        fCommands.quit = true;
         return;
     default:
         return;

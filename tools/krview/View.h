@@ -7,7 +7,7 @@
 class View : public TumbleWindowsHandler
 {
 public:
-    /// What a mouse button does, the second argument of mouseButton.
+    /// What the mouse did, the second argument of mouseButton().
     enum Action : int
     {
         kReleased,
@@ -15,27 +15,31 @@ public:
         kMoved,
     };
 
-    /// What keys ask for; each is taken once.
-    struct Wishes
+    /// The commands of the keys that were pressed.
+    struct Commands
     {
         bool quit = false;
-        bool picture = false;
-        bool axes = false; ///< to be shown where they are not, and the other way around
-        bool wire = false;
+        bool savePicture = false;
+        bool toggleAxes = false;
+        bool toggleWire = false;
     };
 
     explicit View(const Scene& scene);
 
-    /// Looks as the scene says.
+    /// Takes the view that the scene asks for.
     void reset(const Scene& scene);
-    /// From top to bottom, in degrees.
+    /// The field of view from top to bottom, degrees.
     [[nodiscard]] float opening() const noexcept { return fOpening; }
-    [[nodiscard]] Wishes takeWishes() noexcept;
+    /// The commands since the last call.
+    [[nodiscard]] Commands takeCommands() noexcept;
 
-    /// The picture is drawn when all that is waiting has been handled.
+    /// Asks for a refresh: the picture is drawn once all waiting events have been handled.
     void display() override { windowMoved(); }
     /// @param key  an X key symbol
     void keyboard(unsigned key) override;
+    /// @param button  as X numbers buttons; 0 for a move
+    /// @param action  an Action
+    /// @param x, y    where, in pixels from the upper left corner of the window
     void mouseButton(int button, int action, int x, int y) override;
 
 private:
@@ -45,5 +49,5 @@ private:
     float fOpening = 0;
     float fPitch = 0;
     float fStartPitch = 0; ///< when the drag began
-    Wishes fWishes;
+    Commands fCommands;
 };

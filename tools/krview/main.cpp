@@ -1,14 +1,16 @@
-#include "GlWindow.h"
 #include "InputError.h"
 #include "Options.h"
 #include "Session.h"
 
 #include <common/ExitStatus.h>
 #include <common/Findings.h>
-#include <common/SourceReader.h>
 #include <common/UsageError.h>
 
+#include <cstdio>
+#include <exception>
 #include <new>
+#include <optional>
+#include <string>
 
 namespace
 {
@@ -21,11 +23,7 @@ void printError(const std::string& origin, const char* text)
 int run(int argc, char** argv)
 {
     const std::optional<Options> options = readOptions(argc, argv);
-    if (!options)
-        return krTools::kDone;
-    int status = krTools::kCannotRun;
-    krTools::runOnLargeStack([&] { status = showScene(*options); });
-    return status;
+    return options ? showScene(*options) : krTools::kDone;
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include <krender/core/Exception.h>
 
+#include <krender/platform/String.h>
+
 #include <utility>
 
 Exception::Exception(ExceptionType exceptionType, krString::CString exceptionMessage)

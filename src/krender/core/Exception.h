@@ -1,4 +1,5 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/platform/String.h>
 
 #include <cstdint>
@@ -10,7 +11,7 @@ enum ExceptionType : std::int32_t
     kSourceEnded = 1,        ///< the tokenizer ran off the end of its source
 };
 
-/// The one exception type of the library, thrown by value.
+/// The one exception type of the library, thrown by value. It derives from nothing, so it is caught by this type.
 class KRENDER_EXPORT Exception
 {
 public:
@@ -20,6 +21,5 @@ public:
     krString::CString message;
 };
 
-/// Returns at once when the condition holds; otherwise throws an Exception of type kVerificationFailed that carries the
-/// message. Nothing is printed.
+/// Throws an Exception of type kVerificationFailed with the message unless the condition holds. Nothing is printed.
 KRENDER_EXPORT void verifyAlways(bool condition, krString::CString message);

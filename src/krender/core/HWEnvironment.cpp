@@ -1,6 +1,8 @@
 #include <krender/core/HWEnvironment.h>
 
-// The early priority lets any other file's initialiser use the strings.
+#include <krender/platform/String.h>
+
+// Initialised early, so that the initialisers of other files can use the strings.
 [[gnu::init_priority(200)]] krString::CString HWEnvironment::enable_hwr_cg_programs;
 [[gnu::init_priority(200)]] krString::IString HWEnvironment::teka_path;
 [[gnu::init_priority(200)]] krString::CString HWEnvironment::env_desired_profile;

@@ -1,10 +1,11 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/platform/String.h>
 
 #include <cstdint>
 
-/// Process-wide switches of the renderer. The host fills them in and its drawing code reads them; the library exports
-/// them so that both share one copy, and reads none itself.
+/// Process-wide settings of the renderer. The host sets them and its drawing code reads them. The library reads none: it
+/// exports them so that both share one copy. Texts are empty and switches off until the host sets them.
 class KRENDER_EXPORT HWEnvironment
 {
 public:
@@ -26,6 +27,6 @@ public:
     static bool disable_hwr_shadow_texture_flag;
     static bool disable_hwr_point_smooth_flag;
     static bool disable_hwr_texture_shader_flag;
-    /// A level and not a switch, 2 unless the host says otherwise.
+    /// A level, not a switch; 2 until the host sets it.
     static std::int32_t teka_enable_vbo;
 };

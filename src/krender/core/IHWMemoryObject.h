@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-/// The device-side copy of a vertex stream or an index list (its hanger), made by the host's drawing code. The library
-/// stores such pointers and deletes them through this destructor.
+/// The device's copy of a vertex stream or an index list (its hanger), made by the host's drawing code. The stream or
+/// list owns it and deletes it through this destructor.
 class KRENDER_EXPORT IHWMemoryObject
 {
 public:
@@ -13,6 +13,6 @@ public:
     IHWMemoryObject& operator=(const IHWMemoryObject&) = delete;
     virtual ~IHWMemoryObject();
 
-    /// Bytes of device memory in use; kept by the host, never changed here.
+    /// Bytes of device memory in use; counted by the host, never changed here.
     static std::uint32_t fsMemoryUsage;
 };

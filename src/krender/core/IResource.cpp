@@ -1,5 +1,8 @@
 #include <krender/core/IResource.h>
 
+#include <krender/core/SharedObject.h>
+#include <krender/platform/String.h>
+
 constinit std::uint32_t IResource::fsUniqueIDGenerator = 1;
 
 IResource::IResource() : SharedObject(1) {}

@@ -1,6 +1,9 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/core/SharedObject.h>
 #include <krender/platform/String.h>
+
+#include <cstdint>
 
 /// A shared object with a name and a dirty mark. Its creator holds the first reference: the count starts at 1.
 class KRENDER_EXPORT IResource : public krSharedObject::SharedObject
@@ -19,14 +22,14 @@ public:
     [[nodiscard]] virtual bool isDirty();
     virtual void setDirty(bool dirty);
 
-    /// The next identity to be handed out, shared by all kinds of resources; geometry monitors also use it as a clock.
+    /// The next id to be handed out, shared by all kinds of resources; geometry monitors also use it as a clock.
     static std::uint32_t fsUniqueIDGenerator;
 
 protected:
-    /// Takes the next identity from the generator. 0 names no resource: when the counter has wrapped, 1 is given out.
+    /// Takes the next id from the generator. No resource has the id 0: after the counter has wrapped, 1 is given out.
     [[nodiscard]] static std::uint32_t takeUniqueID() noexcept;
 
-    /// The kind of resource, for the host; the library keeps it as it is.
+    /// For the host; the library neither reads nor changes it.
     std::int32_t fResourceKind = 6;
 
 private:

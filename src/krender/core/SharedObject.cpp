@@ -1,22 +1,20 @@
 #include <krender/core/SharedObject.h>
 
 #include <cstdio>
-#include <new>
 
 namespace krSharedObject
 {
 
-std::int32_t SharedObject::ref() const { return ++fReferences; }
+std::int32_t SharedObject::ref() { return ++fReferences; }
 
-std::int32_t SharedObject::unref() const
+std::int32_t SharedObject::unref()
 {
     if (--fReferences > 0)
         return fReferences;
-    // The class's own operator delete frees nothing, so the destructor and the global deallocation run by hand. A base
-    // may stand anywhere in the object that was allocated, hence the cast to the most derived object's start.
-    auto* object = const_cast<SharedObject*>(this);
-    void* storage = dynamic_cast<void*>(object);
-    object->~SharedObject();
+    // The class's own operator delete frees nothing, so the destructor and the global one are called here. The storage
+    // starts where the most derived object does, which need not be where this base stands.
+    void* storage = dynamic_cast<void*>(this);
+    this->~SharedObject();
     ::operator delete(storage);
     return 0;
 }
@@ -25,6 +23,16 @@ SharedObject::~SharedObject() = default;
 
 void* SharedObject::operator new(std::size_t size) { return ::operator new(size); }
 
+void* SharedObject::operator new(std::size_t size, const std::nothrow_t& tag) noexcept
+{
+    return ::operator new(size, tag);
+}
+
 void SharedObject::operator delete(void*) { std::fputs("krSharedObject::delete called illegally (use unref)", stdout); }
+
+void SharedObject::operator delete(void* storage, const std::nothrow_t& tag) noexcept
+{
+    ::operator delete(storage, tag);
+}
 
 } // namespace krSharedObject

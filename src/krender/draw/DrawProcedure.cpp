@@ -1,5 +1,8 @@
 #include <krender/draw/DrawProcedure.h>
 
+#include <krender/core/IResource.h>
+#include <krender/platform/String.h>
+
 DrawProcedure::DrawProcedure() = default;
 
 DrawProcedure::DrawProcedure(const krString::CString& name) { IResource::setName(name.asChar()); }
@@ -8,10 +11,6 @@ DrawProcedure::~DrawProcedure()
 {
     if (fDestroyUserData)
         fDestroyUserData(fUserData);
-    fUserData = nullptr;
-    fDestroyUserData = nullptr;
-    fExecuteCallback = nullptr;
-    fSpare = nullptr;
 }
 
 void DrawProcedure::execute(const DrawProcedureData& data)

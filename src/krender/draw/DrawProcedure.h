@@ -1,39 +1,42 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/core/IResource.h>
+#include <krender/platform/String.h>
 
 class DrawProcedureData;
 
-/// A named hook that the host runs at a point of its drawing, for example to draw items of its own. It does what its
-/// callback does, or what a derived class makes of execute().
+/// A named hook that the host runs at a point of its drawing, for example to draw items of its own. Its callback, or the
+/// execute() of a derived class, does the work.
 class KRENDER_EXPORT DrawProcedure : public IResource
 {
 public:
-    /// Does the drawing; both arguments are borrowed for the call.
+    /// Does the work; both arguments are borrowed for the call.
     using ExecuteCallback = void (*)(DrawProcedure& procedure, const DrawProcedureData& data);
-    /// Ends user data. Its answer is for the host's own use; the library does not look at it.
+    /// Releases user data. Its answer is not used.
     using DestroyUserData = bool (*)(void* userData);
 
-    /// Makes a procedure with an empty name, disabled, without callback and user data.
+    /// Makes a disabled procedure with an empty name, without a callback or user data.
     DrawProcedure();
+    /// As above, with a copy of the name.
     explicit DrawProcedure(const krString::CString& name);
-    /// Calls the destroy function, if one is set, even when there is no user data: it may also be used to learn of the
-    /// procedure's end.
+    /// Calls the destroy function, if one is set. Deliberate: also when the user data is null.
     ~DrawProcedure() override;
 
-    /// Calls the callback with this procedure and `data`; without a callback nothing happens. Whether the procedure is
-    /// enabled is for the caller to ask first.
+    /// Calls the callback with this procedure and `data`; without a callback nothing happens. Deliberate: isEnabled() is
+    /// not looked at; the caller does that.
     virtual void execute(const DrawProcedureData& data);
-    /// False until enabled.
+    /// False at first.
     [[nodiscard]] virtual bool isEnabled() const;
     virtual void enable(bool enabled);
 
+    /// Null without user data.
     [[nodiscard]] void* userData() const noexcept { return fUserData; }
 
-    /// Attaches user data. Data that is attached already is first handed to the destroy function that came with it.
+    /// Replaces the user data. The old data, unless null, is first handed to its destroy function, if it has one.
     /// @param data     may be null
-    /// @param destroy  ends `data` when it is replaced or the procedure ends; null leaves it to the host
+    /// @param destroy  called with `data` when that is replaced or the procedure ends; null leaves `data` to the host
     void setUserData(void* data, DestroyUserData destroy);
-    /// @param callback  null takes the callback away
+    /// @param callback  null removes the callback
     void setExecuteCallback(ExecuteCallback callback) noexcept { fExecuteCallback = callback; }
 
 private:
@@ -43,6 +46,6 @@ private:
     ExecuteCallback fExecuteCallback = nullptr;
 
 protected:
-    /// At a derived class's disposal; never touched here.
+    /// For derived classes; the library only makes it null at first.
     void* fSpare = nullptr;
 };

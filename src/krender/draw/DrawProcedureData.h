@@ -1,7 +1,7 @@
 #pragma once
 #include <krender/Export.h>
 
-/// What a draw procedure is told about the current draw. Empty here: the host derives its own from it.
+/// Describes the current draw to a draw procedure. Empty here: the host derives from it.
 class KRENDER_EXPORT DrawProcedureData
 {
 public:

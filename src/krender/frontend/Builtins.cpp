@@ -1,6 +1,10 @@
 #include "krender/frontend/private/Builtins.h"
 
+#include <krender/shadergen/Target.h>
+
 #include <algorithm>
+#include <cstdint>
+#include <string>
 
 namespace krFrontend
 {

@@ -1,8 +1,23 @@
+#include "krender/frontend/private/Builtins.h"
 #include "krender/frontend/private/Checker.h"
+#include "krender/frontend/private/DiagnosticList.h"
+#include "krender/frontend/private/Message.h"
+#include "krender/frontend/private/NameTable.h"
 #include "krender/frontend/private/NearNames.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/SyntaxReader.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
 
 #include <algorithm>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace krFrontend
 {

@@ -1,7 +1,27 @@
+#include "krender/frontend/private/Builtins.h"
 #include "krender/frontend/private/Checker.h"
+#include "krender/frontend/private/Constant.h"
+#include "krender/frontend/private/ConstantFolder.h"
+#include "krender/frontend/private/DiagnosticList.h"
+#include "krender/frontend/private/ExprWalk.h"
+#include "krender/frontend/private/Lexer.h"
+#include "krender/frontend/private/Message.h"
+#include "krender/frontend/private/NameTable.h"
 #include "krender/frontend/private/NearNames.h"
+#include "krender/frontend/private/Provided.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/SyntaxReader.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace krFrontend
 {
@@ -66,8 +86,6 @@ bool Checker::enterExpr(Expr* expr)
 
 void Checker::leaveExpr(Expr* expr)
 {
-    for (const Expr* operand = expr->first; operand; operand = operand->next)
-        expr->hasEffect |= operand->hasEffect;
     switch (expr->kind)
     {
     case ExprKind::Bad:
@@ -110,6 +128,8 @@ void Checker::leaveExpr(Expr* expr)
         checkSwizzle(expr);
         break;
     }
+    for (const Expr* operand = expr->first; operand; operand = operand->next)
+        expr->hasEffect |= operand->hasEffect;
 }
 
 Symbol* Checker::findVariable(Name name)

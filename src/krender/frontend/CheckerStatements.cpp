@@ -1,5 +1,24 @@
 #include "krender/frontend/private/Checker.h"
 
+#include "krender/frontend/private/Arena.h"
+#include "krender/frontend/private/Constant.h"
+#include "krender/frontend/private/ConstantFolder.h"
+#include "krender/frontend/private/DiagnosticList.h"
+#include "krender/frontend/private/Message.h"
+#include "krender/frontend/private/NameTable.h"
+#include "krender/frontend/private/Provided.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/SyntaxReader.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
 namespace krFrontend
 {
 namespace

@@ -1,7 +1,12 @@
 #include "krender/frontend/private/ConstantFolder.h"
 
+#include "krender/frontend/private/Lexer.h"
+
 #include <array>
 #include <charconv>
+#include <cstdint>
+#include <limits>
+#include <string>
 
 namespace krFrontend
 {

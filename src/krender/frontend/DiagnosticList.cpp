@@ -1,6 +1,11 @@
 #include "krender/frontend/private/DiagnosticList.h"
 
+#include <krender/frontend/Diagnostic.h>
+#include <krender/frontend/SourceSet.h>
+
 #include <algorithm>
+#include <memory>
+#include <string>
 
 namespace krFrontend
 {

@@ -1,6 +1,18 @@
 #include <krender/frontend/Interface.h>
 
+#include "krender/frontend/private/Constant.h"
 #include "krender/frontend/private/InterfaceParts.h"
+#include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/NameTable.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/SyntaxReader.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/Module.h>
+#include <krender/frontend/SourceSet.h>
+
+#include <array>
+#include <memory>
 
 namespace krFrontend
 {

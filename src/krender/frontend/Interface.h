@@ -1,10 +1,11 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/frontend/Module.h>
-#include <krender/shadergen/Target.h>
+#include <krender/frontend/SourceSet.h>
 #include <krender/shading/DataType.h>
 #include <krender/shading/ShadingAttribute.h>
 
-#include <array>
+#include <cstdint>
 #include <string>
 #include <vector>
 

@@ -1,9 +1,15 @@
 #include "krender/frontend/private/Lexer.h"
 
+#include "krender/frontend/private/Message.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <limits>
+#include <string>
 
 namespace krFrontend
 {

@@ -1,7 +1,18 @@
+#include "krender/frontend/private/ExprWalk.h"
+#include "krender/frontend/private/Lexer.h"
 #include "krender/frontend/private/Lowering.h"
+#include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/ProgramNames.h"
 #include "krender/frontend/private/Provided.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/TextEdits.h"
+#include "krender/frontend/private/Type.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace krFrontend
 {

@@ -1,6 +1,23 @@
 #include "krender/frontend/private/Lowering.h"
 
+#include "krender/frontend/private/Builtins.h"
+#include "krender/frontend/private/Constant.h"
+#include "krender/frontend/private/ExprWalk.h"
+#include "krender/frontend/private/Lexer.h"
+#include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/TextEdits.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
+
 #include <algorithm>
+#include <array>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
 
 namespace krFrontend
 {

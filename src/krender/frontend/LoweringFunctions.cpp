@@ -1,17 +1,41 @@
 #include "krender/frontend/private/Lowering.h"
 
+#include "krender/frontend/private/Builtins.h"
+#include "krender/frontend/private/Constant.h"
+#include "krender/frontend/private/ExprWalk.h"
+#include "krender/frontend/private/Lexer.h"
+#include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/NameTable.h"
+#include "krender/frontend/private/ProgramNames.h"
 #include "krender/frontend/private/Provided.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/SyntaxReader.h"
+#include "krender/frontend/private/Type.h"
 #include "krender/shading/private/StatementPrinter.h"
+#include <krender/frontend/SourceSet.h>
+#include <krender/platform/String.h>
+#include <krender/shadergen/Target.h>
+#include <krender/shading/FunctionType.h>
+#include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 namespace krFrontend
 {
 namespace
 {
 
-using krShadingDag::StatementCompound;
 using krShadingDag::StatementPrinter;
 
 /// Prints a function's body and keeps where its lines came from.

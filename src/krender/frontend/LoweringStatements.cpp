@@ -1,6 +1,21 @@
 #include "krender/frontend/private/Lowering.h"
 
+#include "krender/frontend/private/ExprWalk.h"
+#include "krender/frontend/private/Lexer.h"
+#include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/TextEdits.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
+#include <krender/platform/String.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace krFrontend
 {

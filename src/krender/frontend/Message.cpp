@@ -1,7 +1,11 @@
 #include "krender/frontend/private/Message.h"
 
+#include <krender/frontend/Diagnostic.h>
+
 #include <algorithm>
 #include <array>
+#include <string_view>
+#include <vector>
 
 namespace krFrontend
 {
@@ -151,6 +155,7 @@ const std::vector<DiagnosticKind>& diagnosticKinds()
     static const std::vector<DiagnosticKind> kinds = []
     {
         std::vector<DiagnosticKind> list;
+        list.reserve(kRows.size());
         for (const Row& row : kRows)
             list.push_back(row.kind);
         return list;

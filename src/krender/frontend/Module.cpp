@@ -1,7 +1,13 @@
 #include <krender/frontend/Module.h>
 
 #include "krender/frontend/private/Checker.h"
+#include "krender/frontend/private/DiagnosticList.h"
+#include "krender/frontend/private/Message.h"
 #include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/SyntaxReader.h"
+
+#include <krender/frontend/Diagnostic.h>
+#include <krender/frontend/SourceSet.h>
 
 #include <filesystem>
 #include <unordered_set>
@@ -20,10 +26,10 @@ public:
     {
     }
 
-    std::unique_ptr<ModuleContents> read(const std::string& name, const std::string* text)
+    std::unique_ptr<ModuleContents> read(const std::string& name, std::string* text)
     {
         if (text && text->size() <= kMostSourceBytes)
-            fContents->sources.add(name, *text);
+            fContents->sources.add(name, std::move(*text));
         else
             readFirst(name, text != nullptr);
         fSeen.insert(std::filesystem::path(name).lexically_normal().string());

@@ -1,7 +1,12 @@
 #pragma once
 #include <krender/frontend/Diagnostic.h>
 
+#include <krender/Export.h>
+#include <krender/frontend/SourceSet.h>
+
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace krFrontend
 {

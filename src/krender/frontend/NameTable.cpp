@@ -2,6 +2,9 @@
 
 #include "krender/frontend/private/Lexer.h"
 
+#include <span>
+#include <string>
+
 namespace krFrontend
 {
 namespace

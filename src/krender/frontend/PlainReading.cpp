@@ -1,12 +1,21 @@
 #include <krender/frontend/PlainReading.h>
 
 #include "krender/frontend/private/DiagnosticList.h"
+#include "krender/frontend/private/Message.h"
 #include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/Syntax.h"
+#include <krender/frontend/Diagnostic.h>
+#include <krender/frontend/Module.h>
+#include <krender/frontend/SourceSet.h>
+#include <krender/platform/String.h>
 #include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
 
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace krFrontend
 {

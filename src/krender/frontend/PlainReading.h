@@ -1,6 +1,11 @@
 #pragma once
 #include <krender/frontend/Module.h>
 
+#include <krender/Export.h>
+#include <krender/frontend/Diagnostic.h>
+
+#include <vector>
+
 namespace krFrontend
 {
 

@@ -1,13 +1,35 @@
 #include <krender/frontend/Program.h>
 
+#include "krender/frontend/private/DiagnosticList.h"
 #include "krender/frontend/private/InterfaceParts.h"
 #include "krender/frontend/private/Lowering.h"
+#include "krender/frontend/private/Message.h"
+#include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/NameTable.h"
 #include "krender/frontend/private/NearNames.h"
+#include "krender/frontend/private/ProgramNames.h"
 #include "krender/frontend/private/Provided.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/SyntaxReader.h"
+#include "krender/frontend/private/Type.h"
+#include <krender/frontend/Interface.h>
+#include <krender/frontend/Module.h>
+#include <krender/frontend/SourceSet.h>
+#include <krender/platform/String.h>
+#include <krender/shadergen/FragmentExtras.h>
 #include <krender/shadergen/InterpolantBank.h>
+#include <krender/shadergen/LightSpec.h>
+#include <krender/shadergen/Target.h>
+#include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/Statement.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <memory>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace krFrontend
 {

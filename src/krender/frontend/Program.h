@@ -1,7 +1,15 @@
 #pragma once
 #include <krender/frontend/Interface.h>
 
+#include <krender/Export.h>
+#include <krender/frontend/Diagnostic.h>
+#include <krender/frontend/Module.h>
+#include <krender/frontend/SourceSet.h>
+#include <krender/shadergen/Target.h>
+
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace krFrontend
 {

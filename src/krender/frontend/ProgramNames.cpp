@@ -1,5 +1,7 @@
 #include "krender/frontend/private/ProgramNames.h"
 
+#include <krender/shadergen/Target.h>
+
 #include <algorithm>
 #include <array>
 

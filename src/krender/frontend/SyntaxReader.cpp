@@ -1,7 +1,11 @@
 #include "krender/frontend/private/SyntaxReader.h"
 
+#include <krender/frontend/SourceSet.h>
+#include <krender/shading/ShadingAttribute.h>
+
 #include <algorithm>
 #include <array>
+#include <cstdint>
 
 namespace krFrontend
 {

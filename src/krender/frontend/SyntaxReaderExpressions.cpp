@@ -1,6 +1,20 @@
 #include "krender/frontend/private/SyntaxReader.h"
 
+#include "krender/frontend/private/Arena.h"
+#include "krender/frontend/private/DiagnosticList.h"
+#include "krender/frontend/private/Lexer.h"
+#include "krender/frontend/private/Message.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
+
 #include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace krFrontend
 {

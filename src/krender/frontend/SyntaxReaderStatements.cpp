@@ -1,5 +1,14 @@
 #include "krender/frontend/private/SyntaxReader.h"
 
+#include "krender/frontend/private/Arena.h"
+#include "krender/frontend/private/DiagnosticList.h"
+#include "krender/frontend/private/Lexer.h"
+#include "krender/frontend/private/Message.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
+
 namespace krFrontend
 {
 

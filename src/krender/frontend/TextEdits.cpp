@@ -1,5 +1,7 @@
 #include "krender/frontend/private/TextEdits.h"
 
+#include <krender/frontend/SourceSet.h>
+
 #include <algorithm>
 #include <tuple>
 

@@ -1,5 +1,7 @@
 #include "krender/frontend/private/Type.h"
 
+#include <krender/shading/DataType.h>
+
 #include <array>
 #include <string_view>
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstdint>
 #include <limits>
 #include <numeric>
 #include <utility>
@@ -12,17 +13,17 @@
 namespace
 {
 
-/// A place below its key, in one word that moves at once.
+/// A key in the upper half and its place in the lower one, so that both move as one word.
 using Item = std::uint64_t;
 
 constexpr unsigned kKeyBits = 32;
 
-/// An integer that orders as the depth does. The addition turns -0 into 0; the bits of a negative number are inverted, as
-/// they ascend with its magnitude, and those of any other number are put above them.
+/// An integer that orders as the depth does. The addition turns -0 into 0. The bits of a negative number are inverted,
+/// since they grow with its magnitude; any other number gets its top bit set, which puts it above them.
 std::uint32_t keyOf(float depth) noexcept
 {
     const auto bits = std::bit_cast<std::int32_t>(depth + 0.0f);
-    const std::int32_t ones = bits >> 31; // for a negative number, else none; shifted, as signs cannot be predicted
+    const std::int32_t ones = bits >> 31; // all ones for a negative number, else 0; no branch on an unpredictable sign
     return static_cast<std::uint32_t>(bits ^ (ones | std::numeric_limits<std::int32_t>::min()));
 }
 
@@ -30,7 +31,7 @@ Item makeItem(float depth, std::uint32_t place) noexcept { return Item{keyOf(dep
 
 std::uint32_t placeOf(Item item) noexcept { return static_cast<std::uint32_t>(item); }
 
-/// Few enough that the tables of a radix sort would cost more than the comparisons.
+/// Up to here the tables of a radix sort cost more than comparisons.
 constexpr std::uint32_t kFew = 512;
 
 void orderFew(const float* depths, std::uint32_t count, std::uint32_t* order) noexcept
@@ -42,12 +43,13 @@ void orderFew(const float* depths, std::uint32_t count, std::uint32_t* order) no
     std::transform(items.begin(), items.begin() + count, order, placeOf);
 }
 
-/// Deals `count` items out into the buckets that their digit names.
-/// @param next   where the next item of each bucket goes
-/// @param read   answers the i-th item
-/// @param write  stores an item in a place
+/// Distributes `count` items into the buckets of their digits.
+/// @param next   the place of the next item of each bucket
+/// @param digit  (item): the bucket's number
+/// @param read   (i): the i-th item
+/// @param write  (place, item): stores an item
 template <class Buckets, class Digit, class Read, class Write>
-void deal(std::uint32_t count, Buckets& next, Digit digit, Read read, Write write) noexcept
+void distribute(std::uint32_t count, Buckets& next, Digit digit, Read read, Write write) noexcept
 {
     for (std::uint32_t i = 0; i < count; ++i)
     {
@@ -56,7 +58,7 @@ void deal(std::uint32_t count, Buckets& next, Digit digit, Read read, Write writ
     }
 }
 
-/// @tparam Width  bits of a digit: narrow digits have small tables, wide ones need fewer passes
+/// @tparam Width  bits of a digit: narrow digits have small tables, wide digits need fewer passes
 template <unsigned Width>
 void orderMany(const float* depths, std::uint32_t count, std::uint32_t* order)
 {
@@ -71,7 +73,7 @@ void orderMany(const float* depths, std::uint32_t count, std::uint32_t* order)
             ++buckets[digit][key >> digit * Width & kMask];
     }
 
-    // Digits that are the same in all keys order nothing.
+    // A digit that is the same in all keys needs no pass.
     std::array<unsigned, kDigits> digits{};
     unsigned passes = 0;
     for (unsigned digit = 0; digit < kDigits; ++digit)
@@ -100,13 +102,13 @@ void orderMany(const float* depths, std::uint32_t count, std::uint32_t* order)
         const bool first = pass == 0;
         const bool last = pass + 1 == passes;
         if (first && last)
-            deal(count, next, digitOf, depth, toOrder);
+            distribute(count, next, digitOf, depth, toOrder);
         else if (first)
-            deal(count, next, digitOf, depth, toTarget);
+            distribute(count, next, digitOf, depth, toTarget);
         else if (last)
-            deal(count, next, digitOf, item, toOrder);
+            distribute(count, next, digitOf, item, toOrder);
         else
-            deal(count, next, digitOf, item, toTarget);
+            distribute(count, next, digitOf, item, toTarget);
         std::swap(source, target);
     }
 }
@@ -115,12 +117,12 @@ void orderMany(const float* depths, std::uint32_t count, std::uint32_t* order)
 
 void orderByDepth(const float* depths, std::uint32_t count, std::uint32_t* order)
 {
-    // Both looks end at the first pair that is out of order.
+    // Both checks end at the first pair that is out of order, so random depths pay little for them.
     const auto ascending = [](float a, float b) { return keyOf(a) < keyOf(b); };
-    const auto descending = [](float a, float b) { return keyOf(b) < keyOf(a); };
+    const auto notDescending = [](float a, float b) { return keyOf(a) <= keyOf(b); };
     if (std::is_sorted(depths, depths + count, ascending))
         std::iota(order, order + count, 0u);
-    else if (std::is_sorted(depths, depths + count, descending))
+    else if (std::adjacent_find(depths, depths + count, notDescending) == depths + count)
         for (std::uint32_t i = 0; i < count; ++i)
             order[i] = count - 1 - i;
     else if (count <= kFew)

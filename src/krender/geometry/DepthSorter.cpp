@@ -3,12 +3,16 @@
 #include "krender/geometry/private/DepthOrder.h"
 #include "krender/geometry/private/ScratchArray.h"
 
+#include <krender/platform/Linear.h>
+
+#include <cstddef>
+
 using krLinear::ProjMatrix;
 
 namespace
 {
 
-/// The class's depth array for the time of one sort.
+/// The depth array of the class, for as long as one sort runs.
 class SharedDepths
 {
 public:
@@ -21,7 +25,7 @@ private:
     ScratchArray<float> fDepths;
 };
 
-/// Sets the depths to what `depthOf` answers for the points.
+/// Sets each depth to depthOf(point).
 template <class DepthOf>
 void fillDepths(float* depths, unsigned count, const float* positions, const unsigned* filter, DepthOf depthOf)
 {
@@ -40,10 +44,14 @@ constinit float* DepthSorter::fsPositionXformZ = nullptr;
 bool DepthSorter::sortByDepth(const ProjMatrix& m, unsigned* order, unsigned count, const float* positions,
                               const unsigned* filter, unsigned filterCount)
 {
-    if (count == 0 || !positions || !order)
-        return count == 0;
+    if (count == 0)
+        return true;
+    if (!positions && order)
+        return false;
     if (filter && filterCount == 0)
         return true;
+    if (!positions || !order)
+        return false;
 
     const unsigned sorted = filter ? filterCount : count;
     const SharedDepths depths(sorted);
@@ -51,7 +59,7 @@ bool DepthSorter::sortByDepth(const ProjMatrix& m, unsigned* order, unsigned cou
     if (filter ? m == identity : equivalent(identity, m, krLinear::epsilonTol))
         fillDepths(fsPositionXformZ, sorted, positions, filter, [](const float* p) { return p[2]; });
     else
-        // The third component of m.preMult() alone, in its order of operations.
+        // Only the third component of m.preMult(), in the same order of operations.
         fillDepths(fsPositionXformZ, sorted, positions, filter,
                    [x = m(0, 2), y = m(1, 2), z = m(2, 2), w = m(3, 2)](const float* p)
                    { return static_cast<float>(p[0] * x + p[1] * y + p[2] * z + w); });

@@ -1,7 +1,13 @@
 #include <krender/geometry/Geometry.h>
 
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/geometry/GeometryLogicalGroup.h>
+
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <utility>
@@ -9,7 +15,7 @@
 namespace
 {
 
-/// By GeometryDataIndex::DrawPrimitiveType: the indices of one primitive; 0 where a list is one primitive as a whole.
+/// By GeometryDataIndex::DrawPrimitiveType: the indices of one primitive; 0 where a whole list is one primitive.
 constexpr std::array<unsigned, 11> kIndicesPerPrimitive{0, 1, 2, 0, 0, 3, 0, 0, 4, 0, 0};
 static_assert(kIndicesPerPrimitive.size() == GeometryDataIndex::polygon + 1);
 
@@ -31,7 +37,7 @@ bool holdsPositive16BitValue(const GeometryData& stream) noexcept
     return value > 0;
 }
 
-/// Whether some group has the stream; a set is found by its number taken as signed.
+/// Whether some group has the stream and it is not secondary.
 bool anyGroupHas(const Geometry& geometry, GeometryData::DataType type, unsigned set) noexcept
 {
     return std::any_of(geometry.groups().begin(), geometry.groups().end(),
@@ -74,7 +80,6 @@ bool Geometry::colorDataHasTransparency(unsigned colorSet) const
 {
     std::array<char, 40> name{};
     std::snprintf(name.data(), name.size(), "colorSetTransparency_%d", static_cast<int>(colorSet));
-    // Hosts that refine a shape append groups whose answer replaces the earlier ones, so the last one decides.
     bool transparent = false;
     for (const auto& group : fGroups)
         if (group)
@@ -115,7 +120,7 @@ void Geometry::append(const char* name, const std::vector<const GeometryData*>& 
 
 std::unique_ptr<GeometryLogicalGroup> Geometry::takeGroup(std::size_t slot) noexcept
 {
-    return std::move(fGroups[slot]);
+    return slot < fGroups.size() ? std::move(fGroups[slot]) : nullptr;
 }
 
 void Geometry::reset()

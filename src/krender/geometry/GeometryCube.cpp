@@ -1,4 +1,9 @@
+#include <krender/geometry/Geometry.h>
+
 #include "krender/geometry/private/GeometryShapes.h"
+
+#include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
 
 #include <numbers>
 
@@ -13,7 +18,8 @@ void Geometry::createCube(float, float, float, float)
     Values tangents;
     for (unsigned i = 0; i < 8; ++i)
     {
-        // Corners go around the square of each z; colours count in bits.
+        // The corners go around the square at each z. Deliberate: the colours are the bits of the number instead, so they
+        // differ from the positions at four corners.
         const double x = (i + 1) >> 1 & 1;
         const double y = i >> 1 & 1;
         const double z = i >> 2;
@@ -24,7 +30,7 @@ void Geometry::createCube(float, float, float, float)
         textureCoords.add(1.0 - y, x);
         tangents.add(1.0, 0.0, 0.0);
     }
-    const std::vector<const GeometryData*> streams{
+    const Streams streams{
         positions.stream("CubeVertices", GeometryData::vertex, 3),
         normals.stream("CubeNormals", GeometryData::normal, 3),
         colors.stream("CubeVertexColors", GeometryData::color, 4),
@@ -33,6 +39,7 @@ void Geometry::createCube(float, float, float, float)
         tangents.stream("CubeTangents1", GeometryData::tangent, 3, 0),
         tangents.stream("CubeTangents2", GeometryData::tangent, 3, 1),
     };
-    append("Cube", streams, {indexList(GeometryDataIndex::quads, streams, {4, 5, 6, 7, 2, 3, 7, 6, 0, 4, 7, 3,
-                                                                           0, 1, 5, 4, 2, 6, 5, 1, 0, 3, 2, 1})});
+    appendGroup(*this, "Cube", streams,
+                {indexList(GeometryDataIndex::quads, streams,
+                           {4, 5, 6, 7, 2, 3, 7, 6, 0, 4, 7, 3, 0, 1, 5, 4, 2, 6, 5, 1, 0, 3, 2, 1})});
 }

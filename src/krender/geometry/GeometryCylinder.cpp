@@ -1,4 +1,8 @@
+#include <krender/geometry/Geometry.h>
+
 #include "krender/geometry/private/GeometryShapes.h"
+
+#include <krender/geometry/GeometryData.h>
 
 #include <array>
 #include <numbers>
@@ -7,7 +11,8 @@ using namespace krShapes;
 
 void Geometry::createCylinder(float, float, float, float)
 {
-    // Places in the streams. A ring of positions closes on itself; one of texture coordinates has both ends of the seam.
+    // Where the parts of the streams start. A ring of texture coordinates has one entry more than a ring of positions, for
+    // both ends of the seam.
     constexpr unsigned kTop = kSides;
     constexpr unsigned kBottomCenter = 2 * kSides;
     constexpr unsigned kTopCenter = kBottomCenter + 1;
@@ -33,7 +38,7 @@ void Geometry::createCylinder(float, float, float, float)
         for (unsigned corner = 0; corner <= kSides; ++corner)
             normals.add(0.0, y, 0.0);
 
-    // v runs along the profile, from the middle of one cap to that of the other, in units of the circumference.
+    // v is the distance along the profile from the centre of the bottom cap, in units of the circumference.
     const auto v = [](double distance) { return distance / (2.0 * std::numbers::pi); };
     Values textureCoords;
     textureCoords.add(0.5, v(0.0));
@@ -49,12 +54,12 @@ void Geometry::createCylinder(float, float, float, float)
         const unsigned texture = kBottomTexture + k;
         addFace(quads.positions, {k, kTop + k, kTop + next, next});
         addFace(quads.normals, {4 * k, 4 * k + 1, 4 * k + 2, 4 * k + 3});
-        // The corners run from left to right and back, the positions upwards first: they are drawn with own lists.
+        // Deliberate: the texture corners go along the ring first, the position corners up the side first.
         addFace(quads.textureCoords, {texture, texture + 1, kTopTexture + k + 1, kTopTexture + k});
     }
 
-    // The normals of a cap are alike; the third one is the middle's, the others go around in these orders.
-    constexpr unsigned kMiddle = 2;
+    // A cap's normals are all equal; that at kCenter is used for the centre, the others for the ring, in these orders.
+    constexpr unsigned kCenter = 2;
     constexpr std::array<unsigned, kSides> kBottomOrder{1, 0, 3, 4, 5, 6, 7, 8, 9, 10};
     constexpr std::array<unsigned, kSides> kTopOrder{0, 1, 3, 4, 5, 6, 7, 8, 9, 10};
     Surface triangles;
@@ -63,14 +68,14 @@ void Geometry::createCylinder(float, float, float, float)
         const unsigned next = (k + 1) % kSides;
         addFace(triangles.positions, {next, kBottomCenter, k});
         addFace(triangles.normals,
-                {kBottomNormals + kBottomOrder[next], kBottomNormals + kBottomOrder[k], kBottomNormals + kMiddle});
+                {kBottomNormals + kBottomOrder[next], kBottomNormals + kBottomOrder[k], kBottomNormals + kCenter});
         addFace(triangles.textureCoords, {kBottomTexture + k + 1, kBottomTexture + k, 0});
     }
     for (unsigned k = 0; k < kSides; ++k)
     {
         const unsigned next = (k + 1) % kSides;
         addFace(triangles.positions, {kTop + k, kTopCenter, kTop + next});
-        addFace(triangles.normals, {kTopNormals + kTopOrder[k], kTopNormals + kTopOrder[next], kTopNormals + kMiddle});
+        addFace(triangles.normals, {kTopNormals + kTopOrder[k], kTopNormals + kTopOrder[next], kTopNormals + kCenter});
         addFace(triangles.textureCoords, {kTopTexture + k, kTopTexture + k + 1, kTopCenterTexture});
     }
 

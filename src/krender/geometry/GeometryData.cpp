@@ -3,6 +3,8 @@
 #include <krender/core/IHWMemoryObject.h>
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -16,12 +18,12 @@ struct ElementTypeInfo
 };
 
 template <class Component>
-constexpr ElementTypeInfo info{sizeof(Component), [](void* array) { delete[] static_cast<Component*>(array); }};
+constexpr ElementTypeInfo kInfo{sizeof(Component), [](void* array) { delete[] static_cast<Component*>(array); }};
 
 /// By GeometryData::ElementType.
 constexpr std::array kElementTypes{
-    ElementTypeInfo{1, nullptr}, info<float>,         info<double>,       info<std::int8_t>,   info<std::uint8_t>,
-    info<std::int16_t>,          info<std::uint16_t>, info<std::int32_t>, info<std::uint32_t>,
+    ElementTypeInfo{1, nullptr}, kInfo<float>,         kInfo<double>,       kInfo<std::int8_t>,   kInfo<std::uint8_t>,
+    kInfo<std::int16_t>,         kInfo<std::uint16_t>, kInfo<std::int32_t>, kInfo<std::uint32_t>,
 };
 static_assert(kElementTypes.size() == GeometryData::uint32 + 1);
 

@@ -1,8 +1,10 @@
 #include <krender/geometry/GeometryDataIndex.h>
 
 #include <krender/core/IHWMemoryObject.h>
+#include <krender/core/IResource.h>
 #include <krender/geometry/GeometryData.h>
 
+#include <cstddef>
 #include <cstring>
 
 GeometryDataIndex::GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned count,
@@ -18,7 +20,7 @@ GeometryDataIndex::GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned c
 {
 }
 
-// Without the guard against 0: hosts that make short lists read the id off the generator beforehand.
+// Deliberate: without the guard of takeUniqueID() against 0, so a short list takes exactly what the generator holds.
 GeometryDataIndex::GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned count, unsigned* indices)
     : fId(fsUniqueIDGenerator++),
       fPrimitiveType(primitiveType),
@@ -29,7 +31,6 @@ GeometryDataIndex::GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned c
 {
 }
 
-// The device copies of the streams go too: they were laid out for this list.
 GeometryDataIndex::~GeometryDataIndex()
 {
     if (fOwnsIndices)
@@ -40,6 +41,8 @@ GeometryDataIndex::~GeometryDataIndex()
 
 std::unique_ptr<unsigned[]> GeometryDataIndex::widenedIndices() const
 {
+    if (!fIndices)
+        return nullptr;
     auto words = std::make_unique_for_overwrite<unsigned[]>(std::size_t{2} * fCount);
     for (std::size_t i = 0; i < fCount; ++i)
     {

@@ -1,4 +1,5 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/core/IResource.h>
 #include <krender/spatial/AABoundingBox.h>
 #include <krender/spatial/BoundingSphere.h>
@@ -10,8 +11,8 @@
 class GeometryData;
 class IHWMemoryObject;
 
-/// An index list: which elements of some streams form which primitives. The streams are borrowed and must live as long
-/// as the list, which drops their hangers when it ends.
+/// An index list: which elements of some streams form which primitives. The streams are borrowed and must outlive the
+/// list.
 class KRENDER_EXPORT GeometryDataIndex : public IResource
 {
 public:
@@ -30,30 +31,34 @@ public:
         polygon = 10,
     };
 
-    /// Draws an id.
+    /// Makes a list without a hanger; its id is the next one of IResource::fsUniqueIDGenerator.
     /// @param count       number of indices
-    /// @param data        the streams addressed; the vector is copied, the streams are borrowed
-    /// @param indices     `count` entries made with new[], adopted; null for none
+    /// @param data        the streams that the indices address; the vector is copied, the streams are borrowed
+    /// @param indices     `count` entries made with new[], adopted; null for none, whatever `count` is
     /// @param rangeEnd    kept for the host; null means `count`
     /// @param rangeStart  kept for the host; null means 0
     GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned count, const std::vector<const GeometryData*>& data,
                       unsigned* indices, const unsigned* rangeEnd, const unsigned* rangeStart);
-    /// The short form: no streams, both ends of the range 0. Its id may be 0 once the generator has wrapped.
+    /// As above, without streams. Deliberate: both ends of the range are 0, and the id is 0 when the generator has just
+    /// wrapped.
     GeometryDataIndex(DrawPrimitiveType primitiveType, unsigned count, unsigned* indices);
-    /// Releases the list when it is owned, then drops its hanger and those of its streams.
+    /// Releases the indices when they are owned, then drops the hanger. Deliberate: the hangers of the streams are deleted
+    /// too, although the streams are borrowed.
     ~GeometryDataIndex() override;
 
     [[nodiscard]] std::uint32_t id() const noexcept { return fId; }
     [[nodiscard]] DrawPrimitiveType primitiveType() const noexcept { return fPrimitiveType; }
     [[nodiscard]] std::uint32_t count() const noexcept { return fCount; }
+    /// count() entries, null without any.
     [[nodiscard]] const unsigned* indices() const noexcept { return fIndices; }
     [[nodiscard]] std::uint32_t rangeEnd() const noexcept { return fRangeEnd; }
     [[nodiscard]] std::uint32_t rangeStart() const noexcept { return fRangeStart; }
     [[nodiscard]] const std::vector<const GeometryData*>& data() const noexcept { return fData; }
-    /// Whether the list and its hanger are released with this object; true unless setOwnsIndices() says otherwise.
+    /// Whether the indices and the hanger are released with this object; true until setOwnsIndices(false).
     [[nodiscard]] bool ownsIndices() const noexcept { return fOwnsIndices; }
-    /// A copy of the list with every entry widened to 64 bits, twice as many words, in the form that
-    /// GeometryDataIterator reads. A host that wants to walk this list hands the copy to a new list of the same count.
+    /// A copy of the indices with every entry widened to 64 bits, as GeometryDataIterator reads them: 2 x count() words.
+    /// To walk this list, make another one of the copy, with the same count and streams.
+    /// @return  null when the list has no indices, whatever its count
     [[nodiscard]] std::unique_ptr<unsigned[]> widenedIndices() const;
 
     void setPrimitiveType(DrawPrimitiveType type) noexcept { fPrimitiveType = type; }
@@ -61,8 +66,7 @@ public:
     /// Adds a stream, borrowed.
     void appendData(const GeometryData* stream) { fData.push_back(stream); }
 
-    /// The bounds that the host has worked out, invalid until then. Like hangers they are caches, which those who see
-    /// the list as const may set.
+    /// Bounds that the host has computed; invalid until then. They are caches, so they can be set through a const list.
     [[nodiscard]] const AABoundingBox& boundingBox() const noexcept { return fBoundingBox; }
     [[nodiscard]] const BoundingSphere& boundingSphere() const noexcept { return fBoundingSphere; }
     void setBoundingBox(const AABoundingBox& box) const { fBoundingBox = box; }
@@ -70,8 +74,8 @@ public:
 
     /// The device copy of the list, null without one.
     [[nodiscard]] IHWMemoryObject* hanger() const noexcept { return fHanger; }
-    /// Drops the old hanger as deleteHanger() does and attaches the new one, which may be null. The new one is adopted by
-    /// a list that owns its indices and borrowed otherwise.
+    /// Drops the old hanger as deleteHanger() does and attaches the new one, which may be null. A list that owns its
+    /// indices adopts it, any other list borrows it. Setting the one that is held does nothing.
     void setHanger(IHWMemoryObject* hanger) const;
     /// Deletes the hanger when the indices are owned; detaches it in any case.
     void deleteHanger() const;

@@ -3,7 +3,10 @@
 #include <krender/geometry/GeometryData.h>
 #include <krender/geometry/GeometryDataIndex.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <vector>
 
 GeometryDataIterator::GeometryDataIterator(const GeometryDataIndex* index, const unsigned* textureSets) noexcept
 {
@@ -79,12 +82,9 @@ void GeometryDataIterator::next() noexcept
         ++fPosition;
 }
 
-// Hosts that walk lists with this iterator make them of machine words, so the step is 8 bytes whatever an unsigned is.
 unsigned long GeometryDataIterator::computeIndex(unsigned long elementSize) const noexcept
 {
-    std::uint64_t entry = 0;
-    std::memcpy(&entry, reinterpret_cast<const char*>(fIndex->indices()) + fPosition * sizeof entry, sizeof entry);
-    return elementSize * entry;
+    return elementSize * entry();
 }
 
 void GeometryDataIterator::setSlot(Slot slot, const GeometryData& stream) noexcept
@@ -101,4 +101,19 @@ void GeometryDataIterator::setSlotsBySet(Slot first, Slot second, const Geometry
         setSlot(first, stream);
     if (!textureSets || textureSets[1] == set)
         setSlot(second, stream);
+}
+
+std::uint64_t GeometryDataIterator::entry() const noexcept
+{
+    std::uint64_t result = 0;
+    std::memcpy(&result, reinterpret_cast<const char*>(fIndex->indices()) + fPosition * sizeof result, sizeof result);
+    return result;
+}
+
+float* GeometryDataIterator::value(Slot slot) const noexcept
+{
+    std::size_t bytes = 0;
+    if (__builtin_mul_overflow(fElementSizes[slot] * sizeof(float), entry(), &bytes))
+        return nullptr;
+    return static_cast<float*>(fStreams[slot]) + bytes / sizeof(float);
 }

@@ -8,12 +8,12 @@
 class GeometryData;
 class GeometryDataIndex;
 
-/// Steps over the indices of one index list and points at the values of the current index in the list's streams. All is
-/// borrowed.
+/// Steps over the indices of one index list and points at the values of the current index in the list's streams. The
+/// list and its streams are borrowed.
 ///
-/// The entries of the list are read as 64-bit values. The lists of the built-in shapes, and of most hosts, hold 32-bit
-/// entries: to walk one of them make a list of GeometryDataIndex::widenedIndices() over the same streams, or use
-/// indices()[position()] of the list itself and leave computeIndex() and the values alone.
+/// Deliberate: entries are read as 64-bit values, although index lists hold 32-bit entries. To walk a list, make another
+/// one of its GeometryDataIndex::widenedIndices() over the same streams; or read indices()[position()] from the list
+/// itself and do not call computeIndex() and the accessors below it.
 class KRENDER_EXPORT GeometryDataIterator
 {
 public:
@@ -21,18 +21,17 @@ public:
     /// As reset().
     GeometryDataIterator(const GeometryDataIndex* index, const unsigned* textureSets) noexcept;
 
-    /// Starts over at the list's first index, without a range; where several streams of one kind are there, the last one
-    /// counts.
+    /// Starts over at the list's first index, without a range. Of several streams of one kind, the last one is used.
     /// @param index        null stands for an empty list
-    /// @param textureSets  two set numbers: the streams of texture coordinates and tangents whose setIndex is the first
-    ///                     one go to the first slot of their kind, those of the second one to the second. Null: they go
-    ///                     to both, whatever their set.
+    /// @param textureSets  two set numbers, borrowed for the call. textureCoord() and tangent() answer from the streams
+    ///                     whose setIndex is the first number, textureCoord2() and tangent2() from those of the second.
+    ///                     Null: both answer from the last stream of their kind, whatever its set.
     void reset(const GeometryDataIndex* index, const unsigned* textureSets) noexcept;
-    /// Makes the walk end at `end` instead of the list's end, without moving: the range is to be set before the position
-    /// has passed its end.
-    /// @return  whether `end` is in the list; if not, the walk goes to the list's end
+    /// Makes the walk end at `end` instead of at the list's end. Deliberate: the position does not move, so `begin` is
+    /// only kept for the host, and a walk that is past `end` already is never done.
+    /// @return  whether `end` is at most count(); if not, the walk ends at the list's end
     bool setRange(unsigned long begin, unsigned long end) noexcept;
-    /// Stays where it is at the end.
+    /// Goes on to the next index; at the end it stays.
     void next() noexcept;
     [[nodiscard]] bool isDone() const noexcept { return fPosition == end(); }
 
@@ -43,13 +42,16 @@ public:
     [[nodiscard]] std::uint64_t rangeEnd() const noexcept { return fRangeEnd; }
     [[nodiscard]] bool useRange() const noexcept { return fUseRange; }
     [[nodiscard]] bool useNormal() const noexcept { return fUseNormal; }
-    /// Whether normal() answers from the normals, as it does at first, or from the alternate normals.
+    /// Makes normal() answer from the normals, as it does at first, or from the alternate normals.
     void setUseNormal(bool use) noexcept { fUseNormal = use; }
 
-    /// `elementSize` times the entry at the position, read as the 64-bit value `position` times 8 bytes into the list.
+    /// `elementSize` times the entry at the position, modulo 2^64. The entry is the 64-bit value that starts 8 x position()
+    /// bytes into the list.
     [[nodiscard]] unsigned long computeIndex(unsigned long elementSize) const noexcept;
 
-    /// The values of the current index, taken to be floats. To be asked only for what the list has a stream of.
+    // The values of the current index, taken to be floats: as many as the stream's elementSize. Not to be called when done,
+    // or without a stream of the kind. Null when the place of the values in the array is beyond what size_t holds.
+
     [[nodiscard]] float* vertex() const noexcept { return value(kVertex); }
     [[nodiscard]] float* normal() const noexcept { return value(fUseNormal ? kNormal : kAlternateNormal); }
     [[nodiscard]] float* textureCoord() const noexcept { return value(kTextureCoord); }
@@ -81,10 +83,8 @@ private:
     void setSlot(Slot slot, const GeometryData& stream) noexcept;
     void setSlotsBySet(Slot first, Slot second, const GeometryData& stream, const unsigned* textureSets) noexcept;
     [[nodiscard]] std::uint64_t end() const noexcept { return fUseRange ? fRangeEnd : fCount; }
-    [[nodiscard]] float* value(Slot slot) const noexcept
-    {
-        return static_cast<float*>(fStreams[slot]) + computeIndex(fElementSizes[slot]);
-    }
+    [[nodiscard]] std::uint64_t entry() const noexcept;
+    [[nodiscard]] float* value(Slot slot) const noexcept;
 
     const GeometryDataIndex* fIndex = nullptr;
     std::uint64_t fPosition = 0;

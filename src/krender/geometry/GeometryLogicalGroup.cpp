@@ -1,7 +1,11 @@
 #include <krender/geometry/GeometryLogicalGroup.h>
 
+#include <krender/core/Ref.h>
+#include <krender/core/RefVector.h>
 #include <krender/geometry/GeometryCustomData.h>
+#include <krender/geometry/GeometryData.h>
 #include <krender/geometry/GeometryDataIndex.h>
+#include <krender/geometry/GeometryMonitorRegistry.h>
 
 #include <algorithm>
 #include <cstring>
@@ -28,24 +32,28 @@ void forEach(const std::vector<T*>& elements, Function function)
 
 } // namespace
 
+GeometryLogicalGroup::GeometryLogicalGroup(const char* name) noexcept : fName(name) {}
+
 GeometryLogicalGroup::GeometryLogicalGroup(const char* name, const std::vector<const GeometryData*>& data,
                                            const std::vector<const GeometryDataIndex*>& indices)
     : fName(name), fData(data), fIndices(indices)
 {
 }
 
+GeometryLogicalGroup::~GeometryLogicalGroup() { reset(); }
+
 const GeometryData* GeometryLogicalGroup::geometryDataPtr(GeometryData::DataType type, int setIndex,
                                                           bool secondary) const noexcept
 {
     return findFirst(
-        fData, [=](const GeometryData& stream)
+        data(), [=](const GeometryData& stream)
         { return stream.dataType() == type && stream.setIndex == setIndex && stream.secondary() == secondary; });
 }
 
 const GeometryData* GeometryLogicalGroup::geometryDataPtr(GeometryData::DataType type, const char* name,
                                                           bool secondary) const noexcept
 {
-    return findFirst(fData,
+    return findFirst(data(),
                      [=](const GeometryData& stream)
                      {
                          return stream.dataType() == type && stream.secondary() == secondary &&
@@ -55,48 +63,43 @@ const GeometryData* GeometryLogicalGroup::geometryDataPtr(GeometryData::DataType
 
 GeometryCustomData* GeometryLogicalGroup::customData(const char* name) const
 {
-    return findFirst(fCustomData, [name](const GeometryCustomData& attachment)
+    return findFirst(customData(), [name](const GeometryCustomData& attachment)
                      { return name && std::strcmp(attachment.name(), name) == 0; });
 }
 
 void GeometryLogicalGroup::appendData(const std::vector<const GeometryData*>& data,
                                       const std::vector<const GeometryDataIndex*>& indices)
 {
-    fIndices.insert(fIndices.end(), indices.begin(), indices.end());
-    fData.insert(fData.end(), data.begin(), data.end());
+    fIndices.adopt(indices);
+    fData.adopt(data);
 }
 
 void GeometryLogicalGroup::appendData(const GeometryData* data)
 {
-    fData.push_back(data);
-    // A list is shared as const with those who draw it; the group is its owner and may extend it.
-    if (!fIndices.empty() && fIndices.front())
-        const_cast<GeometryDataIndex*>(fIndices.front())->appendData(data);
+    fData.append(Ref<const GeometryData>::adopt(data));
+    // A list is const to those who draw it; the group owns it and may extend it.
+    if (!indices().empty() && indices().front())
+        const_cast<GeometryDataIndex*>(indices().front())->appendData(data);
 }
 
-void GeometryLogicalGroup::appendData(GeometryCustomData* data) { fCustomData.push_back(data); }
+void GeometryLogicalGroup::appendData(GeometryCustomData* data)
+{
+    fCustomData.append(Ref<GeometryCustomData>::adopt(data));
+}
 
 void GeometryLogicalGroup::deleteHangers(bool dataHangers, bool indexHangers) const
 {
     if (indexHangers)
-        forEach(fIndices, [](const GeometryDataIndex& list) { list.deleteHanger(); });
+        forEach(indices(), [](const GeometryDataIndex& list) { list.deleteHanger(); });
     if (dataHangers)
-        forEach(fData, [](const GeometryData& stream) { stream.deleteHanger(); });
+        forEach(data(), [](const GeometryData& stream) { stream.deleteHanger(); });
 }
 
 void GeometryLogicalGroup::reset()
 {
-    // Lists first: the last reference to a list drops the hangers of its streams, which must still be there.
-    const auto release = [](auto& object)
-    {
-        object.deleteHanger();
-        object.unref();
-    };
-    forEach(fIndices, release);
-    forEach(fData, release);
-    fIndices.clear();
-    fData.clear();
-    forEach(fCustomData, [](GeometryCustomData& attachment) { attachment.unref(); });
+    // Lists first: a list that ends drops the hangers of its streams, which must still be there.
+    fIndices.clear([](const GeometryDataIndex& list) { list.deleteHanger(); });
+    fData.clear([](const GeometryData& stream) { stream.deleteHanger(); });
     fCustomData.clear();
     fMonitorRegistry.reset();
 }

@@ -2,6 +2,8 @@
 
 #include <krender/geometry/GeometryLogicalGroup.h>
 
+#include <vector>
+
 void GeometryLogicalIterator::reset(const GeometryLogicalGroup* group) noexcept
 {
     fPosition = 0;

@@ -13,12 +13,12 @@ public:
     GeometryLogicalIterator() noexcept = default;
     explicit GeometryLogicalIterator(const GeometryLogicalGroup* group) noexcept { reset(group); }
 
-    /// Starts over with the lists that the group has now; null stands for a group without any.
+    /// Starts over, with as many lists as the group has now; null stands for a group without lists.
     void reset(const GeometryLogicalGroup* group) noexcept;
-    /// Stays where it is at the end.
+    /// Goes on to the next list; at the end it stays.
     void next() noexcept;
     [[nodiscard]] bool isDone() const noexcept { return fPosition == fCount; }
-    /// The current index list, borrowed; not to be asked when done.
+    /// The current index list, borrowed. Not to be called when done.
     [[nodiscard]] const GeometryDataIndex* dataIndexPointer() const noexcept;
 
 private:

@@ -2,12 +2,12 @@
 
 #include <krender/geometry/GeometryData.h>
 #include <krender/geometry/GeometryLogicalGroup.h>
+#include <krender/geometry/GeometryMonitorRegistry.h>
 
 constinit std::uint32_t GeometryMonitor::gNextFreeId = 0;
 
-// The mark is the id that the next resource gets, and that one counts as clean: a consumer marks a group and then puts its
-// own replacement of a stream in without seeing it as a change. The signed difference stays right when the generator
-// wraps.
+// Deliberate: the mark is the id that is taken next, so the stream that takes it counts as clean. The difference is signed
+// so that it stays right when the generator wraps.
 bool GeometryMonitor::isDirty(const GeometryData& data, const GeometryLogicalGroup& group) const noexcept
 {
     const std::uint32_t last = group.monitorRegistry().lastUpdateId(*this);

@@ -1,9 +1,9 @@
 #pragma once
 #include <cstdint>
 
-/// Which update of a logical group a monitor has seen.
+/// A monitor's mark on a logical group.
 struct GeometryMonitorEntry
 {
     std::uint32_t monitorId;
-    std::uint32_t updateId; ///< the id generator's value at the monitor's last mark
+    std::uint32_t updateId; ///< the value of the id generator when the mark was set
 };

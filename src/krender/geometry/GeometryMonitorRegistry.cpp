@@ -2,6 +2,7 @@
 
 #include <krender/core/IResource.h>
 #include <krender/geometry/GeometryMonitor.h>
+#include <krender/geometry/GeometryMonitorEntry.h>
 
 #include <algorithm>
 
@@ -9,7 +10,8 @@ namespace
 {
 
 /// The monitor's entry, or the end.
-auto findEntry(auto& entries, const GeometryMonitor& monitor)
+template <class Entries>
+auto findEntry(Entries& entries, const GeometryMonitor& monitor)
 {
     return std::find_if(entries.begin(), entries.end(),
                         [&monitor](const GeometryMonitorEntry& entry) { return entry.monitorId == monitor.id(); });

@@ -6,18 +6,18 @@
 
 class GeometryMonitor;
 
-/// What a logical group knows of its monitors: one entry each, in the order in which they first synchronised.
+/// The marks that monitors have set on one logical group.
 class KRENDER_EXPORT GeometryMonitorRegistry
 {
 public:
-    /// The monitor's mark, 0 when it has none.
+    /// The monitor's mark; 0 without one.
     [[nodiscard]] unsigned lastUpdateId(const GeometryMonitor& monitor) const noexcept;
 
-    /// Sets the monitor's mark to the id that the next resource will get.
+    /// Sets the monitor's mark to the present value of IResource::fsUniqueIDGenerator, which stays as it is.
     void syncUpdateId(const GeometryMonitor& monitor);
     /// Forgets all monitors.
     void reset() noexcept { fEntries.clear(); }
 
 private:
-    std::vector<GeometryMonitorEntry> fEntries;
+    std::vector<GeometryMonitorEntry> fEntries; // one a monitor, in the order of their first marks
 };

@@ -1,7 +1,14 @@
+#include <krender/geometry/Geometry.h>
+
 #include "krender/geometry/private/GeometryShapes.h"
 
+#include <krender/geometry/GeometryData.h>
+#include <krender/platform/Linear.h>
+
 #include <cmath>
+#include <initializer_list>
 #include <numbers>
+#include <vector>
 
 using krLinear::Point;
 using krLinear::Vector;
@@ -21,7 +28,7 @@ struct Corner
 };
 
 /// @param latitude   in bands from the south pole
-/// @param longitude  in steps, the first one a step past +X
+/// @param longitude  in steps from the first column, which is a step past +X
 Corner corner(unsigned latitude, unsigned longitude)
 {
     const double degrees = 180.0 / kBands * latitude - 90.0;
@@ -33,7 +40,7 @@ Corner corner(unsigned latitude, unsigned longitude)
 constexpr Corner kSouthPole{{0.0, -1.0, 0.0}, 0.5, 0.0};
 constexpr Corner kNorthPole{{0.0, 1.0, 0.0}, 0.5, 1.0};
 
-/// The unit normal of the plane through three points, on the side from which they go around counter-clockwise.
+/// The unit normal of the plane through three points, on the side from which they are counter-clockwise.
 Point planeNormal(const Point& a, const Point& b, const Point& c)
 {
     const Vector p(b.x - a.x, b.y - a.y, b.z - a.z);
@@ -43,12 +50,13 @@ Point planeNormal(const Point& a, const Point& b, const Point& c)
     return {cross.x / length, cross.y / length, cross.z / length};
 }
 
-/// The streams in the making, and the faces over them.
+/// Collects the faces of the sphere and the values of its streams.
 class Sphere
 {
 public:
-    /// Adds a face to a surface. Its positions go around clockwise, seen from outside, by which hosts cull; normals and
-    /// texture coordinates go around with the normal.
+    /// Adds a face to a surface. Deliberate: its positions are indexed the other way around than its normals and texture
+    /// coordinates, clockwise when seen from outside.
+    /// @param corners  three or four, counter-clockwise when seen from outside
     void addFace(Surface& surface, std::initializer_list<Corner> corners)
     {
         const auto start = fCornerCount;

@@ -1,10 +1,17 @@
 #include <krender/geometry/ParticleData.h>
 
+#include <krender/core/Ref.h>
+#include <krender/core/RefVector.h>
 #include <krender/geometry/DepthSorter.h>
 #include <krender/geometry/GeometryData.h>
+#include <krender/geometry/GeometryDataIndex.h>
+#include <krender/platform/Linear.h>
+#include <krender/platform/String.h>
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
+#include <utility>
 
 ParticleData::ParticleData(const ParticleType& type, float size, GeometryData& positions, GeometryData& velocities,
                            GeometryData* normals, GeometryData* colors, GeometryData* alpha)
@@ -12,9 +19,8 @@ ParticleData::ParticleData(const ParticleType& type, float size, GeometryData& p
 {
     const auto keep = [this](const GeometryData& stream)
     {
-        stream.ref();
-        fStreams.push_back(&stream);
-        return static_cast<int>(fStreams.size()) - 1;
+        fStreams.append(Ref(&stream));
+        return static_cast<int>(streams().size()) - 1;
     };
     keep(positions);
     keep(velocities);
@@ -24,46 +30,47 @@ ParticleData::ParticleData(const ParticleType& type, float size, GeometryData& p
         fColorStream = keep(*colors);
     if (alpha)
         fAlphaStream = keep(*alpha);
-    fIndex = new GeometryDataIndex(GeometryDataIndex::points, 0, fStreams, nullptr, nullptr, nullptr);
+    fIndex = Ref<GeometryDataIndex>::adopt(
+        new GeometryDataIndex(GeometryDataIndex::points, 0, streams(), nullptr, nullptr, nullptr));
 }
 
-ParticleData::~ParticleData()
-{
-    fIndex->unref();
-    for (const GeometryData* stream : fStreams)
-        stream->unref();
-}
+ParticleData::~ParticleData() = default;
 
 void ParticleData::setColor(const float* rgba) noexcept { std::copy_n(rgba, fColor.size(), fColor.begin()); }
 
 const GeometryData* ParticleData::getData(unsigned i) const noexcept
 {
-    return i < fStreams.size() ? fStreams[i] : nullptr;
+    return i < streams().size() ? streams()[i] : nullptr;
 }
 
 unsigned ParticleData::getDataIndex(const krString::CString& name) const noexcept
 {
     const auto found =
-        std::find_if(fStreams.begin(), fStreams.end(),
+        std::find_if(streams().begin(), streams().end(),
                      [&name](const GeometryData* stream) { return krString::equal(name, stream->streamName()); });
-    return found != fStreams.end() ? static_cast<unsigned>(found - fStreams.begin()) : 0xFFFFFFFFu;
+    return found != streams().end() ? static_cast<unsigned>(found - streams().begin()) : 0xFFFFFFFFu;
 }
+
+void ParticleData::addData(const GeometryData& stream) { fStreams.append(Ref<const GeometryData>::adopt(&stream)); }
 
 bool ParticleData::sortByDepth(const krLinear::ProjMatrix& m, const unsigned* filter, unsigned filterCount)
 {
+    const auto former = std::move(fSortOrder); // may be the filter
     removeSortByDepth();
-    const GeometryData& positions = *fStreams[static_cast<std::size_t>(positionStream())];
+    const GeometryData& positions = *streams()[static_cast<std::size_t>(positionStream())];
     fSortedCount = positions.count();
     if (fSortedCount == 0 || (filter && filterCount == 0))
         return false;
 
-    // An iterator that takes the order as its filter walks sortedCount entries, also after a sort of fewer.
+    // ParticleDataIterator::useParticleDataFilter() walks sortedCount entries, also after a sort of fewer.
     const unsigned ordered = filter ? filterCount : fSortedCount;
     const unsigned entries = std::max(ordered, fSortedCount);
-    fSortOrder = std::make_unique_for_overwrite<unsigned[]>(entries);
-    std::fill(fSortOrder.get() + ordered, fSortOrder.get() + entries, 0u);
-    fSorted = DepthSorter::sortByDepth(m, fSortOrder.get(), fSortedCount, static_cast<const float*>(positions.data()),
+    auto order = std::make_unique_for_overwrite<unsigned[]>(entries);
+    std::fill(order.get() + ordered, order.get() + entries, 0u);
+    fSorted = DepthSorter::sortByDepth(m, order.get(), fSortedCount, static_cast<const float*>(positions.data()),
                                        filter, filter ? filterCount : 0);
+    if (fSorted)
+        fSortOrder = std::move(order);
     return fSorted;
 }
 

@@ -1,6 +1,10 @@
 #include <krender/geometry/ParticleDataIterator.h>
 
 #include <krender/geometry/GeometryData.h>
+#include <krender/geometry/ParticleData.h>
+
+#include <cstddef>
+#include <cstdint>
 
 namespace
 {
@@ -71,5 +75,13 @@ void* ParticleDataIterator::userData(unsigned k) const noexcept
     const GeometryData& stream = *(*fStreams)[k];
     const std::size_t elementBytes =
         std::size_t{GeometryData::elementTypeSize(stream.elementType())} * stream.elementSize();
-    return static_cast<char*>(stream.data()) + elementBytes * index();
+    return elementAt(stream.data(), elementBytes);
+}
+
+void* ParticleDataIterator::elementAt(void* array, std::size_t elementBytes) const noexcept
+{
+    std::size_t offset = 0;
+    if (!array || __builtin_mul_overflow(elementBytes, index(), &offset))
+        return nullptr;
+    return static_cast<char*>(array) + offset;
 }

@@ -1,4 +1,5 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/geometry/ParticleData.h>
 
 #include <cstddef>
@@ -8,27 +9,29 @@
 class GeometryData;
 
 /// Walks the particles of a particle system, in the order of the streams or through a filter: a list of particle
-/// numbers, such as the order by depth. All is borrowed.
+/// numbers, such as the order by depth. The particles and the filter are borrowed.
 class KRENDER_EXPORT ParticleDataIterator
 {
 public:
-    /// As reset(), with one position a particle.
+    /// As reset(), with positionsPerParticle() 1 for particles that are not clustered.
     ParticleDataIterator(const ParticleData& particles, const unsigned* filter, unsigned filterCount) noexcept;
     ParticleDataIterator(const ParticleDataIterator&) noexcept = default;
     ParticleDataIterator& operator=(const ParticleDataIterator&) noexcept = default;
     virtual ~ParticleDataIterator();
 
-    /// Starts over, with the streams that the particles have now. What several positions a particle have set stays set for
-    /// particles of one position: an iterator stays with particles of one kind.
-    /// @param filter       particle numbers, borrowed until the next filter; null for all particles in order
-    /// @param filterCount  length of the filter. Of particles with several positions as many are walked as there are
-    ///                     velocities, with or without a filter; setFilter() sets the number.
+    /// Starts over, with the streams that the particles have now. Deliberate: only clustered particles set
+    /// positionsPerParticle(), so a reset from them to others leaves their number.
+    /// @param filter       particle numbers, borrowed until the filter is changed; null for all particles in order
+    /// @param filterCount  length of the filter. Deliberate: it is not used for clustered particles, of which as many are
+    ///                     walked as there are velocities, so a filter for them has that many entries.
     void reset(const ParticleData& particles, const unsigned* filter, unsigned filterCount) noexcept;
-    /// Changes the filter without moving; null walks nothing.
+    /// Changes the filter without moving. Null walks nothing, whatever `filterCount` is.
     void setFilter(const unsigned* filter, unsigned filterCount) noexcept;
-    /// Takes the particles' order by depth as the filter; without an order nothing is walked.
+    /// Makes the filter the particles' order by depth, with their sortedCount(); without an order nothing is walked. For
+    /// unfiltered sorts only: after a filtered one the order holds places in the filter, and another number of them.
     void useParticleDataFilter() noexcept;
 
+    /// Goes on to the next particle; at the end it stays.
     void next() noexcept;
     [[nodiscard]] bool isDone() const noexcept { return fCurrent >= fCount; }
     [[nodiscard]] std::uint32_t current() const noexcept { return fCurrent; }
@@ -37,29 +40,33 @@ public:
     /// The number of components of color(), 0 without colours.
     [[nodiscard]] std::uint32_t colorComponents() const noexcept { return fColorComponents; }
 
-    /// The number of the current particle. Not to be asked when done, like what follows.
+    /// The number of the current particle. Not to be called when done, nor is any accessor below.
     [[nodiscard]] unsigned index() const noexcept { return fFilter ? fFilter[fCurrent] : fCurrent; }
-    /// 3 x positionsPerParticle floats.
+
+    // The current particle's elements. Null without the stream or its array, and when the element's place is beyond what
+    // size_t holds.
+
+    /// 3 x positionsPerParticle() floats.
     [[nodiscard]] float* position() const noexcept
     {
         return valueAt(fPositions, std::size_t{3} * fPositionsPerParticle);
     }
     /// 3 floats.
     [[nodiscard]] float* velocity() const noexcept { return valueAt(fVelocities, 3); }
-    /// 3 floats, null without normals.
+    /// 3 floats.
     [[nodiscard]] float* normal() const noexcept { return valueAt(fNormals, 3); }
-    /// colorComponents() floats, null without colours.
+    /// colorComponents() floats.
     [[nodiscard]] float* color() const noexcept { return valueAt(fColors, fColorComponents); }
-    /// 1 float, null without colours: alpha refines a colour and is not looked at alone.
+    /// 1 float. Deliberate: null also without colours.
     [[nodiscard]] float* alpha() const noexcept { return fColors ? valueAt(fAlpha, 1) : nullptr; }
-    /// The element of stream `k` for the current particle, null when there is no such stream.
+    /// The element of stream `k`, a number from 0. Streams that were added after the last reset() are not seen.
     [[nodiscard]] void* userData(unsigned k) const noexcept;
 
 private:
-    /// The current particle's element of an array; null without one.
+    [[nodiscard]] void* elementAt(void* array, std::size_t elementBytes) const noexcept;
     [[nodiscard]] float* valueAt(float* array, std::size_t components) const noexcept
     {
-        return array ? array + components * index() : nullptr;
+        return static_cast<float*>(elementAt(array, components * sizeof(float)));
     }
 
     const ParticleData* fParticles = nullptr;

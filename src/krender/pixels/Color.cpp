@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 
 namespace krColor
@@ -10,10 +11,10 @@ namespace krColor
 namespace
 {
 
-/// Below this, brightness and its differences count as none. A double: as a float it would be a little smaller.
+/// Values and differences up to this count as 0. A double, so that 0.00001f, which is a little smaller, is less than it.
 constexpr double kNegligible = 0.00001;
 
-/// Truncates toward zero; what no 32-bit integer holds becomes the least one, whose low bits are 0.
+/// Truncates toward zero. NaN and values beyond 32 bits become the least integer, whose low bits are 0.
 std::int32_t truncated(float x) noexcept
 {
     constexpr float kLimit = 2147483648.0f;
@@ -22,7 +23,7 @@ std::int32_t truncated(float x) noexcept
     return static_cast<std::int32_t>(x);
 }
 
-/// A component as an integer of the range 0 to the type's maximum, wrapped where it does not fit.
+/// A component as an integer, 1 being the type's maximum; it wraps where it does not fit.
 template <class Integer>
 Integer scaled(float component) noexcept
 {
@@ -30,14 +31,14 @@ Integer scaled(float component) noexcept
     return static_cast<Integer>(truncated(std::roundf(kMaximum * component)));
 }
 
-/// An integer's component, with the division in double as the float result depends on it.
+/// The component that an integer stands for.
 template <class Integer>
 float unscaled(Integer x) noexcept
 {
     return static_cast<float>(x / static_cast<double>(std::numeric_limits<Integer>::max()));
 }
 
-/// A component in one of the types that get hands out.
+/// A component as one of the types of get.
 template <class Component>
 Component component(float x) noexcept
 {
@@ -49,7 +50,7 @@ Component component(float x) noexcept
 
 bool isKnown(Color::ColorType type) noexcept { return type >= Color::kRGBA && type <= Color::kCMYK; }
 
-/// The four components in any of the types, by way of the float form.
+/// The four components in an encoding, converted from the floats.
 template <class Component>
 void getConverted(const Color& color, Color::ColorType type, Component& x0, Component& x1, Component& x2,
                   Component& x3) noexcept
@@ -67,7 +68,7 @@ void getConverted(const Color& color, Color::ColorType type, Component& x0, Comp
     x3 = component<Component>(f3);
 }
 
-/// Applies an operation to each of r, g and b and clamps the results. std::clamp lets NaN through.
+/// Applies an operation to r, g and b and clamps the results; std::clamp lets NaN through.
 template <class Operation>
 Color& combine(Color& color, float r, float g, float b, Operation operation) noexcept
 {
@@ -88,7 +89,7 @@ float exclusiveOr(float x, float y) noexcept
     return static_cast<float>(bits / 255.0);
 }
 
-/// A left shift by any amount: bits may leave on either side.
+/// A left shift by any amount, a right shift where it is negative.
 std::uint32_t shifted(std::uint32_t x, int left) noexcept
 {
     if (left <= -32 || left >= 32)
@@ -137,22 +138,23 @@ void Color::toHSV(float& h, float& s, float& v) const noexcept
     v = std::max({r, g, b});
     const float least = std::min({r, g, b});
     const float range = v - least;
-    if (std::fabs(v) > kNegligible)
+    // The tests are written so that NaN, for which every comparison is false, is not taken for black or grey.
+    if (!(std::fabs(v) <= kNegligible))
     {
         s = range / v;
-        if (s != 0.0f && std::fabs(range) > kNegligible)
+        if (s != 0.0f && !(std::fabs(range) <= kNegligible))
         {
             const float rc = (v - r) / range;
             const float gc = (v - g) / range;
             const float bc = (v - b) / range;
-            // Pure red comes out as 5 + 1 sixths, a full turn: fromHSV knows 360 as red, and hosts compare with it.
+            // Deliberate: pure red gets 5 + 1 sixths of the circle, 360 degrees and not 0. fromHSV takes 360 as red.
             if (v == r)
                 h = g == least ? 5.0f + bc : 1.0f - gc;
             else if (v == g)
                 h = b == least ? 1.0f + rc : 3.0f - bc;
             else
                 h = r == least ? 3.0f + gc : 5.0f - rc;
-            h *= 60.0f; // never negative: each quotient is at most 1
+            h *= 60.0f; // never negative, as no quotient exceeds 1
         }
     }
     if (v < kNegligible)
@@ -163,15 +165,10 @@ void Color::fromHSV(float h, float s, float v) noexcept
 {
     if (!(h >= 0.0f && h < 420.0f))
         return;
-    const float p = (1.0f - s) * v;
-    if (h == 360.0f)
-    {
-        *this = Color(v, p, p, a);
-        return;
-    }
     const float turn = h / 60.0f;
     const int sector = static_cast<int>(turn);
     const float f = turn - static_cast<float>(sector);
+    const float p = (1.0f - s) * v;
     const float q = (1.0f - s * f) * v;
     const float t = (1.0f - (1.0f - f) * s) * v;
     switch (sector)
@@ -330,15 +327,14 @@ std::uint32_t Color::asXColor() const noexcept
     const auto blue = static_cast<std::uint32_t>(truncated(b * 255.0f));
     if (fsDepth == 24)
         return (red << 16) + (green << 8) + blue;
-    // Visuals of other depths are assumed to hold red in their lowest bits; the windows' colour maps rely on it. Where
-    // a component has fewer than 8 bits the shift goes the other way.
+    // Deliberate: at any other depth red takes the lowest bits, the reverse of the layout above.
     const int bits = fsDepth / 3;
     return shifted(red, bits - 8) + shifted(green, 2 * bits - 8) + shifted(blue, 3 * bits - 8);
 }
 
 bool Color::equivalent(const Color& other, float /*tolerance*/) const noexcept
 {
-    // The callers pass tolerances of quite different scales; the fixed one keeps their answers the same.
+    // Deliberate: the answer does not depend on the caller's tolerance.
     return std::fabs(r - other.r) <= kNegligible && std::fabs(g - other.g) <= kNegligible &&
            std::fabs(b - other.b) <= kNegligible;
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 
 namespace krPixels
@@ -13,18 +14,18 @@ namespace krPixels
 namespace
 {
 
-/// The masks that hosts paint in float are 0 or 1; negated, the 1 fills the whole byte. In double the sum keeps values just
-/// under 0.5 apart from 0.5. What is beyond 64 bits has low bits of 0, as not-a-number shall have.
+/// Deliberate: a threshold and not a scale, as 1 negated fills the byte. The sum is taken in double, where values just
+/// under 0.5 do not round up to 1. NaN gives 0, and so do values beyond 64 bits, whose low bits are 0.
 unsigned char threshold(float component) noexcept
 {
     const double sum = static_cast<double>(component) + 0.5;
     return std::fabs(sum) < 0x1p63 ? static_cast<unsigned char>(-static_cast<std::int64_t>(sum)) : 0;
 }
 
-/// Few enough that the next block's memory is fetched while this one is computed.
+/// Small enough for the processor to fetch the next block while it computes this one.
 constexpr std::size_t kBlock = 64;
 
-/// Whether the components of a block are of a magnitude below 2^31.
+/// Whether the magnitudes of a block's components are below 2^31.
 bool fitIntegers(const float* components) noexcept
 {
     constexpr auto kTooLarge = std::bit_cast<std::uint32_t>(0x1p31f);
@@ -34,7 +35,7 @@ bool fitIntegers(const float* components) noexcept
     return (signs >> 31) == 0;
 }
 
-/// The same as threshold in single precision, for a block of components that fit integers.
+/// What threshold gives, in single precision, for a block of components that fit integers.
 void thresholdBlock(const float* src, unsigned char* __restrict dst) noexcept
 {
     std::int32_t bytes[kBlock];
@@ -42,8 +43,8 @@ void thresholdBlock(const float* src, unsigned char* __restrict dst) noexcept
     {
         const auto component = loadLanes<Float4>(src + i);
         const auto whole = __builtin_convertvector(component, Int4);
-        const Float4 fraction = component - __builtin_convertvector(whole, Float4); // exact, signed as the component
-        // Comparisons that hold are -1: this is minus the next whole number where one half more reaches it.
+        const Float4 fraction = component - __builtin_convertvector(whole, Float4); // exact, with the component's sign
+        // A comparison that holds is -1. Where adding one half reaches the next whole number, this is minus that number.
         storeLanes((fraction >= 0.5f) + ((fraction > -0.5f) & (whole < 0)) - whole, bytes + i);
     }
     for (std::size_t i = 0; i < kBlock; ++i)
@@ -64,9 +65,8 @@ void convert(const float* src, std::size_t count, unsigned char* dst) noexcept
 
 void convert(const unsigned char* src, std::size_t count, float* dst) noexcept
 {
-    // A byte stands for the middle of its interval, so that neither 0 nor 255 comes out as a value that a mask would
-    // take for exactly 0 or 1. The first factor has so few bits that its product is exact; the two together give what a
-    // division by 255 gives for each of the 256 values.
+    // Deliberate: 0 and 255 do not give 0 and 1. For each of the 256 bytes, these two products give what a division by 255
+    // gives: kHigh has so few bits that its product is exact, and kLow is the rest of 1 / 255.
     constexpr float kHigh = 0x1.01p-8f;
     constexpr auto kLow = static_cast<float>(1.0 / 255.0 - kHigh);
     for (std::size_t i = 0; i < count; ++i)

@@ -1,4 +1,5 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/pixels/IBaseResource.h>
 
 /// A resource that holds pixels: a texture on the device, or an array in memory.

@@ -1,7 +1,8 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/pixels/Color.h>
 
-/// How a texture lies on a surface. The host's placements add what they need.
+/// How a texture is placed on a surface. The host derives its own placements from it.
 class KRENDER_EXPORT IHWTexPlacement
 {
 public:
@@ -10,6 +11,6 @@ public:
     IHWTexPlacement& operator=(const IHWTexPlacement&) = default;
     virtual ~IHWTexPlacement();
 
-    /// What shows where the texture does not reach; opaque black until set.
+    /// The colour where the texture does not cover the surface; opaque black until set.
     krColor::Color defaultColor;
 };

@@ -1,7 +1,9 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/pixels/IBuffer.h>
 
 #include <array>
+#include <cstdint>
 
 /// A texture on the device. The host's textures override what touches the device.
 class KRENDER_EXPORT IHWTexture : public IBuffer
@@ -19,12 +21,17 @@ public:
     IHWTexture() noexcept = default;
     ~IHWTexture() override;
 
-    /// Makes it the current texture; false here.
+    /// Makes it the current texture.
+    /// @return  success; false here
     virtual bool bind();
+    /// Ends what bind began.
+    /// @return  success; false here
     virtual bool unbind();
-    /// Makes the smaller levels; false here.
+    /// Makes the smaller levels.
+    /// @return  success; false here
     virtual bool generateMipMaps();
-    /// @param importance  how hard the host should try to keep the texture on the device; stored
+    /// Stores the importance; the host says what it means.
+    /// @param importance  0 until set
     virtual void setImportance(unsigned importance);
 
     [[nodiscard]] unsigned importance() const noexcept { return fImportance; }
@@ -33,6 +40,6 @@ public:
 protected:
     unsigned fImportance = 0;
     bool fMipmapped = false;
-    /// For the host; zero until it writes to them.
+    /// For the host; initially 0.
     std::array<unsigned char, 16> fHostBytes{};
 };

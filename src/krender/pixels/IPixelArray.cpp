@@ -1,15 +1,17 @@
 #include <krender/pixels/IPixelArray.h>
 
-#include <cstddef>
+#include "krender/pixels/private/PixelStorage.h"
+
+#include <krender/pixels/krSysPixelFormat.h>
+
 #include <cstring>
+#include <optional>
 
 IPixelArray::IPixelArray(const krSysPixelFormat& format, unsigned w, unsigned h, unsigned d) : fFormat(&format)
 {
     if (w == 0 || h == 0 || d == 0)
         return;
     fData = format.allocate(w, h, d);
-    if (fData == nullptr)
-        return;
     fWidth = w;
     fHeight = h;
     fDepth = d;
@@ -20,14 +22,14 @@ IPixelArray::~IPixelArray() { release(); }
 
 void IPixelArray::copy(const void* src, unsigned pixelSize) noexcept
 {
-    const std::size_t bytes = std::size_t{pixelSize} * fWidth * fHeight * fDepth;
-    if (bytes != 0)
-        std::memcpy(fData, src, bytes);
+    const auto bytes = krPixels::storageSize({pixelSize, fWidth, fHeight, fDepth});
+    if (fData && bytes)
+        std::memcpy(fData, src, *bytes);
 }
 
 void IPixelArray::release() noexcept
 {
-    if (fData != nullptr && fFormat != nullptr)
+    if (fData && fFormat)
         fFormat->deallocate(fData);
     fData = nullptr;
     fOwnsData = false;

@@ -1,4 +1,5 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/pixels/IBuffer.h>
 #include <krender/pixels/krSysPixelFormat.h>
 
@@ -8,15 +9,15 @@ class KRENDER_EXPORT IPixelArray : public IBuffer
 public:
     /// An empty array without a format.
     IPixelArray() noexcept = default;
-    /// Releases the pixels through their format, owned or not.
+    /// Returns the pixels to their format, whether or not the array owns them.
     ~IPixelArray() override;
 
-    /// Fills the array; nothing is checked.
+    /// Fills the array; nothing is checked. An array without pixels is left alone.
     /// @param src        pixelSize * width * height * depth bytes, borrowed
-    /// @param pixelSize  bytes a pixel, as in the array's format
+    /// @param pixelSize  bytes per pixel, at most those of the format
     void copy(const void* src, unsigned pixelSize) noexcept;
 
-    /// The pixels, x fastest, then y, then z; null when the array is empty.
+    /// The pixels, x fastest, then y, then z; null when the array is empty and when there was no memory for them.
     [[nodiscard]] void* data() noexcept { return fData; }
     [[nodiscard]] const void* data() const noexcept { return fData; }
     [[nodiscard]] unsigned width() const noexcept { return fWidth; }
@@ -27,11 +28,12 @@ public:
     [[nodiscard]] bool ownsData() const noexcept { return fOwnsData; }
 
 protected:
-    /// An array of uninitialised pixels in the format's plain storage. It stays empty, without a size, when a dimension is
-    /// 0 or there is no such storage; it keeps the format all the same.
+    /// An array of pixels, not initialised, in the plain storage of krSysPixelFormat::allocate. It stays empty, with a
+    /// format but without a size, when a dimension is 0. When there is no memory, data() is null while the dimensions and
+    /// ownsData() are those of a full array.
     IPixelArray(const krSysPixelFormat& format, unsigned w, unsigned h, unsigned d);
 
-    /// Gives the pixels, if there are any, back to the format.
+    /// Returns the pixels, if there are any, to the format.
     void release() noexcept;
 
     void* fData = nullptr;

@@ -1,7 +1,7 @@
 #pragma once
 #include <krender/Export.h>
 
-/// The root of everything that describes pixels: drawing buffers and arrays in memory.
+/// The base of the formats of drawing buffers and of pixels in memory.
 class KRENDER_EXPORT IPixelFormat
 {
 public:

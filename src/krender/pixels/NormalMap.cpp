@@ -25,7 +25,7 @@ struct Coding<unsigned char>
     static constexpr float kSlopeDivisor = 255.0f;
     static constexpr bool kMarksNextRow = false;
 
-    /// Slopes that overflow have no direction; not-a-number encodes as 0.
+    /// Slopes that overflow give NaN, which encodes as 0.
     static unsigned char encoded(float v) noexcept
     {
         const float level = (v + 1.0f) * 127.5f;
@@ -66,8 +66,8 @@ struct Coding<float>
     }
 };
 
-/// The normals of a row's pixels but the last ones, four at a time.
-/// @return  the first pixel that is not done
+/// Converts a row's pixels four at a time, as far as whole groups with a right neighbour go.
+/// @return  the first pixel that is not converted
 template <class Component>
 std::size_t convertQuads(Component* row, std::size_t w, float k) noexcept
 {
@@ -84,7 +84,7 @@ std::size_t convertQuads(Component* row, std::size_t w, float k) noexcept
     return x;
 }
 
-/// The normals of a row's pixels from x on, without the last one.
+/// Converts a row's pixels from x on, except the last one.
 template <class Component>
 void convertPixels(Component* row, std::size_t x, std::size_t w, float k) noexcept
 {
@@ -104,10 +104,10 @@ void convertPixels(Component* row, std::size_t x, std::size_t w, float k) noexce
 template <class Component>
 void convertImage(Component* data, std::size_t w, std::size_t h, float scale) noexcept
 {
-    if (data == nullptr || w == 0 || h == 0)
+    if (!data || w == 0 || h == 0)
         return;
     const float k = scale / Coding<Component>::kSlopeDivisor;
-    // Beyond this, slopes of bytes may overflow, and the quads' conversion to integers is not made for that.
+    // With steeper slopes bytes may give NaN, which the quads cannot convert to integers.
     constexpr float kSteepest = 1e30f;
     const bool inQuads = std::is_same_v<Component, float> || std::fabs(k) <= kSteepest;
     Component* row = data;
@@ -115,12 +115,11 @@ void convertImage(Component* data, std::size_t w, std::size_t h, float scale) no
     {
         convertPixels(row, inQuads ? convertQuads(row, w, k) : 0, w, k);
         row += 4 * w;
-        // The last pixel has no right neighbour. It keeps its height, by which hosts that build a map tile by tile join
-        // the next tile, and leans like the pixel before it.
+        // Deliberate: the last pixel, which has no right neighbour, keeps its height as first component.
         row[-3] = row[-7];
         row[-2] = row[-6];
         row[-1] = Coding<Component>::kOpaque;
-        // The float form has always marked the next pixel as well, and existing maps were baked with that first column.
+        // Deliberate: the float form also sets the next row's first height, so that its first normal differs.
         if constexpr (Coding<Component>::kMarksNextRow)
             row[0] = 1.0f;
     }

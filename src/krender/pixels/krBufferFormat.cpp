@@ -1,5 +1,7 @@
 #include <krender/pixels/krBufferFormat.h>
 
+#include <krender/pixels/IHWTexture.h>
+
 krBufferFormat::krBufferFormat(RasterFormat color, RasterFormat second, RasterFormat third, SamplingType sampling,
                                IHWTexture::TextureType textureType) noexcept
     : fColorRaster(color), fTextureType(textureType), fSecondRaster(second), fThirdRaster(third), fSampling(sampling)
@@ -14,7 +16,7 @@ bool krBufferFormat::lessCapableThan(const krBufferFormat& other) const noexcept
 
 bool krBufferFormat::betterOrEqualThan(const krBufferFormat& other) const noexcept
 {
-    // Asks whether the other one suffices; the hosts pass what they have as the argument, so the direction stays.
+    // Deliberate: this asks whether the other format suffices, the reverse of what the name says.
     return !other.lessCapableThan(*this);
 }
 

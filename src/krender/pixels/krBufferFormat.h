@@ -1,12 +1,15 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/pixels/IHWTexture.h>
 #include <krender/pixels/IPixelFormat.h>
 
-/// What a drawing buffer can hold: up to three rasters, its sampling, and the kind of texture that it can be bound as.
+#include <cstdint>
+
+/// The capabilities of a drawing buffer: its three rasters, its sampling, and the kind of texture that it can be bound as.
 class KRENDER_EXPORT krBufferFormat : public IPixelFormat
 {
 public:
-    /// Storage of one raster's components, in order of capability.
+    /// How a raster stores a component, in order of capability.
     enum RasterFormat : std::int32_t
     {
         kNoRaster = 0,
@@ -17,7 +20,7 @@ public:
         kFloat32 = 5,
     };
 
-    /// Samples a pixel, in order of capability.
+    /// Samples per pixel, in order of capability.
     enum SamplingType : std::int32_t
     {
         kSingleSample = 0,
@@ -36,11 +39,11 @@ public:
     [[nodiscard]] RasterFormat thirdRaster() const noexcept { return fThirdRaster; }
     [[nodiscard]] SamplingType sampling() const noexcept { return fSampling; }
 
-    /// True when any raster or the sampling is below the other's. The texture type takes no part: buffers of different
-    /// types are different, and neither is the lesser.
+    /// True when a raster or the sampling is less than the other's. The texture type does not count: formats that differ
+    /// in nothing else are unequal, yet neither is less capable.
     [[nodiscard]] bool lessCapableThan(const krBufferFormat& other) const noexcept;
-    /// True unless the other is less capable than this one: mind the direction, which the name turns round. Two formats
-    /// that each have something over the other answer false both ways.
+    /// True unless the other is less capable than this one, which is the reverse of what the name says. When each is less
+    /// capable in some field, the answer is false both ways.
     [[nodiscard]] bool betterOrEqualThan(const krBufferFormat& other) const noexcept;
     /// True when all five fields are equal.
     [[nodiscard]] bool operator==(const krBufferFormat& other) const noexcept;

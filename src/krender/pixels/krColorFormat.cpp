@@ -2,6 +2,11 @@
 
 krColorFormat::~krColorFormat() = default;
 
-void krColorFormat::deallocate(void* /*pixels*/) const {}
+void krColorFormat::deallocate(void* /*pixels*/) {}
 
-void* krColorFormat::allocate(unsigned /*w*/, unsigned /*h*/, unsigned /*d*/) const { return nullptr; }
+void* krColorFormat::allocate(unsigned /*w*/, unsigned /*h*/, unsigned /*d*/) { return nullptr; }
+
+void* krColorFormat::allocate(unsigned w, unsigned h, unsigned d) const
+{
+    return const_cast<krColorFormat*>(this)->allocate(w, h, d);
+}

@@ -5,6 +5,8 @@
 #include "krender/pixels/private/PixelStorage.h"
 #include "krender/pixels/private/Resize.h"
 
+#include <krender/pixels/krColorFormat.h>
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -14,11 +16,11 @@ krColorFormatRGBAFixed8::krColorFormatRGBAFixed8(std::int32_t pixelType) noexcep
 
 krColorFormatRGBAFixed8::~krColorFormatRGBAFixed8() = default;
 
-void krColorFormatRGBAFixed8::deallocate(void* pixels) const { std::free(pixels); }
+void krColorFormatRGBAFixed8::deallocate(void* pixels) { std::free(pixels); }
 
-void* krColorFormatRGBAFixed8::allocate(unsigned w, unsigned h, unsigned d) const
+void* krColorFormatRGBAFixed8::allocate(unsigned w, unsigned h, unsigned d)
 {
-    return krPixels::allocateRGBA<unsigned char>(w, h, d);
+    return krPixels::allocateRGBA(sizeof(unsigned char), w, h, d);
 }
 
 void krColorFormatRGBAFixed8::setDefaultValue(const unsigned char* rgba) noexcept
@@ -39,8 +41,7 @@ unsigned char* krColorFormatRGBAFixed8::convertFromFloat(const float* src, unsig
 bool krColorFormatRGBAFixed8::convertToNormalMap(unsigned char* data, unsigned w, unsigned h, float scale) const
 {
     krPixels::convertToNormalMap(data, w, h, scale);
-    // The answer tells whether a new image was made, which never happens: the pixels are rewritten where they are.
-    return false;
+    return false; // deliberate: it says nothing about success
 }
 
 unsigned char* krColorFormatRGBAFixed8::resize(const unsigned char* src, unsigned srcW, unsigned srcH, unsigned dstW,

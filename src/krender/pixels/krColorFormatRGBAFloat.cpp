@@ -5,6 +5,8 @@
 #include "krender/pixels/private/PixelStorage.h"
 #include "krender/pixels/private/Resize.h"
 
+#include <krender/pixels/krColorFormat.h>
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -14,11 +16,11 @@ krColorFormatRGBAFloat::krColorFormatRGBAFloat(std::int32_t pixelType) noexcept 
 
 krColorFormatRGBAFloat::~krColorFormatRGBAFloat() = default;
 
-void krColorFormatRGBAFloat::deallocate(void* pixels) const { std::free(pixels); }
+void krColorFormatRGBAFloat::deallocate(void* pixels) { std::free(pixels); }
 
-void* krColorFormatRGBAFloat::allocate(unsigned w, unsigned h, unsigned d) const
+void* krColorFormatRGBAFloat::allocate(unsigned w, unsigned h, unsigned d)
 {
-    return krPixels::allocateRGBA<float>(w, h, d);
+    return krPixels::allocateRGBA(sizeof(float), w, h, d);
 }
 
 void krColorFormatRGBAFloat::setDefaultValue(const float* rgba) noexcept
@@ -39,8 +41,7 @@ float* krColorFormatRGBAFloat::convertFromFixed8(const unsigned char* src, unsig
 bool krColorFormatRGBAFloat::convertToNormalMap(float* data, unsigned w, unsigned h, float scale) const
 {
     krPixels::convertToNormalMap(data, w, h, scale);
-    // The answer tells whether a new image was made, which never happens: the pixels are rewritten where they are.
-    return false;
+    return false; // deliberate: it says nothing about success
 }
 
 float* krColorFormatRGBAFloat::resize(const float* src, unsigned srcW, unsigned srcH, unsigned dstW,

@@ -1,26 +1,30 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/pixels/IPixelFormat.h>
 
 #include <cstdint>
 
 /// How pixels lie in memory, and where that memory comes from.
 ///
-/// Pixel arrays take their storage from the allocate of this class, whatever the format's own class, and give it back
-/// through deallocate. An override of deallocate must therefore end with std::free, or that storage leaks.
+/// Pixel arrays take their storage from the allocate of this class, whatever the format's own class, and return it
+/// through the virtual deallocate. An override of deallocate must therefore end with std::free, or that storage leaks.
 class KRENDER_EXPORT krSysPixelFormat : public IPixelFormat
 {
 public:
-    /// @param bytesPerPixel  what storage is measured by
+    /// @param bytesPerPixel  the size of a pixel in storage
     /// @param pixelType      chooses the routines of pixel arrays: 2 for 8-bit RGBA, 4 for float RGBA, others have none
-    /// @param componentCode  for the host
+    /// @param componentCode  for the host; the library does not read it
     krSysPixelFormat(std::int32_t bytesPerPixel, std::int32_t pixelType, std::int32_t componentCode) noexcept;
     ~krSysPixelFormat() override;
 
-    /// Gives storage back; null is allowed.
-    virtual void deallocate(void* pixels) const;
+    /// Frees storage that allocate returned; null is allowed.
+    virtual void deallocate(void* pixels);
+    /// Calls the virtual form, which must not modify a format that was defined const.
+    void deallocate(void* pixels) const;
 
-    /// @return  storage for w x h x d pixels, not initialised, owned by the caller until deallocate; null when there is
-    ///          none or when its bytes do not fit 32 bits
+    /// Plain storage for w x h x d pixels, not initialised.
+    /// @return  storage that the caller owns until deallocate, also when a dimension is 0; null when the size overflows
+    ///          and when there is no memory
     [[nodiscard]] void* allocate(unsigned w, unsigned h, unsigned d) const;
 
     [[nodiscard]] std::int32_t bytesPerPixel() const noexcept { return fBytesPerPixel; }

@@ -8,7 +8,7 @@ namespace krLinear
 AffineMatrix AffineMatrix::inverse() const noexcept
 {
     const AffineMatrix& m = *this;
-    // The minor of row r, column c, with its sign: taking the other rows and columns cyclically makes the sign come out.
+    // The cofactor of row r, column c: taking the other rows and columns in cyclic order gives the sign.
     const auto cofactor = [&m](unsigned r, unsigned c)
     {
         const unsigned r1 = (r + 1) % 3;
@@ -38,7 +38,7 @@ Point AffineMatrix::preMult(const Point& p) const noexcept
 
 void AffineMatrix::rotate(double angle, const Normal& axis) noexcept
 {
-    const double length = Vector(axis.x, axis.y, axis.z).length();
+    const double length = Vector(axis).length();
     if (length == 0.0)
         return;
     const double x = axis.x / length;
@@ -64,8 +64,10 @@ void AffineMatrix::rotate(double angle, const Normal& axis) noexcept
 void AffineMatrix::translate(const Vector& offset) noexcept
 {
     AffineMatrix& m = *this;
-    for (unsigned c = 0; c < 3; ++c)
-        m(3, c) += offset.x * m(0, c) + offset.y * m(1, c) + offset.z * m(2, c);
+    const Vector mapped = offset * m;
+    m(3, 0) += mapped.x;
+    m(3, 1) += mapped.y;
+    m(3, 2) += mapped.z;
 }
 
 AffineMatrix operator*(const AffineMatrix& first, const AffineMatrix& second) noexcept

@@ -1,5 +1,7 @@
 #include <krender/platform/String.h>
 
+#include <utility>
+
 namespace krString
 {
 

@@ -4,12 +4,13 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
 /// The two string types of the library's interfaces.
 namespace krString
 {
 
-/// A text of bytes. It may hold zero bytes; asChar() is always terminated by one more.
+/// A string of bytes, zero bytes included. asChar() ends in one zero byte more.
 class KRENDER_EXPORT CString
 {
 public:
@@ -19,10 +20,10 @@ public:
     explicit CString(char c) : fText(1, c) {}
     /// Copies the bytes of the view, zero bytes included.
     explicit CString(std::string_view bytes) : fText(bytes) {}
-    /// Takes over the storage of a text that was built elsewhere.
+    /// Adopts the storage of the string.
     explicit CString(std::string&& text) noexcept : fText(std::move(text)) {}
 
-    /// Replaces the text with the bytes of the view, zero bytes included; the storage is used again.
+    /// Replaces the text with the bytes of the view, zero bytes included; the storage is reused.
     void assign(std::string_view bytes) { fText.assign(bytes); }
 
     /// The text, zero-terminated; valid until the string changes.
@@ -45,7 +46,11 @@ class KRENDER_EXPORT IString
 {
 public:
     IString() noexcept = default;
+    /// Copies a zero-terminated text; null gives an empty string.
     explicit IString(const char* text) : fText(text ? text : "") {}
+
+    /// The text, zero-terminated; valid until the string changes.
+    [[nodiscard]] const char* asChar() const noexcept { return fText.c_str(); }
 
 private:
     std::string fText;
@@ -71,7 +76,7 @@ KRENDER_EXPORT CString& plusEqual(CString& left, const CString& right);
 [[nodiscard]] inline bool notEqual(const CString& left, const CString& right) noexcept { return !equal(left, right); }
 [[nodiscard]] inline bool notEqual(const CString& left, const char* right) noexcept { return !equal(left, right); }
 
-/// Orders by bytes, taken as unsigned, a prefix before what it begins; no locale plays a part.
+/// Orders by unsigned bytes, whatever the locale; a prefix comes before longer strings.
 [[nodiscard]] inline bool less(const CString& left, const CString& right) noexcept
 {
     return left.view() < right.view();

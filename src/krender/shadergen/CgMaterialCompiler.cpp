@@ -1,9 +1,13 @@
 #include <krender/shadergen/CgMaterialCompiler.h>
 
 #include "krender/shadergen/private/FragmentWriter.h"
+#include <krender/platform/String.h>
+#include <krender/shadergen/FragmentExtras.h>
 #include <krender/shadergen/InterpolantBank.h>
+#include <krender/shadergen/LightSpec.h>
 #include <krender/shading/DataType.h>
 #include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/ShadingNodeSpec.h>
 
 #include <string>
 #include <string_view>

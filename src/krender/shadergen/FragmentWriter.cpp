@@ -1,7 +1,12 @@
 #include "krender/shadergen/private/FragmentWriter.h"
 
 #include "krender/shading/private/StatementPrinter.h"
+#include <krender/platform/String.h>
+#include <krender/shadergen/FragmentExtras.h>
+#include <krender/shadergen/LightSpec.h>
 #include <krender/shading/DataType.h>
+#include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/Statement.h>
 #include <krender/shading/StatementCompound.h>
 

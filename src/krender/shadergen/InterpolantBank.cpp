@@ -1,7 +1,10 @@
 #include <krender/shadergen/InterpolantBank.h>
 
+#include <krender/platform/String.h>
+
 #include <algorithm>
 #include <string>
+#include <string_view>
 
 namespace
 {

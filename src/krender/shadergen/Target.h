@@ -1,10 +1,14 @@
 #pragma once
+#include <krender/Export.h>
+#include <krender/platform/String.h>
 #include <krender/shadergen/FragmentExtras.h>
 #include <krender/shadergen/LightSpec.h>
+#include <krender/shading/ShadingNodeSpec.h>
 
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 /// The languages that programs are written in. Several targets may share one.
 enum class TargetLanguage : std::uint8_t

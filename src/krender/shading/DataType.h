@@ -33,7 +33,7 @@ enum DataType : std::uint32_t
 /// The number of data types, the invalid one included.
 inline constexpr unsigned kDataTypeCount = 21;
 
-/// What is known of one data type.
+/// The facts about one data type.
 struct DataTypeInfo
 {
     std::uint32_t byteSize; ///< storage of one value, in bytes
@@ -47,10 +47,10 @@ struct DataTypeInfo
     const char* name;
 };
 
-/// One row a type, indexed by its value.
+/// The facts about every data type, indexed by its value.
 KRENDER_EXPORT extern const std::array<DataTypeInfo, kDataTypeCount> dataTypeInfo;
 
-/// The float type with n components is entry n - 1; for the host.
+/// The float types by their number of components less one. Nothing in the library reads it; it is there for hosts.
 KRENDER_EXPORT extern const std::array<DataType, 4> floatConversion;
 
 // Look-ups in the table. None checks its argument: a value outside it is the caller's fault.
@@ -61,5 +61,5 @@ KRENDER_EXPORT extern const std::array<DataType, 4> floatConversion;
 [[nodiscard]] inline std::uint32_t maxDim(DataType type) noexcept { return dataTypeInfo[type].maxDim; }
 [[nodiscard]] inline DataType indexedType(DataType type) noexcept { return dataTypeInfo[type].indexedType; }
 
-/// The type of that exact name; kInvalidType for any other text, its own name included. Null is no name.
+/// The type of that exact name; kInvalidType for any other text and for null.
 [[nodiscard]] KRENDER_EXPORT DataType convertToDataType(const char* name) noexcept;

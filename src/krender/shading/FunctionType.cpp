@@ -1,5 +1,8 @@
 #include <krender/shading/FunctionType.h>
 
+#include <krender/platform/String.h>
+
+#include <cstdint>
 #include <iterator>
 
 namespace krShadingDag

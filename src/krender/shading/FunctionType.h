@@ -1,6 +1,8 @@
 #pragma once
 #include <krender/platform/String.h>
 
+#include <krender/Export.h>
+
 #include <cstdint>
 
 namespace krShadingDag
@@ -22,7 +24,7 @@ public:
 
     constexpr FunctionType() noexcept = default;
     constexpr FunctionType(TypeEnum type) noexcept : fType(type) {}
-    /// The type of that exact name; "regular" for any other text.
+    /// The type of that exact name; regular for any other text.
     explicit FunctionType(const krString::CString& text) noexcept;
 
     [[nodiscard]] constexpr TypeEnum type() const noexcept { return fType; }

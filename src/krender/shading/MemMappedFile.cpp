@@ -1,8 +1,12 @@
 #include <krender/shading/MemMappedFile.h>
 
+#include <krender/platform/String.h>
+
 #include <array>
+#include <cstddef>
 #include <cstdio>
 #include <memory>
+#include <string>
 
 bool MemMappedFile::open(const krString::CString& path)
 {

@@ -1,14 +1,17 @@
 #pragma once
 #include <krender/platform/String.h>
 
+#include <krender/Export.h>
+
+#include <cstddef>
 #include <string>
 
-/// The bytes of a source. Despite the name nothing is mapped: files and strings are copied, each behind what is there.
+/// The bytes of a source. Despite the name nothing is mapped: files and strings are copied, each behind the last one.
 class KRENDER_EXPORT MemMappedFile
 {
 public:
-    /// Appends a file's bytes and one more byte, 0xFF: it is no white space, so a file that ends in white space ends in
-    /// an unknown token instead of an exception of the tokenizer.
+    /// Appends a file's bytes and one more, 0xFF. Deliberate: that byte is no white space, so a file that ends in white
+    /// space ends in an unknown token instead of an exception of the tokenizer.
     /// @return  false when the file cannot be opened or read; the bytes then stay as they were
     [[nodiscard]] bool open(const krString::CString& path);
     /// Appends the text's bytes, and nothing else.

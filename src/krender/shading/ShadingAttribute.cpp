@@ -1,5 +1,9 @@
 #include <krender/shading/ShadingAttribute.h>
 
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/TypedConstant.h>
+
 #include <array>
 
 namespace krShadingDag

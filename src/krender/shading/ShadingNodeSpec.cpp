@@ -1,10 +1,16 @@
 #include <krender/shading/ShadingNodeSpec.h>
 
 #include <krender/core/Exception.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/IHWShaderManager.h>
+#include <krender/shading/ShadingAttribute.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <utility>
 

@@ -1,6 +1,11 @@
 #include <krender/shading/ShadingParser.h>
 
 #include <krender/core/Exception.h>
+#include <krender/platform/String.h>
+#include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/ShadingNodeSpec.h>
+#include <krender/shading/Token.h>
+#include <krender/shading/Tokenizer.h>
 
 #include <string>
 #include <utility>
@@ -102,8 +107,7 @@ FileLocation ShadingParser::frontLocation()
 {
     try
     {
-        const Token& front = peek(0);
-        return {front.line, front.column};
+        return {front().line, front().column};
     }
     catch (const Exception&)
     {
@@ -118,20 +122,49 @@ void ShadingParser::refuse(std::string what)
     throw Exception(kVerificationFailed, krString::CString(std::move(what)));
 }
 
+/// Appends a token, which holds what an earlier one left there.
+Token& ShadingParser::TokenQueue::append()
+{
+    if (fEnd == fTokens.size())
+        fTokens.emplace_back();
+    return fTokens[fEnd++];
+}
+
+/// Drops the front token, if there is one.
+void ShadingParser::TokenQueue::dropFront() noexcept
+{
+    static constexpr std::size_t kKept = 64;
+    if (empty())
+        return;
+    if (++fFront == fEnd)
+        clear();
+    else if (fFront > kKept)
+    {
+        // Somebody always looks ahead, so the queue is never empty.
+        fTokens.pop_front();
+        --fFront;
+        --fEnd;
+    }
+}
+
 Token& ShadingParser::accumulate_token()
 {
     Tokenizer::Lexeme lexeme;
     do
         fTokenizer.scan(lexeme);
     while (lexeme.type == TokenType::Comment);
-    Token& token = fQueue.emplace_back();
+    Token& token = fQueue.append();
+    Tokenizer::resetToken(token);
+    token.line = token.column = 1;
+    token.isFractional = false;
     fTokenizer.fillToken(token, lexeme);
     if (token.type == TokenType::EndOfStream)
         fEndOfStream = true;
     return token;
 }
 
-const Token& ShadingParser::peek(unsigned n)
+/// Reads up to the n-th token.
+const Token& ShadingParser::readAhead(unsigned n)
 {
     while (fQueue.size() <= n && !fEndOfStream)
         accumulate_token();
@@ -150,16 +183,9 @@ Token ShadingParser::token_ahead(unsigned n) { return peek(n); }
 
 Token ShadingParser::consume_front_token()
 {
-    Token front = peek(0);
+    Token token = front();
     dropFront();
-    return front;
-}
-
-/// Consumes the front token without making a copy of it.
-void ShadingParser::dropFront()
-{
-    if (!fQueue.empty())
-        fQueue.pop_front();
+    return token;
 }
 
 krString::CString ShadingParser::originalString(const Token& first, const Token& last) const

@@ -1,8 +1,14 @@
 #pragma once
+#include <krender/Export.h>
+#include <krender/platform/String.h>
+#include <krender/shading/ShadingAttribute.h>
 #include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParserLimits.h>
+#include <krender/shading/StatementCompound.h>
+#include <krender/shading/Token.h>
 #include <krender/shading/Tokenizer.h>
 
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <string>
@@ -106,10 +112,30 @@ private:
         StatementCompound* statements;
         bool isBraced; ///< ends at a "}"; any other ends behind its first statement
     };
-    using OpenLists = std::vector<OpenList>;
 
-    const Token& peek(unsigned n);
-    void dropFront();
+    /// Tokens in a row. Growth moves none, so references into the queue last until the token is consumed. Consumed
+    /// tokens are used again: a std::deque alone, which frees and allocates instead, slows parsing by a seventh.
+    class TokenQueue
+    {
+    public:
+        [[nodiscard]] bool empty() const noexcept { return fFront == fEnd; }
+        [[nodiscard]] std::size_t size() const noexcept { return fEnd - fFront; }
+        [[nodiscard]] const Token& operator[](std::size_t n) const noexcept { return fTokens[fFront + n]; }
+        Token& append();
+        void dropFront() noexcept;
+        void dropAllButLast() noexcept { fFront = fEnd - 1; }
+        void clear() noexcept { fFront = fEnd = 0; }
+
+    private:
+        std::deque<Token> fTokens;
+        std::size_t fFront = 0;
+        std::size_t fEnd = 0;
+    };
+
+    const Token& front() { return peek(0); }
+    const Token& peek(unsigned n) { return n < fQueue.size() ? fQueue[n] : readAhead(n); }
+    const Token& readAhead(unsigned n);
+    void dropFront() noexcept { fQueue.dropFront(); }
     [[nodiscard]] FileLocation frontLocation();
     [[noreturn]] void refuse(std::string what);
 
@@ -120,16 +146,15 @@ private:
     void readArgument(unsigned& index);
 
     // Each reads its form up to the first statement that it holds, and opens the list of those.
-    using Begin = bool (ShadingParser::*)(StatementCompound& block, OpenLists& open);
-    bool parseWhole(Begin begin, StatementCompound& block);
-    bool beginStatement(StatementCompound& block, OpenLists& open);
-    bool beginCompound(StatementCompound& block, OpenLists& open);
-    bool beginIlluminance(StatementCompound& block, OpenLists& open);
-    bool beginIf(StatementCompound& block, OpenLists& open);
-    bool beginElse(StatementCompound& block, OpenLists& open);
-    Statement& appendNesting(StatementCompound& block, StatementType type, const OpenLists& open);
-    void openBody(Statement& statement, OpenLists& open);
-    void readLists(OpenLists& open);
+    using Begin = bool (ShadingParser::*)(StatementCompound& block);
+    bool beginStatement(StatementCompound& block);
+    bool beginCompound(StatementCompound& block);
+    bool beginIlluminance(StatementCompound& block);
+    bool beginIf(StatementCompound& block);
+    bool beginElse(StatementCompound& block);
+    Statement& appendNesting(StatementCompound& block, StatementType type);
+    void openBody(Statement& statement);
+    bool readWhole(Begin begin, StatementCompound& block);
     std::uint64_t consumeThroughSemicolon();
 
     Tokenizer fTokenizer;
@@ -137,13 +162,14 @@ private:
     bool fAddToLibrary = true;
     krString::CString fSecondText; ///< emptied by reset(), else unused
     krString::CString fErrorText;
-    std::deque<Token> fQueue; // whose growth moves no token: references into it are held while it is read on
+    TokenQueue fQueue;
     ShadingNodeSpec* fpNodeSpec = nullptr;
     std::vector<ShadingAttribute> fInputs;
     std::vector<ShadingAttribute> fOutputs;
     std::vector<std::pair<krString::CString, ShadingAttribute>> fVariables;
     /// The specs that were begun and that neither the library nor a caller has; the last one is the newest.
     std::vector<std::unique_ptr<ShadingNodeSpec>> fOwnSpecs;
+    std::vector<OpenList> fOpenLists; ///< the innermost one is the last
     ShadingParserLimits fLimits;
 };
 

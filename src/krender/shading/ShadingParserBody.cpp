@@ -2,9 +2,15 @@
 #include <krender/shading/ShadingParser.h>
 
 #include "krender/shading/private/Require.h"
+#include <krender/shading/ShadingParserLimits.h>
 #include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
+#include <krender/shading/Token.h>
+#include <krender/shading/Tokenizer.h>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace krShadingDag
 {
@@ -23,34 +29,31 @@ Statement& appendTyped(StatementCompound& block, StatementType type)
 
 bool ShadingParser::parseStatement(StatementCompound& block)
 {
-    return parseWhole(&ShadingParser::beginStatement, block);
+    return readWhole(&ShadingParser::beginStatement, block);
 }
 
 bool ShadingParser::parseCompoundStatement(StatementCompound& block)
 {
-    return parseWhole(&ShadingParser::beginCompound, block);
+    return readWhole(&ShadingParser::beginCompound, block);
 }
 
 bool ShadingParser::parseIlluminanceStatement(StatementCompound& block)
 {
-    return parseWhole(&ShadingParser::beginIlluminance, block);
+    return readWhole(&ShadingParser::beginIlluminance, block);
 }
 
-bool ShadingParser::parseIfStatement(StatementCompound& block) { return parseWhole(&ShadingParser::beginIf, block); }
+bool ShadingParser::parseIfStatement(StatementCompound& block) { return readWhole(&ShadingParser::beginIf, block); }
 
-bool ShadingParser::parseElseStatement(StatementCompound& block)
-{
-    return parseWhole(&ShadingParser::beginElse, block);
-}
+bool ShadingParser::parseElseStatement(StatementCompound& block) { return readWhole(&ShadingParser::beginElse, block); }
 
 bool ShadingParser::parseOpaqueStatement(StatementCompound& block)
 {
-    const bool isEmpty = peek(0).type == TokenType::Semicolon;
+    const bool isEmpty = front().type == TokenType::Semicolon;
     if (isEmpty && fLimits.refuseEmptyStatements)
         refuse("Empty statement");
     Statement& statement = appendTyped(block, StatementType::Opaque);
-    const FileLocation location{peek(0).line, peek(0).column};
-    const std::uint64_t begin = peek(0).position;
+    const FileLocation location{front().line, front().column};
+    const std::uint64_t begin = front().position;
     // Deliberate: an empty statement keeps its ";" at the front, so without the limit a block that holds one is read
     // without end.
     const std::uint64_t end = isEmpty ? begin : consumeThroughSemicolon();
@@ -58,46 +61,37 @@ bool ShadingParser::parseOpaqueStatement(StatementCompound& block)
     return true;
 }
 
-/// Reads a form with all that it holds, if it begins here.
-bool ShadingParser::parseWhole(Begin begin, StatementCompound& block)
+bool ShadingParser::beginStatement(StatementCompound& block)
 {
-    OpenLists open;
-    const bool begins = (this->*begin)(block, open);
-    readLists(open);
-    return begins;
+    return beginCompound(block) || beginIlluminance(block) || beginIf(block) || beginElse(block) ||
+           parseOpaqueStatement(block);
 }
 
-bool ShadingParser::beginStatement(StatementCompound& block, OpenLists& open)
+bool ShadingParser::beginCompound(StatementCompound& block)
 {
-    return beginCompound(block, open) || beginIlluminance(block, open) || beginIf(block, open) ||
-           beginElse(block, open) || parseOpaqueStatement(block);
-}
-
-bool ShadingParser::beginCompound(StatementCompound& block, OpenLists& open)
-{
-    if (peek(0).type != TokenType::OpenBrace)
+    if (front().type != TokenType::OpenBrace)
         return false;
-    openBody(appendNesting(block, StatementType::Block, open), open);
+    openBody(appendNesting(block, StatementType::Block));
     return true;
 }
 
-bool ShadingParser::beginIlluminance(StatementCompound& block, OpenLists& open)
+bool ShadingParser::beginIlluminance(StatementCompound& block)
 {
-    if (peek(0).type != TokenType::KeywordIlluminance || peek(1).type != TokenType::OpenBrace)
+    if (front().type != TokenType::KeywordIlluminance || peek(1).type != TokenType::OpenBrace)
         return false;
-    Statement& statement = appendNesting(block, StatementType::Illuminance, open);
+    Statement& statement = appendNesting(block, StatementType::Illuminance);
     dropFront();
-    openBody(statement, open);
+    openBody(statement);
     return true;
 }
 
-bool ShadingParser::beginIf(StatementCompound& block, OpenLists& open)
+bool ShadingParser::beginIf(StatementCompound& block)
 {
-    if (peek(0).type != TokenType::KeywordIf || peek(1).type != TokenType::OpenParen)
+    if (front().type != TokenType::KeywordIf || peek(1).type != TokenType::OpenParen)
         return false;
-    Statement& statement = appendNesting(block, StatementType::If, open);
-    const FileLocation location{peek(0).line, peek(0).column};
-    const std::uint64_t begin = peek(0).position;
+    Statement& statement = appendNesting(block, StatementType::If);
+    const FileLocation location{front().line, front().column};
+    const std::uint64_t begin = front().position;
     dropFront();
     dropFront();
 
@@ -107,58 +101,62 @@ bool ShadingParser::beginIf(StatementCompound& block, OpenLists& open)
         return type == TokenType::CloseParen || type == TokenType::CloseBrace || type == TokenType::Semicolon ||
                type == TokenType::EndOfStream;
     };
-    while (!isConditionEnd(peek(0).type))
+    while (!isConditionEnd(front().type))
         dropFront();
-    require(peek(0).type == TokenType::CloseParen, "Expected close-parentheses after if statement");
-    statement.setSourceText(fTokenizer.stringify(begin, peek(0).position), location, begin);
+    require(front().type == TokenType::CloseParen, "Expected close-parentheses after if statement");
+    statement.setSourceText(fTokenizer.stringify(begin, front().position), location, begin);
     dropFront();
-    openBody(statement, open);
+    openBody(statement);
     return true;
 }
 
-bool ShadingParser::beginElse(StatementCompound& block, OpenLists& open)
+bool ShadingParser::beginElse(StatementCompound& block)
 {
-    if (peek(0).type != TokenType::KeywordElse)
+    if (front().type != TokenType::KeywordElse)
         return false;
-    Statement& statement = appendNesting(block, StatementType::Else, open);
+    Statement& statement = appendNesting(block, StatementType::Else);
     dropFront();
-    openBody(statement, open);
+    openBody(statement);
     return true;
 }
 
 /// Appends an empty statement that is about to hold others.
-Statement& ShadingParser::appendNesting(StatementCompound& block, StatementType type, const OpenLists& open)
+Statement& ShadingParser::appendNesting(StatementCompound& block, StatementType type)
 {
-    if (open.size() >= fLimits.maxNesting)
+    if (fOpenLists.size() >= fLimits.maxNesting)
         refuse("Nesting deeper than " + std::to_string(fLimits.maxNesting));
     return appendTyped(block, type);
 }
 
 /// Opens the list of what a statement holds: the statements of a block, whose "{" is consumed, or a single one.
-void ShadingParser::openBody(Statement& statement, OpenLists& open)
+void ShadingParser::openBody(Statement& statement)
 {
-    const bool isBraced = peek(0).type == TokenType::OpenBrace;
+    const bool isBraced = front().type == TokenType::OpenBrace;
     if (isBraced)
         dropFront();
-    open.push_back({&statement.children(), isBraced});
+    fOpenLists.push_back({&statement.children(), isBraced});
 }
 
-/// Reads all open lists to their ends, the last one first.
-void ShadingParser::readLists(OpenLists& open)
+/// Reads a form with all that it holds, if it begins here.
+bool ShadingParser::readWhole(Begin begin, StatementCompound& block)
 {
-    while (!open.empty())
+    fOpenLists.clear();
+    if (!(this->*begin)(block))
+        return false;
+    while (!fOpenLists.empty())
     {
-        const OpenList list = open.back();
-        const bool atEnd = list.isBraced ? peek(0).type == TokenType::CloseBrace : !list.statements->empty();
+        const OpenList list = fOpenLists.back();
+        const bool atEnd = list.isBraced ? front().type == TokenType::CloseBrace : !list.statements->empty();
         if (!atEnd)
         {
-            beginStatement(*list.statements, open);
+            beginStatement(*list.statements);
             continue;
         }
         if (list.isBraced)
             dropFront();
-        open.pop_back();
+        fOpenLists.pop_back();
     }
+    return true;
 }
 
 /// Consumes a statement of other kinds and returns where its ";" stands. Most tokens of a source go by here; they are
@@ -169,8 +167,8 @@ std::uint64_t ShadingParser::consumeThroughSemicolon()
     std::uint64_t position = 0;
     while (!fQueue.empty() && type != TokenType::Semicolon && type != TokenType::EndOfStream)
     {
-        type = fQueue.front().type;
-        position = fQueue.front().position;
+        type = front().type;
+        position = front().position;
         dropFront();
     }
     Tokenizer::Lexeme lexeme;

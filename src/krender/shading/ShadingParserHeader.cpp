@@ -3,8 +3,18 @@
 
 #include "krender/shading/private/Require.h"
 
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/FunctionType.h>
+#include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/ShadingNodeSpec.h>
+#include <krender/shading/ShadingParserLimits.h>
+#include <krender/shading/Token.h>
+
 #include <array>
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace krShadingDag
 {
@@ -76,6 +86,7 @@ CompFreq tokenToCompFreq(const Token& token) noexcept
 void ShadingParser::parseFunc()
 {
     TokenType last = TokenType::Unknown;
+    unsigned count = 0;
     while (last != TokenType::Semicolon && last != TokenType::OpenBrace)
     {
         last = accumulate_token().type;
@@ -84,12 +95,13 @@ void ShadingParser::parseFunc()
             krString::plusEqual(fErrorText, "error: found no function declaration or definition.\n");
             return;
         }
-        if (fQueue.size() > fLimits.maxHeaderTokens)
+        if (++count > fLimits.maxHeaderTokens)
             refuse("Header of more than " + std::to_string(fLimits.maxHeaderTokens) + " tokens");
     }
     if (last == TokenType::Semicolon)
         return parseFuncDecl();
-    require(last == TokenType::OpenBrace, "unexpected token during function declaration: ", fQueue.back().text);
+    require(last == TokenType::OpenBrace,
+            "unexpected token during function declaration: ", fQueue[fQueue.size() - 1].text);
     parseFuncDef();
 }
 
@@ -108,7 +120,7 @@ void ShadingParser::parseFuncDef()
     const unsigned close = readHeader();
     require(peek(close + 1).type == TokenType::OpenBrace, "Expected braces");
     require(fQueue.size() == std::size_t{close} + 2, "INTERNAL ERROR: Buffer overrun");
-    fQueue.erase(fQueue.begin(), fQueue.end() - 1);
+    fQueue.dropAllButLast();
 
     for (const std::vector<ShadingAttribute>* visible : {&fpNodeSpec->inputs(), &fpNodeSpec->outputs()})
         for (const ShadingAttribute& attribute : *visible)
@@ -144,28 +156,23 @@ unsigned ShadingParser::readHeader()
 {
     unsigned i = 0;
     const CompFreqRange outputRange = readOptionalCompFreqRange(i);
-    const unsigned returnTypeAt = i;
-    const DataType returnType = returnTypeOf(peek(i));
+    const Token& result = peek(i);
+    const DataType returnType = returnTypeOf(result);
 
-    ++i;
-    require(peek(i).type == TokenType::Identifier, "Invalid function name");
-    if (krString::equal(peek(i).text, "operator"))
+    const Token& name = peek(++i);
+    require(name.type == TokenType::Identifier, "Invalid function name");
+    if (krString::equal(name.text, "operator"))
     {
-        ++i;
-        fpNodeSpec->setName(operatorName(peek(i), peek(returnTypeAt)));
-        if (peek(i).type == TokenType::OpenBracket)
-        {
-            ++i;
-            require(peek(i).type == TokenType::CloseBracket, "Expected ']'");
-        }
+        const Token& symbol = peek(++i);
+        fpNodeSpec->setName(operatorName(symbol, result));
+        require(symbol.type != TokenType::OpenBracket || peek(++i).type == TokenType::CloseBracket, "Expected ']'");
     }
     else
-        fpNodeSpec->setName(peek(i).text);
+        fpNodeSpec->setName(name.text);
     if (returnType != kVoid)
         fOutputs.push_back(fpNodeSpec->addOutput(returnType, "output", outputRange));
 
-    ++i;
-    require(peek(i).type == TokenType::OpenParen, "Expected '('");
+    require(peek(++i).type == TokenType::OpenParen, "Expected '('");
     ++i;
     while (peek(i).type != TokenType::CloseParen)
         readArgument(i);
@@ -180,19 +187,16 @@ void ShadingParser::readArgument(unsigned& index)
     if (isOutput)
         ++index;
     const CompFreqRange range = readOptionalCompFreqRange(index);
-    const Token& typeName = peek(index);
-    const DataType type = typeName.dataType;
-    require(typeName.type == TokenType::DataTypeName && type != kInvalidType && type != kVoid,
-            "Not a valid data type: ", typeName.text);
-    ++index;
-    const Token& name = peek(index);
+    const Token& type = peek(index);
+    require(type.type == TokenType::DataTypeName && type.dataType != kInvalidType && type.dataType != kVoid,
+            "Not a valid data type: ", type.text);
+    const Token& name = peek(++index);
     require(name.type == TokenType::Identifier, "Expected argument name: ", name.text);
-    ++index;
     if (isOutput)
-        fOutputs.push_back(fpNodeSpec->addOutput(type, name.text, range));
+        fOutputs.push_back(fpNodeSpec->addOutput(type.dataType, name.text, range));
     else
-        fInputs.push_back(fpNodeSpec->addInput(type, name.text, range));
-    if (peek(index).type == TokenType::Comma)
+        fInputs.push_back(fpNodeSpec->addInput(type.dataType, name.text, range));
+    if (peek(++index).type == TokenType::Comma)
         ++index;
 }
 

@@ -5,7 +5,7 @@ namespace krShadingDag
 {
 
 /// What a parser refuses besides the language's own errors. By default it refuses nothing more: hosts that read sources
-/// from people set all three, as krslc does.
+/// from people set all three:
 ///
 ///     parser.setLimits({.refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000});
 struct ShadingParserLimits

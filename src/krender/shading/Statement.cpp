@@ -2,8 +2,12 @@
 
 #include "krender/shading/private/StatementPrinter.h"
 #include <krender/core/Exception.h>
+#include <krender/platform/String.h>
+#include <krender/shading/StatementCompound.h>
+#include <krender/shading/Token.h>
 #include <krender/shading/Tokenizer.h>
 
+#include <memory>
 #include <string>
 #include <utility>
 

@@ -1,6 +1,7 @@
 #include <krender/shading/StatementCompound.h>
 
 #include "krender/shading/private/StatementPrinter.h"
+#include <krender/platform/String.h>
 #include <krender/shading/Statement.h>
 
 #include <algorithm>
@@ -106,7 +107,7 @@ void StatementCompound::cloneFrom(const StatementCompound& other)
     takeAll(copies);
 }
 
-/// Appends deep copies of the statements of a list that is neither this one nor part of the same tree.
+/// Appends deep copies of the statements of a list outside this tree.
 void StatementCompound::appendCopies(const StatementCompound& source)
 {
     struct Pair
@@ -162,9 +163,9 @@ bool StatementCompound::removeStatement(const Statement* s)
 
 void StatementCompound::clear() noexcept
 {
-    // Without recursion, for trees may be deep, and without storage, for this cannot fail: the way back up is kept in the
-    // tree itself. A statement that holds others is taken out of its list, and its list goes with it, holding in the slot
-    // that fell free the statement above.
+    // Trees may be deep, so this must not recurse, and it must not fail, so it cannot allocate a stack. The way back up is
+    // kept in the tree: on the way down into a statement's children, the statement is taken out of its list and given that
+    // list to keep, and the slot that it leaves in the list holds the statement above.
     using List = std::vector<std::unique_ptr<Statement>>;
     List list = std::move(fStatements);
     std::unique_ptr<Statement> above;

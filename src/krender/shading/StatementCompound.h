@@ -40,8 +40,8 @@ public:
 
     /// The index of a statement of this list; found is false, and 0 comes back, when it is not one.
     [[nodiscard]] unsigned findIndex(const Statement* s, bool& found) const noexcept;
-    /// The first statement of a type here or in the compound statements below, each before what it holds; null when there
-    /// is none.
+    /// The first statement of a type, null when there is none. Compound statements are searched depth first, each itself
+    /// before its children.
     [[nodiscard]] Statement* findStatement(StatementType type) const;
     /// The statements as source text, each followed by a line break.
     /// @param indent  put before every line
@@ -56,10 +56,11 @@ public:
     Statement* appendStatement(Statement* s);
     /// Appends a line of generated code.
     Statement* appendLiteralStatement(const krString::CString& text);
-    /// Appends deep copies of another list's statements. The other may be this list, stand below it or hold it.
+    /// Appends deep copies of another list's statements. The other may be this list, or below or above it in the same tree.
     /// @return  the first one added, or null when there is none
     Statement* appendStatementsFrom(const StatementCompound& other);
-    /// Becomes a deep copy of another list, which may stand below this one or hold it; given itself, nothing changes.
+    /// Makes this a deep copy of another list, which may be below or above this one in the same tree; if it is this one,
+    /// nothing changes.
     void cloneFrom(const StatementCompound& other);
     /// Destroys the statements first to last, both included; false, and nothing happens, when there is no such range.
     bool removeStatements(unsigned first, unsigned last);

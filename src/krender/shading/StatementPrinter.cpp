@@ -1,5 +1,9 @@
 #include "krender/shading/private/StatementPrinter.h"
 
+#include <krender/platform/String.h>
+#include <krender/shading/Statement.h>
+#include <krender/shading/StatementCompound.h>
+
 #include <algorithm>
 #include <cstddef>
 
@@ -111,8 +115,6 @@ void appendIndented(std::string& out, std::string_view text, std::string_view pr
     std::size_t base = 0;
     while (base < text.size() && isBlank(text[base]))
         ++base;
-    if (base == text.size())
-        return;
 
     std::size_t i = base;
     std::size_t blanks = 0; // leading ones of this line; the first line's were skipped above

@@ -1,5 +1,10 @@
 #include <krender/shading/Token.h>
 
+#include <krender/platform/String.h>
+
+#include <string>
+#include <utility>
+
 krString::CString toString(const std::vector<krShadingDag::Token>& tokens)
 {
     std::string text;

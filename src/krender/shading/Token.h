@@ -1,4 +1,5 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/platform/String.h>
 #include <krender/shading/DataType.h>
 
@@ -8,7 +9,7 @@
 namespace krShadingDag
 {
 
-/// The kinds of tokens. The numbers are fixed, gaps included: hosts store them.
+/// The kinds of tokens. The numbers are fixed, and those between them are never produced.
 enum class TokenType : std::uint32_t
 {
     Unknown = 0,
@@ -80,13 +81,13 @@ struct Token
 {
     TokenType type = TokenType::Unknown;
     krString::CString text;           ///< as it stands in the source; a quoted string without its quotes
-    std::uint64_t line = 1;           ///< of the first character
+    std::uint64_t line = 1;           ///< of the first character; the end of a stream has no place
     std::uint64_t column = 1;         ///< of the first character
     std::uint64_t position = 0;       ///< byte index of the first character
-    std::uint64_t intValue = 1;       ///< a number's value truncated towards zero; 1 for all else
+    std::uint64_t intValue = 1;       ///< a number's floatValue truncated towards zero; 1 for all else
     float floatValue = 0.0f;          ///< a number's value
     DataType dataType = kInvalidType; ///< of a data type name
-    bool isFractional = false;        ///< whether a number's floatValue differs from its intValue
+    bool isFractional = false;        ///< whether a number's floatValue differs from its intValue; only numbers set it
 };
 
 } // namespace krShadingDag

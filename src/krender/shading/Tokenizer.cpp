@@ -2,15 +2,22 @@
 
 #include "krender/shading/private/Words.h"
 #include <krender/core/Exception.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
+#include <krender/shading/Token.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <clocale>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <string>
+#include <string_view>
+#include <system_error>
 
 namespace krShadingDag
 {
@@ -22,7 +29,7 @@ namespace
 enum class ByteClass : unsigned char
 {
     Unknown,
-    Blank,
+    Blank, ///< other than a line break
     Newline,
     Letter,
     Digit,
@@ -30,7 +37,7 @@ enum class ByteClass : unsigned char
     Slash,
     PlusOrMinus,
     OpEqual, ///< an operator that a "=" may follow
-    Pair,    ///< a half of a doubled operator
+    Pair,    ///< an operator only when it is doubled
     Single,
 };
 
@@ -38,8 +45,8 @@ struct ByteInfo
 {
     ByteClass byteClass = ByteClass::Unknown;
     TokenType single = TokenType::Unknown;    ///< the token of the byte alone
-    TokenType withEqual = TokenType::Unknown; ///< and with "=" behind it
-    TokenType doubled = TokenType::Unknown;   ///< and twice
+    TokenType withEqual = TokenType::Unknown; ///< of the byte and "="
+    TokenType doubled = TokenType::Unknown;   ///< of the byte twice
 };
 
 constexpr std::array<ByteInfo, 256> kBytes = []
@@ -87,14 +94,14 @@ const ByteInfo& infoOf(char c) noexcept { return kBytes[static_cast<unsigned cha
 
 [[noreturn]] void throwSourceEnded() { throw Exception(kSourceEnded, ""); }
 
-/// The value of digits with at most one dot, when both they and the power of ten below them are exact in a double: then
-/// one division rounds right (Clinger, "How to read floating point numbers accurately", 1990). NaN for all else.
+/// The value of up to 15 digits and a dot: the digits and the power of ten to divide them by are both exact in a double,
+/// so one division rounds correctly (Clinger, "How to Read Floating Point Numbers Accurately", 1990). NaN for all else.
 double parsePlainNumber(const char* begin, const char* end) noexcept
 {
     static constexpr std::array kPowers{1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14};
-    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
     if (end - begin > 15)
-        return none;
+        return kNone;
     std::uint64_t digits = 0;
     const char* fraction = end;
     for (const char* c = begin; c != end; ++c)
@@ -104,7 +111,7 @@ double parsePlainNumber(const char* begin, const char* end) noexcept
         else if (infoOf(*c).byteClass == ByteClass::Digit)
             digits = 10 * digits + static_cast<std::uint64_t>(*c - '0');
         else
-            return none;
+            return kNone;
     }
     return static_cast<double>(digits) / kPowers[static_cast<std::size_t>(end - fraction)];
 }
@@ -124,14 +131,15 @@ double parseNumber(const char* begin, const char* end)
 
 std::uint64_t truncated(float value) noexcept
 {
-    constexpr float limit = 18446744073709551616.0f; // 2^64
-    return value < limit ? static_cast<std::uint64_t>(value) : std::numeric_limits<std::uint64_t>::max();
+    constexpr float kLimit = 18446744073709551616.0f; // 2^64
+    return value < kLimit ? static_cast<std::uint64_t>(value) : std::numeric_limits<std::uint64_t>::max();
 }
 
 } // namespace
 
 void Tokenizer::nextToken(Token* token)
 {
+    resetToken(*token);
     Lexeme lexeme;
     scan(lexeme);
     fillToken(*token, lexeme);
@@ -139,9 +147,13 @@ void Tokenizer::nextToken(Token* token)
 
 krString::CString Tokenizer::stringify(unsigned long from, unsigned long to) const
 {
-    if (static_cast<std::int32_t>(to) < static_cast<std::int32_t>(from) || from >= size())
+    // Places are 32-bit numbers here, for the comparison as for the bytes.
+    const std::int64_t first = std::max(static_cast<std::int32_t>(from), 0);
+    const std::int64_t end =
+        std::min(std::int64_t{static_cast<std::int32_t>(to)} + 1, static_cast<std::int64_t>(size()));
+    if (end <= first)
         return {};
-    return krString::CString(std::string_view(c_str() + from, std::min<std::size_t>(to + 1, size()) - from));
+    return krString::CString(std::string_view(c_str() + first, static_cast<std::size_t>(end - first)));
 }
 
 krString::CString Tokenizer::stringify(const Token& first, const Token& last) const
@@ -149,18 +161,25 @@ krString::CString Tokenizer::stringify(const Token& first, const Token& last) co
     return stringify(first.position, last.position);
 }
 
+/// Deliberate: line, column and isFractional keep what an earlier token left there.
+void Tokenizer::resetToken(Token& token)
+{
+    token.type = TokenType::Unknown;
+    token.text.assign({});
+    token.position = 0;
+    token.intValue = 1;
+    token.floatValue = 0.0f;
+    token.dataType = kInvalidType;
+}
+
+/// Makes a reset token into the record of a lexeme.
 void Tokenizer::fillToken(Token& token, const Lexeme& lexeme) const
 {
     token.type = lexeme.type;
+    if (lexeme.type == TokenType::EndOfStream)
+        return; // which has no place
     token.dataType = lexeme.dataType;
     token.position = lexeme.position;
-    token.intValue = 1;
-    token.floatValue = 0.0f;
-    if (lexeme.type == TokenType::EndOfStream)
-    {
-        token.text.assign({});
-        return; // the place stays: the end of a stream has none
-    }
     const char* const text = c_str() + lexeme.textBegin;
     const std::size_t length = lexeme.textEnd - lexeme.textBegin;
     token.text.assign({text, length});
@@ -188,7 +207,6 @@ void Tokenizer::scan(Lexeme& lexeme)
     if (fPosition >= size())
     {
         lexeme.type = TokenType::EndOfStream;
-        lexeme.position = 0;
         return;
     }
 
@@ -218,7 +236,7 @@ void Tokenizer::scan(Lexeme& lexeme)
     case ByteClass::Newline:
         break;
     }
-    // The column stays: places in error messages have always counted these bytes as none.
+    // Deliberate: such a byte takes no column, so what follows it in the line is placed one to the left.
     lexeme.textEnd = ++fPosition;
 }
 
@@ -299,7 +317,7 @@ void Tokenizer::processNumeric(Lexeme& lexeme)
     if (isExponent(byteAt(i)))
     {
         ++i;
-        // Only "-" is a sign here: "1e+5" has always been the sum of 1 and 5.
+        // Deliberate: only "-" is a sign here, so "1e+5" is the sum of 1 and 5.
         if (byteAt(i) == '-')
             ++i;
         skipDigits();
@@ -329,7 +347,7 @@ void Tokenizer::processDivide(Lexeme& lexeme)
         return finish(lexeme, TokenType::Slash, 1);
 
     FileLocation location = fLocation;
-    // The two bytes behind "*/" belong to the comment; sources put a line break or blanks there.
+    // Deliberate: the two bytes behind "*/" belong to the comment.
     const std::uint64_t last = next == '/' ? searchForOneChar(fPosition + 2, '\n', location)
                                            : searchForTwoChars(fPosition + 2, '*', '/', location);
     lexeme.type = TokenType::Comment;
@@ -361,8 +379,8 @@ void Tokenizer::processPair(Lexeme& lexeme, TokenType doubled, char c)
     lexeme.textEnd = ++fPosition; // half an operator is an unknown byte
 }
 
-/// Skips a line comment within text that is searched. The byte behind its line break is not looked at, so a comment in
-/// a comment carries it over the next line as well; sources that rely on it exist.
+/// Skips a line comment within text that is searched. Deliberate: the byte behind its line break is not looked at, and a
+/// line comment that holds another one goes on over the next line.
 std::uint64_t Tokenizer::pastNestedComment(std::uint64_t from, FileLocation& location) const
 {
     while (byteAt(from) != '\n')
@@ -371,9 +389,9 @@ std::uint64_t Tokenizer::pastNestedComment(std::uint64_t from, FileLocation& loc
     return from + 2;
 }
 
-/// The index of the first match behind a place. Lines and columns are counted on the way, but not those of the match.
-/// @param forNewline  whether a line break is what is looked for; a match is not asked for it
-/// @param matches     told a byte and the one behind it
+/// The index of the first match from a place on. Lines and columns are counted up to the match.
+/// @param forNewline  whether to stop at a line break, which is never given to matches
+/// @param matches     decides on a byte and the one behind it
 template <class Matches>
 std::uint64_t Tokenizer::search(std::uint64_t from, bool forNewline, FileLocation& location, Matches matches) const
 {

@@ -1,6 +1,11 @@
 #pragma once
+#include <krender/Export.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
 #include <krender/shading/MemMappedFile.h>
 #include <krender/shading/Token.h>
+
+#include <cstdint>
 
 namespace krShadingDag
 {
@@ -9,15 +14,16 @@ namespace krShadingDag
 /// below 2 GiB.
 ///
 /// Where the source ends inside a token, or in white space, nextToken throws an Exception of type kSourceEnded with an
-/// empty message, and the tokenizer stands where that token began.
+/// empty message. The tokenizer then stands where that token began, or at the end.
 class KRENDER_EXPORT Tokenizer : public MemMappedFile
 {
 public:
     /// Fills *token with the next token, comments included, and moves past it. At the end of the bytes the token is
-    /// EndOfStream, each time again.
+    /// EndOfStream, each time again. A token that cannot be read leaves *token reset: Unknown, without a text.
     void nextToken(Token* token);
 
-    /// The bytes from one index to another, both included; empty when `to` is less than `from`.
+    /// The bytes from one index to another, both included, as far as the source has them; empty when `to` is less than
+    /// `from`. Both are taken as signed 32-bit numbers.
     [[nodiscard]] krString::CString stringify(unsigned long from, unsigned long to) const;
     /// The source from the start of `first` through the first character of `last`.
     [[nodiscard]] krString::CString stringify(const Token& first, const Token& last) const;
@@ -29,7 +35,7 @@ public:
 private:
     friend class ShadingParser;
 
-    /// A token that is not made into a record yet: where it stands, and where its text does.
+    /// A token before it is made into a record: where it and its text stand.
     struct Lexeme
     {
         TokenType type = TokenType::Unknown;
@@ -42,9 +48,10 @@ private:
 
     void scan(Lexeme& lexeme);
     void skipBlanks(Lexeme& lexeme);
+    static void resetToken(Token& token);
     void fillToken(Token& token, const Lexeme& lexeme) const;
 
-    // The steps of scan(), one a form. Each sets the lexeme's kind and text and moves past it.
+    // The steps of scan(), one for each form of token. Each sets the lexeme's kind and text and moves past it.
     void processAlphanumeric(Lexeme& lexeme);
     void processNumeric(Lexeme& lexeme);
     void processQuotedString(Lexeme& lexeme);

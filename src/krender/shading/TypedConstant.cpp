@@ -1,11 +1,16 @@
 #include <krender/shading/TypedConstant.h>
 
 #include <krender/core/Exception.h>
+#include <krender/platform/Linear.h>
+#include <krender/platform/String.h>
+#include <krender/shading/DataType.h>
 
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace krShadingDag
 {
@@ -233,7 +238,7 @@ TypedConstant TypedConstant::divide(const TypedConstant& other, bool& ok) const
 {
     if (fType == other.fType || other.fType != kFloat)
         return foldComponents(other, std::divides<float>(), ok);
-    // The divisor is divided by itself; what is divided plays no part.
+    // Deliberate: the divisor is divided by itself, and the dividend plays no part.
     ok = other.fValue.floats[0] != 0.0f;
     return ok ? TypedConstant(1.0f) : TypedConstant();
 }

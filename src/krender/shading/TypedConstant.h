@@ -1,13 +1,16 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/platform/Linear.h>
 #include <krender/platform/String.h>
 #include <krender/shading/DataType.h>
 
+#include <cstdint>
+
 namespace krShadingDag
 {
 
-/// A value of one data type, as literals and constant folding produce it. Matrices and texts stand on the heap and are
-/// owned by the constant.
+/// A value of one data type: a literal, or what constants fold to. Matrices and texts stand on the heap and belong to the
+/// constant.
 class KRENDER_EXPORT TypedConstant
 {
 public:
@@ -19,8 +22,8 @@ public:
     TypedConstant(float x, float y, float z, float w) noexcept;
     /// A matrix4.
     explicit TypedConstant(const krLinear::ProjMatrix& matrix);
-    /// A string. This constructor alone does not count an instance, so the counter drifts down by one for every string
-    /// constant made this way; leak accounts of hosts allow for that.
+    /// A string. Deliberate: this constructor alone does not count an instance, so the counter ends one lower for every
+    /// string constant made this way.
     explicit TypedConstant(const krString::CString& text);
     TypedConstant(const TypedConstant& other);
     /// Copies type and value. What this constant held is not released: assign only into one without a heap value, or
@@ -29,15 +32,15 @@ public:
     ~TypedConstant();
 
     [[nodiscard]] DataType type() const noexcept { return fType; }
-    /// The value of a bool.
+    /// The value of a bool; not checked.
     [[nodiscard]] bool getBool() const noexcept { return fValue.words[0] != 0; }
     /// Component i of an int type; not checked.
     [[nodiscard]] std::uint32_t getInt(unsigned i) const noexcept { return fValue.words[i]; }
     /// Component i of a float type; not checked.
     [[nodiscard]] float getFloat(unsigned i) const noexcept { return fValue.floats[i]; }
-    /// The matrix of a matrix3 or matrix4, owned by the constant.
+    /// The matrix of a matrix3 or matrix4, owned by the constant; meaningless for every other type.
     [[nodiscard]] const krLinear::ProjMatrix* matrix() const noexcept { return fValue.matrix; }
-    /// The text of a string, owned by the constant.
+    /// The text of a string, owned by the constant; meaningless for every other type.
     [[nodiscard]] const krString::CString* stringValue() const noexcept { return fValue.text; }
     /// The value in the language's syntax: floats with six decimals, ints as unsigned numbers, a string as it is; empty
     /// for every other type.
@@ -50,11 +53,13 @@ public:
     void set(const krString::CString& text);
     void set(const krLinear::ProjMatrix& matrix);
 
-    // The three assignments release nothing: they are for constants without a heap value.
+    // The setters above release what was held. The three assignments release nothing: they are for constants without a
+    // heap value.
     void assignBool(bool value) noexcept;
-    /// @param count  1 to 4 components; anything else throws an Exception of type 0 with an empty message
+    /// Makes a float to float4 of the first components; the others are not written.
+    /// @param count  1 to 4; anything else throws an Exception of type kVerificationFailed with an empty message
     void assignFloats(int count, float a, float b, float c, float d);
-    /// @param count  as above
+    /// The same for int to int4.
     void assignInts(int count, int a, int b, int c, int d);
 
     /// Writes component i; does nothing unless the type is a float vector that has it.
@@ -62,16 +67,16 @@ public:
     /// Frees what stands on the heap; the constant then has no value.
     void release() noexcept;
 
-    // Constant folding. Only float to float4 fold; for everything else ok is false and the result has no value.
+    // Constant folding of float to float4. Where nothing folds, ok is false and the result has no value.
     [[nodiscard]] TypedConstant plus(const TypedConstant& other, bool& ok) const;
     [[nodiscard]] TypedConstant minus(const TypedConstant& other, bool& ok) const;
     /// Component by component, or all components by a scalar on either side.
     [[nodiscard]] TypedConstant multiply(const TypedConstant& other, bool& ok) const;
-    /// Component by component. A vector divided by a scalar other than 0 gives the scalar 1.0, whatever the vector:
-    /// folded programs have always carried that value, so it stays.
+    /// Component by component where the types are equal. Deliberate: a constant of any other type divided by a scalar
+    /// float gives the scalar 1.0, whatever its value; divided by 0 it gives none.
     [[nodiscard]] TypedConstant divide(const TypedConstant& other, bool& ok) const;
 
-    /// Live constants, for leak accounting.
+    /// How many constants live, but for the strings that were not counted; for leak accounting.
     static std::int32_t fsNumInstances_TypedConstant;
 
 private:

@@ -2,8 +2,14 @@
 
 #include "krender/shading/private/DataTypeTable.h"
 
+#include <krender/shading/DataType.h>
+#include <krender/shading/Token.h>
+
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
 
 namespace krShadingDag
 {

@@ -1,9 +1,14 @@
 #include <krender/spatial/AABoundingBox.h>
 
+#include <krender/platform/Linear.h>
 #include <krender/spatial/BoundingSphere.h>
+#include <krender/spatial/IBoundingPlanes.h>
+#include <krender/spatial/IBounds.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <ranges>
 
 using krLinear::PointFlt;
 
@@ -12,20 +17,12 @@ namespace
 
 constexpr float squared(float value) { return value * value; }
 
-/// The squared distance from a coordinate to the nearest one between min and max.
-constexpr float squaredDistance(float value, float min, float max)
-{
-    if (value < min)
-        return squared(value - min);
-    return value > max ? squared(value - max) : 0.0f;
-}
-
 using Lanes = float __attribute__((vector_size(4 * sizeof(float))));
 
 constexpr float PointFlt::*kAxes[] = {&PointFlt::x, &PointFlt::y, &PointFlt::z};
 static_assert(sizeof(PointFlt) == 3 * sizeof(float));
 
-/// Gives a bound of 0 the sign that growing point by point leaves: of 0 and -0 the first one met stays.
+/// Gives a bound of 0 the sign that point by point growth leaves: that of the first 0 or -0 met.
 void settleZero(float& bound, float oldBound, const std::vector<PointFlt>& points, float PointFlt::*axis)
 {
     if (bound != 0.0f)
@@ -41,35 +38,50 @@ constexpr bool between(float min, float value, float max) { return min <= value 
 constexpr void lower(float& min, float value) { min = min > value ? value : min; }
 constexpr void raise(float& max, float value) { max = value > max ? value : max; }
 
-} // namespace
-
-AABoundingBox::AABoundingBox(const GeometryDataIndex& /*indices*/) noexcept : AABoundingBox(PointFlt(), PointFlt()) {}
-
-void AABoundingBox::setInvalid() { *this = AABoundingBox(); }
-
-void AABoundingBox::transform(krLinear::AffineMatrix& matrix)
+/// Replaces the corners of a box by those of the box around the mapped box.
+void mapBounds(PointFlt& min, PointFlt& max, const krLinear::AffineMatrix& matrix)
 {
-    if (!isValid())
-        return;
-    const double min[] = {fMin.x, fMin.y, fMin.z};
-    const double max[] = {fMax.x, fMax.y, fMax.z};
+    const double oldMin[] = {min.x, min.y, min.z};
+    const double oldMax[] = {max.x, max.y, max.z};
     double low[] = {matrix(3, 0), matrix(3, 1), matrix(3, 2)};
     double high[] = {low[0], low[1], low[2]};
     for (unsigned i = 0; i < 3; ++i)
         for (unsigned j = 0; j < 3; ++j)
         {
-            const double a = matrix(i, j) * min[i];
-            const double b = matrix(i, j) * max[i];
+            const double a = matrix(i, j) * oldMin[i];
+            const double b = matrix(i, j) * oldMax[i];
             low[j] += std::min(a, b);
             high[j] += std::max(a, b);
         }
-    fMin = PointFlt(low[0], low[1], low[2]);
-    fMax = PointFlt(high[0], high[1], high[2]);
+    min = PointFlt(low[0], low[1], low[2]);
+    max = PointFlt(high[0], high[1], high[2]);
+}
+
+} // namespace
+
+AABoundingBox::AABoundingBox(const GeometryDataIndex& /*indices*/) noexcept : AABoundingBox(PointFlt(), PointFlt()) {}
+
+bool AABoundingBox::isValid() const { return !(fMin.x > fMax.x || fMin.y > fMax.y || fMin.z > fMax.z); }
+
+void AABoundingBox::setInvalid() { *this = AABoundingBox(); }
+
+void AABoundingBox::transform(krLinear::AffineMatrix& matrix)
+{
+    if (isValid())
+        mapBounds(fMin, fMax, matrix);
+}
+
+AABoundingBox AABoundingBox::transformed(const krLinear::AffineMatrix& matrix) const
+{
+    AABoundingBox result(fMin, fMax);
+    if (isValid())
+        mapBounds(result.fMin, result.fMax, matrix);
+    return result;
 }
 
 void AABoundingBox::addPoint(const PointFlt& point)
 {
-    // One point may move both bounds: the first one of an empty box does.
+    // A point may move both bounds: the first point of an invalid box does.
     for (float PointFlt::*const axis : kAxes)
     {
         lower(fMin.*axis, point.*axis);
@@ -79,7 +91,7 @@ void AABoundingBox::addPoint(const PointFlt& point)
 
 void AABoundingBox::addPoints(const std::vector<PointFlt>& points)
 {
-    // Each lane grows the bounds of its own axis: the numbers of four points fill the vectors xyzx yzxy zxyz.
+    // Each lane grows the bounds of one axis: four points fill three vectors, xyzx yzxy zxyz.
     constexpr unsigned kVectors = 6;
     constexpr unsigned kNumbers = 4 * kVectors;
     Lanes low[kVectors];
@@ -169,8 +181,7 @@ bool AABoundingBox::classify(IntersectType type, const PointFlt& point) const no
             return between(fMin.y, point.y, fMax.y) && between(fMin.z, point.z, fMax.z);
         if (point.y == fMin.y || point.y == fMax.y)
             return between(fMin.x, point.x, fMax.x) && between(fMin.z, point.z, fMax.z);
-        // On the z faces each coordinate is held against the next axis's maximum; picking that was tuned on this
-        // answer depends on it.
+        // Deliberate: on the z faces the upper bounds are those of the next axis.
         if (point.z == fMin.z || point.z == fMax.z)
             return between(fMin.x, point.x, fMax.y) && between(fMin.y, point.y, fMax.z);
         return false;
@@ -207,9 +218,16 @@ bool AABoundingBox::classify(IntersectType type, const BoundingSphere& sphere) c
     if (type != Intersect)
         return false;
     const PointFlt center = sphere.center();
-    return squaredDistance(center.x, fMin.x, fMax.x) + squaredDistance(center.y, fMin.y, fMax.y) +
-               squaredDistance(center.z, fMin.z, fMax.z) <=
-           squared(sphere.radius());
+    float distance = 0.0f; // squared
+    for (float PointFlt::*const axis : kAxes)
+    {
+        // In an inverted box the center may lie below min and above max at once; both count.
+        if (center.*axis < fMin.*axis)
+            distance += squared(center.*axis - fMin.*axis);
+        if (center.*axis > fMax.*axis)
+            distance += squared(center.*axis - fMax.*axis);
+    }
+    return distance <= squared(sphere.radius());
 }
 
 bool AABoundingBox::classify(IntersectType /*type*/, const Frustum& /*frustum*/) const noexcept { return false; }

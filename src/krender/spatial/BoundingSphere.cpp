@@ -1,6 +1,9 @@
 #include <krender/spatial/BoundingSphere.h>
 
+#include <krender/platform/Linear.h>
 #include <krender/spatial/AABoundingBox.h>
+#include <krender/spatial/IBoundingPlanes.h>
+#include <krender/spatial/IBounds.h>
 
 #include <algorithm>
 #include <cmath>
@@ -27,16 +30,19 @@ BoundingSphere::BoundingSphere(const IBoundingPlanes& planes) : BoundingSphere()
 
 BoundingSphere::BoundingSphere(const GeometryDataIndex& /*indices*/) noexcept : BoundingSphere() {}
 
+bool BoundingSphere::isValid() const { return fRadius > 0.0f; }
+
 void BoundingSphere::setInvalid() { fRadius = -1.0f; }
 
-void BoundingSphere::transform(krLinear::AffineMatrix& matrix)
+void BoundingSphere::transform(krLinear::AffineMatrix& matrix) { *this = transformed(matrix); }
+
+BoundingSphere BoundingSphere::transformed(const krLinear::AffineMatrix& matrix) const
 {
     const Point center = matrix.preMult(Point(fCenter));
-    fCenter = PointFlt(center.x, center.y, center.z);
-
     const auto squaredLength = [&matrix](unsigned row)
     { return matrix(row, 0) * matrix(row, 0) + matrix(row, 1) * matrix(row, 1) + matrix(row, 2) * matrix(row, 2); };
-    fRadius = static_cast<float>(fRadius * std::sqrt(std::max({squaredLength(0), squaredLength(1), squaredLength(2)})));
+    const double scale = std::sqrt(std::max({squaredLength(0), squaredLength(1), squaredLength(2)}));
+    return {PointFlt(center.x, center.y, center.z), static_cast<float>(fRadius * scale)};
 }
 
 void BoundingSphere::addPoint(const PointFlt& point)

@@ -1,11 +1,16 @@
 #pragma once
+#include <krender/Export.h>
+#include <krender/platform/Linear.h>
 #include <krender/spatial/IBoundingPlanes.h>
+#include <krender/spatial/IBounds.h>
+
+#include <vector>
 
 class AABoundingBox;
 class Frustum;
 class GeometryDataIndex;
 
-/// A bounding sphere. It is valid while its radius is above 0.
+/// A bounding sphere. It is valid if its radius is greater than 0.
 class KRENDER_EXPORT BoundingSphere : public IBoundingPlanes
 {
 public:
@@ -17,21 +22,26 @@ public:
     }
     /// Takes center() and radius() of a valid volume; an invalid one gives radius 0 at the origin.
     explicit BoundingSphere(const IBoundingPlanes& planes);
-    /// Makes a sphere that is yet to be given its place; the list is not looked at.
+    /// Makes a sphere whose center and radius the caller has yet to set (they are 0); the list is not read. Deliberate.
     explicit BoundingSphere(const GeometryDataIndex& indices) noexcept;
     BoundingSphere(const BoundingSphere&) noexcept = default;
     BoundingSphere& operator=(const BoundingSphere&) noexcept = default;
     ~BoundingSphere() override = default;
 
-    [[nodiscard]] bool isValid() const override { return fRadius > 0.0f; }
-    /// Makes the radius -1.
+    [[nodiscard]] bool isValid() const override;
+    /// Sets the radius to -1; the center stays.
     void setInvalid() override;
 
-    /// Maps the center and scales the radius by the longest of the matrix's three axes.
+    /// Maps the center and multiplies the radius by the length of the longest of rows 0, 1 and 2 of the matrix, which
+    /// is too short for some matrices that shear. An invalid sphere is mapped too.
     void transform(krLinear::AffineMatrix& matrix) override;
-    /// Grows towards a point outside: the center moves by the point's distance from the surface, the radius grows by
-    /// half of it. The grown sphere holds the point, but need not hold all of the old sphere.
+    /// The sphere that transform() would make of this one.
+    [[nodiscard]] BoundingSphere transformed(const krLinear::AffineMatrix& matrix) const;
+    /// Grows towards a point outside: the center moves towards it by its distance from the surface, and the radius
+    /// grows by half that distance. Deliberate: the result need contain neither all of the old sphere nor, if the
+    /// radius was negative, the point.
     void addPoint(const krLinear::PointFlt& point) override;
+    /// Calls addPoint for each point in order.
     void addPoints(const std::vector<krLinear::PointFlt>& points) override;
 
     [[nodiscard]] krLinear::PointFlt center() const override { return fCenter; }
@@ -40,23 +50,24 @@ public:
     [[nodiscard]] krLinear::PointFlt max() const override;
 
     void set(const krLinear::PointFlt& center, float radius) noexcept;
-    /// Changes nothing: a sphere does not read index lists.
+    /// Changes nothing; the list is not read. Deliberate.
     void set(const GeometryDataIndex& indices) noexcept;
     void setCenter(const krLinear::PointFlt& center) noexcept { fCenter = center; }
     void setRadius(float radius) noexcept { fRadius = radius; }
 
-    /// The sphere at the mean of both centers whose radius is the sum of both radii.
+    /// The sphere at the mean of both centers whose radius is the sum of both radii. Deliberate: it is not the smallest
+    /// and need not contain both.
     [[nodiscard]] BoundingSphere operator+(const IBoundingPlanes& other) const;
     BoundingSphere& operator+=(const IBoundingPlanes& other);
 
-    /// Whether the point lies outside, inside, or on the surface (`Intersect`: the squared distances from the center
-    /// differ by at most 1e-5).
+    /// Whether the point lies outside, inside (surface excluded), or on the surface (`Intersect`: its squared distance
+    /// from the center and the squared radius differ by at most 1e-5).
     [[nodiscard]] bool classify(IntersectType type, const krLinear::PointFlt& point) const noexcept;
-    /// What the box answers about this sphere.
+    /// The answer of the box's classify for this sphere.
     [[nodiscard]] bool classify(IntersectType type, const AABoundingBox& box) const;
-    /// Whether `sphere` lies wholly inside this sphere, meets it (touching counts), or neither.
+    /// Whether `sphere` lies inside this sphere, meets it (touching counts), or neither.
     [[nodiscard]] bool classify(IntersectType type, const BoundingSphere& sphere) const;
-    /// Always false: ask the frustum.
+    /// Always false; Frustum::classify tests a sphere against a frustum.
     [[nodiscard]] bool classify(IntersectType type, const Frustum& frustum) const noexcept;
 
 private:

@@ -1,27 +1,47 @@
-#include <krender/spatial/Frustum.h>
+#include "krender/spatial/private/FrustumArrays.h"
+
+#include <krender/platform/Linear.h>
 
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
+
 #if defined(__x86_64__)
 #include <immintrin.h>
+
+#include <array>
+#include <cstring>
 #endif
+
+namespace krSpatial
+{
 
 namespace
 {
 
 using krLinear::PointFlt;
 
+// The volumes of an array are of no derived class, so these calls need no virtual dispatch.
 PointFlt centerOf(const BoundingSphere& sphere) { return sphere.BoundingSphere::center(); }
 float radiusOf(const BoundingSphere& sphere) { return sphere.BoundingSphere::radius(); }
 PointFlt minOf(const AABoundingBox& box) { return box.AABoundingBox::min(); }
 PointFlt maxOf(const AABoundingBox& box) { return box.AABoundingBox::max(); }
 
+std::uint8_t testOne(const Frustum& frustum, const BoundingSphere& sphere)
+{
+    const PointFlt center = centerOf(sphere);
+    return frustum.sphereInFrustum(center.x, center.y, center.z, radiusOf(sphere));
+}
+
+std::uint8_t testOne(const Frustum& frustum, const AABoundingBox& box)
+{
+    const PointFlt min = minOf(box);
+    const PointFlt max = maxOf(box);
+    return frustum.boxInFrustum(min.x, min.y, min.z, max.x, max.y, max.z);
+}
+
 #if defined(__x86_64__)
 
-// Four volumes stand side by side, one in each lane of a vector.
-#define KRENDER_AVX2 __attribute__((target("avx2")))
-
-/// A plane with the place of the corner that lies farthest along its normal: which of a box's six numbers to take.
+/// A plane, and the corner of a box that lies farthest along its normal, as indices into (min, max) of the box.
 struct FarPlane
 {
     double a, b, c, d;
@@ -38,21 +58,22 @@ inline void prefetch(const Volume* volumes)
 }
 
 /// Writes 1 for each lane whose mask is 0, and 0 for the others.
-KRENDER_AVX2 inline void answer(std::uint8_t* visible, __m256i behind)
+[[gnu::target("avx2")]] inline void answer(std::uint8_t* visible, __m256i behind)
 {
     const auto mask = static_cast<std::uint32_t>(_mm256_movemask_pd(_mm256_castsi256_pd(behind)));
     const std::uint32_t bytes = ~(mask * 0x00204081u) & 0x01010101u; // bit i goes to byte i
     std::memcpy(visible, &bytes, sizeof bytes);
 }
 
-KRENDER_AVX2 inline __m128 row(const BoundingSphere& sphere)
+[[gnu::target("avx2")]] inline __m128 row(const BoundingSphere& sphere)
 {
     const PointFlt center = centerOf(sphere);
     return __m128{center.x, center.y, center.z, radiusOf(sphere)};
 }
 
-KRENDER_AVX2 void fourSpheres(const std::array<Frustum::Plane, 6>& planes, const BoundingSphere* s,
-                              std::uint8_t* visible)
+/// Tests four spheres, one in each lane.
+[[gnu::target("avx2")]] void fourSpheres(const std::array<Frustum::Plane, 6>& planes, const BoundingSphere* s,
+                                         std::uint8_t* visible)
 {
     prefetch(s);
     __m128 rows[4] = {row(s[0]), row(s[1]), row(s[2]), row(s[3])};
@@ -67,8 +88,10 @@ KRENDER_AVX2 void fourSpheres(const std::array<Frustum::Plane, 6>& planes, const
     answer(visible, behind);
 }
 
-/// Answers for boxes whose corners are in order and give numbers; false if one of them is not so.
-KRENDER_AVX2 bool fourBoxes(const std::array<FarPlane, 6>& planes, const AABoundingBox* b, std::uint8_t* visible)
+/// Tests four boxes, one in each lane.
+/// @return  false when the answers do not count, because the corners of some box are out of order or give a NaN
+[[gnu::target("avx2")]] bool fourBoxes(const std::array<FarPlane, 6>& planes, const AABoundingBox* b,
+                                       std::uint8_t* visible)
 {
     prefetch(b);
     __m128 low[4];  // min.x, min.y, min.z, max.x of each box
@@ -104,47 +127,68 @@ FarPlane farPlane(const Frustum::Plane& p)
     return {p.a, p.b, p.c, p.d, p.a < 0.0 ? 0u : 3u, p.b < 0.0 ? 1u : 4u, p.c < 0.0 ? 2u : 5u};
 }
 
+/// Tests the leading volumes, four at a time.
+/// @return  how many were tested
+std::size_t testInFours(const Frustum& frustum, std::span<const BoundingSphere> spheres, std::uint8_t* visible)
+{
+    const std::array<Frustum::Plane, 6> planes = frustum.planes();
+    std::size_t i = 0;
+    for (; spheres.size() - i >= 4; i += 4)
+        fourSpheres(planes, &spheres[i], &visible[i]);
+    return i;
+}
+
+std::size_t testInFours(const Frustum& frustum, std::span<const AABoundingBox> boxes, std::uint8_t* visible)
+{
+    std::array<FarPlane, 6> planes;
+    std::ranges::transform(frustum.planes(), planes.begin(), farPlane);
+    std::size_t i = 0;
+    for (; boxes.size() - i >= 4; i += 4)
+        if (!fourBoxes(planes, &boxes[i], &visible[i])) [[unlikely]]
+            for (std::size_t k = i; k < i + 4; ++k)
+                visible[k] = testOne(frustum, boxes[k]);
+    return i;
+}
+
+#else
+
+template <class Volume>
+std::size_t testInFours(const Frustum& /*frustum*/, std::span<const Volume> /*volumes*/, std::uint8_t* /*visible*/)
+{
+    return 0;
+}
+
 #endif
+
+template <class Volume>
+void testAll(const Frustum& frustum, std::span<const Volume> volumes, std::span<std::uint8_t> visible, bool wide)
+{
+    const std::size_t count = std::min(volumes.size(), visible.size());
+    for (std::size_t i = wide ? testInFours(frustum, volumes.first(count), visible.data()) : 0; i < count; ++i)
+        visible[i] = testOne(frustum, volumes[i]);
+}
 
 } // namespace
 
-void Frustum::classifySpheres(std::span<const BoundingSphere> spheres, std::span<std::uint8_t> visible) const noexcept
+bool hasWideRegisters() noexcept
 {
-    const std::size_t count = std::min(spheres.size(), visible.size());
-    std::size_t i = 0;
 #if defined(__x86_64__)
-    if (__builtin_cpu_supports("avx2"))
-        for (const std::array<Plane, 6> all = planes(); count - i >= 4; i += 4)
-            fourSpheres(all, &spheres[i], &visible[i]);
+    return __builtin_cpu_supports("avx2") != 0;
+#else
+    return false;
 #endif
-    for (; i < count; ++i)
-    {
-        const PointFlt center = centerOf(spheres[i]);
-        visible[i] = sphereInFrustum(center.x, center.y, center.z, radiusOf(spheres[i]));
-    }
 }
 
-void Frustum::classifyBoxes(std::span<const AABoundingBox> boxes, std::span<std::uint8_t> visible) const noexcept
+void classifySpheres(const Frustum& frustum, std::span<const BoundingSphere> spheres, std::span<std::uint8_t> visible,
+                     bool wide) noexcept
 {
-    const std::size_t count = std::min(boxes.size(), visible.size());
-    const auto classifyOne = [&](std::size_t i)
-    {
-        const PointFlt min = minOf(boxes[i]);
-        const PointFlt max = maxOf(boxes[i]);
-        visible[i] = boxInFrustum(min.x, min.y, min.z, max.x, max.y, max.z);
-    };
-    std::size_t i = 0;
-#if defined(__x86_64__)
-    if (__builtin_cpu_supports("avx2"))
-    {
-        std::array<FarPlane, 6> farPlanes;
-        std::ranges::transform(planes(), farPlanes.begin(), farPlane);
-        for (; count - i >= 4; i += 4)
-            if (!fourBoxes(farPlanes, &boxes[i], &visible[i])) [[unlikely]]
-                for (std::size_t k = i; k < i + 4; ++k)
-                    classifyOne(k);
-    }
-#endif
-    for (; i < count; ++i)
-        classifyOne(i);
+    testAll(frustum, spheres, visible, wide);
 }
+
+void classifyBoxes(const Frustum& frustum, std::span<const AABoundingBox> boxes, std::span<std::uint8_t> visible,
+                   bool wide) noexcept
+{
+    testAll(frustum, boxes, visible, wide);
+}
+
+} // namespace krSpatial

@@ -1,7 +1,8 @@
 #pragma once
+#include <krender/Export.h>
 #include <krender/spatial/IBoundingVolume.h>
 
-/// A volume that can stand in for its axis-aligned bounding planes, min() and max().
+/// A bounding volume whose min() and max() are its axis-aligned bounding planes.
 class KRENDER_EXPORT IBoundingPlanes : public IBoundingVolume
 {
 protected:

@@ -3,11 +3,11 @@
 
 #include <cstdint>
 
-/// Anything that bounds a part of space: the volumes around geometry, and the view frustum.
+/// Anything that bounds a part of space: the bounding volumes of geometry, and the view frustum.
 class KRENDER_EXPORT IBounds
 {
 public:
-    /// How one volume stands to another; `classify` asks about one of them at a time.
+    /// The relation that `classify` asks about.
     enum IntersectType : std::int32_t
     {
         Outside = 0,
@@ -15,7 +15,7 @@ public:
         Intersect = 2
     };
 
-    /// The concrete class behind an interface; a frustum chooses its test by it.
+    /// The concrete class of an object, by which Frustum::classify picks its test.
     enum BoundsType : std::int32_t
     {
         kUnknownBounds = -1,
@@ -24,15 +24,15 @@ public:
         kFrustumBounds = 6
     };
 
-    /// Whether there is a volume at all; what counts as one is up to the class.
+    /// Whether the object bounds anything; each class says what that takes.
     [[nodiscard]] virtual bool isValid() const = 0;
-    /// Goes back to the empty state.
+    /// Returns to the invalid state.
     virtual void setInvalid() = 0;
     virtual ~IBounds() = default;
 
     [[nodiscard]] std::int32_t boundsType() const noexcept { return fBoundsType; }
 
-    /// A tolerance that hosts and drawing code share, negative until a host sets one; the library's own tests are exact.
+    /// A tolerance for hosts and drawing code, -1 until a host sets it. No operation of this library reads it.
     static float fsTolerance;
 
 protected:

@@ -1,9 +1,17 @@
 #include <krender/spatial/IHWCamera.h>
 
+#include <krender/platform/Linear.h>
+#include <krender/spatial/Frustum.h>
+#include <krender/spatial/IBoundingVolume.h>
+#include <krender/spatial/IBounds.h>
+
 #include <cmath>
 #include <numbers>
 
 using krLinear::ProjMatrix;
+
+// Assignment copies the frustum's planes; the frustum's own copy constructor does not.
+IHWCamera::IHWCamera(const IHWCamera& other) : IHWCamera() { *this = other; }
 
 IHWCamera::~IHWCamera() = default;
 

@@ -1,5 +1,7 @@
-#include <krender/window/MessageHandler.h>
 #include <krender/window/SimpleWindow.h>
+
+#include <krender/window/MessageHandler.h>
+#include <krender/window/WindowWrapper.h>
 
 #include <X11/Intrinsic.h>
 #include <X11/Shell.h>
@@ -9,7 +11,7 @@
 
 constinit std::int32_t gWindowCount = 1;
 
-// The early priority lets any other file's initialiser use the map.
+// The early priority lets the initialisers of other files use the map.
 [[gnu::init_priority(200)]] std::map<unsigned long, SimpleWindow*> SimpleWindow::fWindowsMap;
 constinit _XtAppStruct* SimpleWindow::fsApplicationContext = nullptr;
 constinit _WidgetRec* SimpleWindow::fsApplicationShell = nullptr;
@@ -32,7 +34,7 @@ struct Size
     friend bool operator==(const Size&, const Size&) = default;
 };
 
-/// A window's size as the server has it; empty when it knows no such window.
+/// A window's size as the server knows it; empty when there is no such window.
 std::optional<Size> sizeOf(Display* display, Window window)
 {
     Window root = 0;
@@ -52,7 +54,7 @@ enum class ReportSize
     EveryTime
 };
 
-/// Brings the framebuffer window to the size of the event's window and has the handler draw.
+/// Gives the framebuffer window the size of the event's window and has the handler draw.
 void updateFramebuffer(const XAnyEvent& event, ReportSize report)
 {
     SimpleWindow* window = SimpleWindow::getWindow(event.window);
@@ -77,8 +79,8 @@ void updateFramebuffer(const XAnyEvent& event, ReportSize report)
     handler->display();
 }
 
-/// Empties the queue into `event`, but for Expose events: those are only looked at, since viewers count on every Expose
-/// still being there for their own loops.
+/// Moves the queued events into `event`, each over the one before, until the queue is empty.
+/// Deliberate: an Expose at the head is looked at and never taken off, so it keeps the loop running.
 void discardQueued(XEvent& event)
 {
     Display* display = event.xany.display;
@@ -97,7 +99,7 @@ SimpleWindow::SimpleWindow() : fWindowNumber(gWindowCount++) {}
 
 SimpleWindow::~SimpleWindow()
 {
-    // The map keeps its entry: hosts look windows up by id, during teardown too, and an id once known stays known.
+    // Deliberate: fWindowsMap keeps the entry, so getWindow() goes on answering the id of a window that has ended.
     if (!fWrapper.widget)
         return;
     XtUnrealizeWidget(fWrapper.widget);
@@ -124,8 +126,7 @@ _WidgetRec* SimpleWindow::ownApplicationShell()
     return fsApplicationShell;
 }
 
-int SimpleWindow::create(const char* name, unsigned width, unsigned height, MessageHandler* handler,
-                         void* applicationShell)
+int SimpleWindow::create(char* name, unsigned width, unsigned height, MessageHandler* handler, void* applicationShell)
 {
     Widget shell = applicationShell ? static_cast<Widget>(applicationShell) : ownApplicationShell();
     if (!shell)
@@ -166,7 +167,7 @@ WindowWrapper* SimpleWindow::windowWrapper() { return &fWrapper; }
 
 SimpleWindow* SimpleWindow::getWindow(unsigned long id)
 {
-    // An unknown id becomes a null entry; hosts tell from the map which windows they have been asked about.
+    // Deliberate: asking for an unknown id adds a null entry to the map.
     return fWindowsMap[id];
 }
 
@@ -182,7 +183,7 @@ int SimpleWindow::processEvent(_XEvent* event)
         return kDone;
     switch (event->type)
     {
-    // Input belongs to the host's own loop; dispatched here as well, it would arrive twice.
+    // Deliberate: input is left to the host's own loop, and the toolkit never sees it.
     case KeyPress:
     case KeyRelease:
     case ButtonPress:
@@ -220,8 +221,8 @@ int SimpleWindow::processMessage()
     if (event.type == DestroyNotify)
         return kDestroyed;
     processEvent(&event);
-    // Handling comes before fetching, so the first event is handled again and the last one never is. Viewers are tuned
-    // to it: a burst of ConfigureNotify draws at once and does not draw again for its end.
+    // Deliberate: handling comes before fetching, so the first event is handled again and the last one fetched is not
+    // handled at all.
     while (XPending(display) != 0)
     {
         processEvent(&event);

@@ -1,6 +1,9 @@
 #pragma once
 #include <krender/window/ISimpleWindow.h>
 
+#include <krender/Export.h>
+#include <krender/window/WindowWrapper.h>
+
 #include <cstdint>
 #include <map>
 
@@ -15,7 +18,10 @@ extern KRENDER_EXPORT std::int32_t gWindowCount;
 /// A top-level window made with the X Toolkit: a pop-up shell that passes a few events on to a MessageHandler.
 ///
 /// The picture is drawn into a child window that the host makes and names with windowWrapper()->setFBWindow(). The window
-/// keeps the child as large as itself. While there is no child, the handler hears nothing.
+/// keeps the child as large as itself. Without a child the handler is not called.
+///
+/// Keyboard. The shell does not ask window managers for the keyboard focus. A host that reads keys sets the input hint
+/// itself (XSetWMHints with InputHint and True) and selects KeyPressMask on the shell.
 ///
 /// Displays. A window with the host's application shell lives on that shell's display. Otherwise the first create() opens
 /// an application of the library's own, once a process, on the display that the environment variable DISPLAY names.
@@ -30,69 +36,68 @@ public:
     /// Takes the next window number; create() makes the window itself.
     SimpleWindow();
 
-    /// Makes the window at the place (0, 0) of its screen. To be called once.
+    /// Makes the window at the place (0, 0) of its screen; to be called once.
     /// @return  0 when done; 2 when there is no application shell or no pop-up shell
-    int create(const char* name, unsigned width, unsigned height, MessageHandler* handler,
-               void* applicationShell) override;
+    int create(char* name, unsigned width, unsigned height, MessageHandler* handler, void* applicationShell) override;
+    using ISimpleWindow::create;
     void show() override;
     void hide() override;
     void setFocus() override;
 
     /// Handles what is waiting on the display connection, whichever window it is for.
     ///
-    /// Of the events that are waiting, the first is handled twice when others follow it, and the last one fetched is
-    /// not handled at all; a host that must see every event fetches them itself and gives them to processEvent(). The
-    /// call blocks when handling an event leaves nothing of what was counted as waiting (see processEvent() on
-    /// Expose).
+    /// When several events are waiting, the first is handled twice and the last one not at all; a host that must see
+    /// every event fetches them itself and gives them to processEvent(). The call blocks when handling an event empties
+    /// the queue (see processEvent() on Expose).
     /// @return  0 when nothing was waiting, 2 when the first event was a DestroyNotify, which is not handled; else 1
     int processMessage() override;
     [[nodiscard]] WindowWrapper* windowWrapper() override;
 
     /// Destroys the widget and its X window. The entry in fWindowsMap stays: a host that goes on handling events of the
-    /// same display first erases it, since a late event for the old id would otherwise reach the destroyed object.
+    /// same display erases it first, or a late event for the old id reaches the destroyed object.
     ~SimpleWindow() override;
 
-    /// Whether the display that DISPLAY names can be opened at this moment; a connection is made and closed again.
+    /// Whether the display that DISPLAY names can be opened; a connection is made and closed again.
     [[nodiscard]] static bool displayAvailable();
 
-    /// The window made with an X window id, borrowed; null for an unknown id, which is entered into the map.
+    /// The window with an X window id, borrowed; null for an unknown id, which is entered into the map.
     [[nodiscard]] static SimpleWindow* getWindow(unsigned long id);
-    /// The handler of getWindow(id), borrowed; null when there is no window or it has no handler.
+    /// The handler of getWindow(id), borrowed; null without a window and for a window without a handler.
     [[nodiscard]] static MessageHandler* getHandler(unsigned long id);
 
-    /// Handles an event for a window of this class; one for any other window, or null, is left alone.
+    /// Handles an event for a window of this class. Null and events for other windows are ignored.
     ///
-    ///  - Keys, buttons and CirculateNotify reach nobody.
-    ///  - Expose, VisibilityNotify and MapNotify bring the framebuffer window to the window's size, with a call of the
-    ///    handler's resize() when that was another one, and then call display().
-    ///  - ConfigureNotify does the same, but calls resize() in any case.
+    ///  - Key and button events and CirculateNotify are ignored.
+    ///  - Expose, VisibilityNotify and MapNotify give the framebuffer window the window's size, call the handler's
+    ///    resize() if that was a change, and then call display().
+    ///  - ConfigureNotify does the same, but always calls resize().
     ///  - Everything else goes to XtDispatchEvent.
     ///
-    /// Before an Expose is acted on, all that is queued behind it is thrown away, and the event thrown away last takes
-    /// its place: the window that is then brought up to date is that event's. A second Expose in the queue is never
-    /// taken off, so the call does not return once one stands at the head (nothing but another thread can remove it).
-    /// The shells do not select Expose by themselves. A host that selects it fetches its events itself and answers an
-    /// Expose on its own instead of passing it on: growing a window often brings several at once.
+    /// An Expose first throws away everything that is queued behind it. The last event thrown away takes its place: its
+    /// window is the one that is brought up to date. A second Expose in the queue is never taken off, so the call does
+    /// not return once one stands at the head (only another thread can remove it). The shells do not select Expose
+    /// themselves. A host that selects it fetches its events itself and answers an Expose on its own instead of passing
+    /// it on: growing a window often brings several at once.
     /// @param event  borrowed; overwritten when an Expose is followed by other events
     /// @return  0
     static int processEvent(_XEvent* event);
 
-    /// A toolkit callback that does nothing, for hosts that must register one.
-    static void WndProc(_WidgetRec* widget, char* clientData, char* callData);
+    /// Does nothing; for hosts that must register a toolkit callback.
+    static void WndProc(_WidgetRec* widget, char* clientData, char* callData); // NOLINT(readability-identifier-naming)
 
     /// 1 for the first window of the process, and so on.
     [[nodiscard]] std::int32_t windowNumber() const noexcept { return fWindowNumber; }
 
-    /// The windows by their X window id. It also has null entries, for ids that were asked for, and entries of windows
-    /// that have ended.
-    static std::map<unsigned long, SimpleWindow*> fWindowsMap;
+    /// The windows by their X window id. It also holds null for unknown ids that were asked for, and the addresses of
+    /// windows that have ended.
+    static std::map<unsigned long, SimpleWindow*> fWindowsMap; // NOLINT(readability-identifier-naming)
 
 protected:
-    /// At a derived class's disposal; never touched here.
+    /// Free for derived classes; never read here.
     std::int32_t fSpare[2] = {};
 
 private:
-    /// The shell of the library's own application, opened at the first call.
+    /// The shell of the library's own application, which the first call opens.
     static _WidgetRec* ownApplicationShell();
 
     static _XtAppStruct* fsApplicationContext;

@@ -1,5 +1,7 @@
 #include <krender/window/TumbleWindowsHandler.h>
 
+#include <krender/platform/Linear.h>
+
 #include <algorithm>
 
 namespace
@@ -7,8 +9,8 @@ namespace
 
 constexpr int kSmallestSide = 8;
 
-/// A degree's share of a radian is rounded to two places, in float: saved views were made with this divisor and must come
-/// out the same.
+/// Deliberate: 180 / pi is rounded to two decimals and the division is done in float, so 90 degrees turn a little more
+/// than a right angle.
 float radians(float degrees) noexcept { return degrees / 57.29f; }
 
 } // namespace
@@ -39,7 +41,7 @@ const krLinear::AffineMatrix& TumbleWindowsHandler::viewMatrix()
     fViewMatrix.rotate(radians(fAngleY), krLinear::Normal(0, 1, 0));
     fViewMatrix.rotate(radians(fAngleX), krLinear::Normal(1, 0, 0));
     fViewMatrix.rotate(radians(fAngleZ), krLinear::Normal(0, 0, 1));
-    // The third column is the eye's z axis as the scene sees it, so this pushes the scene straight away from the eye.
+    // The third column is the eye's z axis in the space of the scene, so this pushes the scene straight away from the eye.
     const double back = -fDistance;
     fViewMatrix.translate(
         krLinear::Vector(back * fViewMatrix(0, 2), back * fViewMatrix(1, 2), back * fViewMatrix(2, 2)));

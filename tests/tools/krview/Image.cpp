@@ -3,6 +3,7 @@
 #include <png.h>
 
 #include <cmath>
+#include <cstddef>
 
 Image::Pixel Image::at(unsigned x, unsigned y) const
 {

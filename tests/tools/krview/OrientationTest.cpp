@@ -1,10 +1,11 @@
 #include "Image.h"
-#include "Program.h"
+#include "Krview.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <numbers>
+#include <string>
 
 namespace
 {
@@ -40,7 +41,7 @@ TEST_P(Shapes, WearATextureTheRightWayAround)
                                   std::string(GetParam().shape) + R"(", "inputs": {"colorMap": "map.png"},
         "lights": [{"key": "room", "function": "ambientLight", "inputs": {"color": [1, 1, 1]}}], )" +
                                   std::string(kFarView) + "}");
-    const Outcome outcome = place.run(KRVIEW_PROGRAM, {"scene.json", "--screenshot", "picture.png"});
+    const Outcome outcome = krview(place, "scene.json --screenshot picture.png");
     ASSERT_EQ(outcome.status, 0) << outcome.err;
     const Image image = readImage(place.path() / "picture.png");
     ASSERT_EQ(image.width, kPicture);
@@ -81,7 +82,7 @@ double brightness(const char* heights, const char* light)
                                   std::string(heights) + R"(", "normalMap": 40}},
         "lights": [{"key": "sun", "function": "directionalLight", "inputs": {"color": [1, 1, 1], "direction": )" +
                                   light + "}}], " + std::string(kFarView) + "}");
-    const Outcome outcome = place.run(KRVIEW_PROGRAM, {"scene.json", "--screenshot", "picture.png"});
+    const Outcome outcome = krview(place, "scene.json --screenshot picture.png");
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     const Image image = readImage(place.path() / "picture.png");
     return image.width == 0 ? 0 : image.at(kPicture / 2, kPicture / 2)[1];

@@ -1,21 +1,22 @@
-#include "Program.h"
+#include "Krview.h"
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <map>
 #include <sstream>
+#include <string>
 
 namespace
 {
 
-constexpr const char* kLambert = KRENDER_SHARE "/materials/lambert.krs";
+constexpr const char* kLambert = "--material " KRENDER_SHARE "/materials/lambert.krs";
+constexpr const char* kFountain = KRENDER_SHARE "/scenes/fountain.json";
 
-/// What a run says of itself.
-std::map<std::string, long> statsOf(std::vector<std::string> arguments)
+/// What a run prints about itself.
+std::map<std::string, long> statsOf(const std::string& scene, const std::string& arguments)
 {
-    const Workplace place;
-    arguments.insert(arguments.end(), {"--size", "64x64", "--stats"});
-    const Outcome outcome = place.run(KRVIEW_PROGRAM, arguments);
+    const Outcome outcome = krview(Workplace(), scene + arguments + " --size 64x64 --stats");
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     std::map<std::string, long> stats;
     std::istringstream lines(outcome.out);
@@ -25,15 +26,10 @@ std::map<std::string, long> statsOf(std::vector<std::string> arguments)
     return stats;
 }
 
-TEST(Uploads, OfAShapeThatStaysHappenOnce)
+TEST(Uploads, OfAnUnchangedShapeHappenOnce)
 {
-    const std::vector<std::string> sphere{"--material", kLambert, "--frames"};
-    auto once = sphere;
-    once.emplace_back("1");
-    auto often = sphere;
-    often.emplace_back("6");
-    auto first = statsOf(once);
-    auto last = statsOf(often);
+    auto first = statsOf(kLambert, " --frames 1");
+    auto last = statsOf(kLambert, " --frames 6");
     EXPECT_EQ(last["frames"], 6);
     EXPECT_EQ(first["uploads"], 6) << "four streams and two lists";
     EXPECT_EQ(last["uploads"], first["uploads"]);
@@ -42,29 +38,19 @@ TEST(Uploads, OfAShapeThatStaysHappenOnce)
 
 TEST(Uploads, OfParticlesAreWhatMoves)
 {
-    const std::vector<std::string> fountain{KRENDER_SHARE "/scenes/fountain.json", "--frames"};
-    auto once = fountain;
-    once.emplace_back("1");
-    auto often = fountain;
-    often.emplace_back("6");
-    auto first = statsOf(once);
-    auto last = statsOf(often);
+    auto first = statsOf(kFountain, " --frames 1");
+    auto last = statsOf(kFountain, " --frames 6");
     EXPECT_EQ(first["uploads"], 2 + 4) << "texture coordinates and the list stay";
     EXPECT_EQ(last["uploads"], 2 + 6 * 4);
-    EXPECT_EQ(last["device bytes"], first["device bytes"]) << "what has moved on stays on the device";
+    EXPECT_EQ(last["device bytes"], first["device bytes"]) << "old copies stay on the device";
 }
 
 TEST(Culling, LeavesOutWhatIsNotInView)
 {
-    const std::vector<std::string> cubes{"--material", kLambert, "--frames", "1", "--grid"};
-    auto small = cubes;
-    small.emplace_back("1");
-    EXPECT_EQ(statsOf(small)["culled"], 0);
-    auto large = cubes;
-    large.emplace_back("30");
-    auto stats = statsOf(large);
+    EXPECT_EQ(statsOf(kLambert, " --frames 1 --grid 1")["culled"], 0);
+    auto stats = statsOf(kLambert, " --frames 1 --grid 30");
     EXPECT_EQ(stats["objects"], 900);
-    EXPECT_GT(stats["culled"], 450) << "the eye is within the grid, and half of it at the least is behind";
+    EXPECT_GT(stats["culled"], 450) << "the eye is within the grid, and at least half of it is behind";
     EXPECT_LT(stats["culled"], 900);
 }
 

@@ -29,7 +29,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t kBlock = 64 * 1024;
+    static constexpr std::size_t kBlock = std::size_t{64} * 1024;
 
     std::vector<std::unique_ptr<std::byte[]>> fBlocks;
     std::size_t fUsed = kBlock;

@@ -1,8 +1,13 @@
 #pragma once
 #include "krender/frontend/private/ExprWalk.h"
 
+#include "krender/frontend/private/Constant.h"
+#include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/Type.h"
+
 #include <deque>
 #include <optional>
+#include <vector>
 
 namespace krFrontend
 {

@@ -1,8 +1,11 @@
 #pragma once
 #include "krender/frontend/private/Message.h"
 #include <krender/frontend/Diagnostic.h>
+#include <krender/frontend/SourceSet.h>
 
 #include <initializer_list>
+#include <string_view>
+#include <vector>
 
 namespace krFrontend
 {

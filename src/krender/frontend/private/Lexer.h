@@ -1,10 +1,11 @@
 #pragma once
 #include "krender/frontend/private/DiagnosticList.h"
 #include "krender/frontend/private/NameTable.h"
-#include "krender/frontend/private/Type.h"
 #include <krender/frontend/SourceSet.h>
 
+#include <cstdint>
 #include <span>
+#include <string_view>
 
 namespace krFrontend
 {

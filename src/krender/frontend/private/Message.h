@@ -1,6 +1,8 @@
 #pragma once
 #include <krender/frontend/Diagnostic.h>
 
+#include <cstdint>
+
 namespace krFrontend
 {
 

@@ -3,6 +3,7 @@
 #include <krender/shadergen/Target.h>
 
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 

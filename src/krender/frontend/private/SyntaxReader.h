@@ -1,8 +1,20 @@
 #pragma once
 #include "krender/frontend/private/Arena.h"
+#include "krender/frontend/private/Constant.h"
+#include "krender/frontend/private/DiagnosticList.h"
+#include "krender/frontend/private/Lexer.h"
+#include "krender/frontend/private/Message.h"
+#include "krender/frontend/private/NameTable.h"
 #include "krender/frontend/private/Syntax.h"
+#include "krender/frontend/private/Type.h"
+
+#include <krender/frontend/SourceSet.h>
+#include <krender/shading/ShadingAttribute.h>
 
 #include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace krFrontend
 {

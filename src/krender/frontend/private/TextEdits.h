@@ -1,6 +1,7 @@
 #pragma once
 #include <krender/frontend/SourceSet.h>
 
+#include <cstdint>
 #include <initializer_list>
 #include <string>
 #include <string_view>

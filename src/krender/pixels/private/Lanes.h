@@ -1,5 +1,5 @@
 #pragma once
-#include <cmath>
+#include <cmath> // the plain square root
 #include <cstdint>
 #include <cstring>
 
@@ -10,13 +10,13 @@
 namespace krPixels
 {
 
-/// The four components of a pixel side by side, as the compilers' vector types: arithmetic works on all at once.
+/// The four components of a pixel in one of the compilers' vector types, whose arithmetic works on all at once.
 using Float4 = float __attribute__((vector_size(16)));
 using Int4 = std::int32_t __attribute__((vector_size(16)));
 using UInt4 = std::uint32_t __attribute__((vector_size(16)));
 using Double2 = double __attribute__((vector_size(16)));
 
-/// Four doubles, in the two halves that registers hold everywhere.
+/// Four doubles in two halves, each of which fits a register of any processor.
 struct Double4
 {
     Double4& operator+=(const Double4& other) noexcept
@@ -51,7 +51,7 @@ inline void storeLanes(const Lanes& lanes, Component* components) noexcept
     std::memcpy(components, &lanes, sizeof lanes);
 }
 
-// The compilers take conversions between lanes of different width apart unless they are told the instruction.
+// Intrinsics, as the compilers make scalar code of conversions between lanes of different widths.
 #if defined(__SSE2__)
 
 [[nodiscard]] inline Float4 squareRoots(Float4 x) noexcept { return _mm_sqrt_ps(x); }

@@ -5,8 +5,8 @@
 namespace krPixels
 {
 
-/// The source cells, along one axis, that a destination cell averages, with their weights. Cells between the first and
-/// the last count in full. It is never empty: its upper end is positive and stays below the source's size.
+/// The source cells, along one axis, that a destination cell averages, and their weights; those between the first and the
+/// last have a weight of 1. A footprint is never empty: it ends above 0 and below the source's size.
 struct ResizeFootprint
 {
     [[nodiscard]] double weight(std::uint32_t cell) const noexcept
@@ -20,8 +20,8 @@ struct ResizeFootprint
     double lastWeight;
 };
 
-/// The footprints of all destination cells. That of cell i has the width of a destination cell and is centred on i and
-/// not on i + 1/2: pictures that went through here before must come out the same, half a pixel off.
+/// The footprints of all destination cells. Deliberate: that of cell i is centred on i and not on i + 1/2, so pictures move
+/// by half a destination pixel.
 [[nodiscard]] std::vector<ResizeFootprint> resizeFootprints(std::uint32_t srcSize, std::uint32_t dstSize);
 
 } // namespace krPixels

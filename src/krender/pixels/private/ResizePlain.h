@@ -3,17 +3,18 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <type_traits>
 #include <vector>
 
 namespace krPixels
 {
 
-/// Keeps averages that rounding left a little under a level from being truncated to the level below.
+/// Added to every average, so that one that rounding left just below a level is not truncated to the level below.
 inline constexpr double kResizeNudge = 0.00001;
 
-/// One pixel of a resized image, weight by weight and in double precision: the form that the fast ones must agree with,
-/// and that they turn to where their own precision cannot tell.
+/// One pixel of a resized image, weight by weight in double precision. The fast forms give its results bit for bit, and
+/// call it where their own precision does not decide the result.
 template <class Component>
 void averagePixel(const Component* src, std::size_t srcW, const ResizeFootprint& rows, const ResizeFootprint& columns,
                   Component* dst) noexcept

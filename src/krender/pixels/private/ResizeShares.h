@@ -1,15 +1,18 @@
 #pragma once
 #include "krender/pixels/private/ResizeRuns.h"
 
+#include <cstdint>
+#include <vector>
+
 namespace krPixels
 {
 
-/// A run with its weights in whole numbers, taken times a common denominator: sums of bytes stay exact with them. Source
-/// cells that only touch the end of the footprint are left out.
+/// A run with its weights multiplied by their common denominator: with such whole numbers, sums of bytes stay exact. A
+/// source cell that only touches the end of the footprint, with a weight of 0, is left out.
 struct ResizeShare : ResizeRun
 {
     float firstWeight;
-    float innerWeight; ///< of each cell between the first and the last
+    float innerWeight; ///< of every cell between the first and the last
     float lastWeight;
     float total;  ///< the sum of the weights, at most twice the source's size
     bool uniform; ///< all weights are 1

@@ -4,6 +4,7 @@
 #include <krender/shadergen/LightSpec.h>
 #include <krender/shading/ShadingAttribute.h>
 #include <krender/shading/ShadingNodeSpec.h>
+#include <krender/shading/Statement.h>
 
 #include <initializer_list>
 #include <string>

@@ -4,7 +4,7 @@
 namespace krShadingDag
 {
 
-// matrix2 is no matrix, a bool counts as a float and ints as none: generated programs rely on these rows as they stand.
+// Deliberate: matrix2 is no matrix, a bool counts as one float, and ints count as none.
 inline constexpr std::array<DataTypeInfo, kDataTypeCount> kDataTypes{{
     // bytes, vector, matrix, sampler, floats, float vector, dimension, indexed type, name
     {0, false, false, false, 0, false, 0, kInvalidType, "invalidType!"},

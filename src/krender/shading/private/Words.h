@@ -1,4 +1,5 @@
 #pragma once
+#include <krender/shading/DataType.h>
 #include <krender/shading/Token.h>
 
 #include <string_view>
