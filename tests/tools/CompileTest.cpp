@@ -339,8 +339,8 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"unknown plain name", "--plain --material m.krs:plane -o x", 1,
                 "krslc: error: \"m.krs\" has no function \"plane\" with a body; did you mean plain?"},
         Refused{
-            "unknown light", "--light k=readlight -o x", 1,
-            "krslc: error: --light k=readlight: there is no light \"readlight\" with a body; did you mean redLight?"},
+            "unknown light", "--light k=READLIGHT -o x", 1,
+            "krslc: error: --light k=READLIGHT: there is no light \"READLIGHT\" with a body; did you mean redLight?"},
         Refused{
             "unknown plain light", "--plain --light k=redLigh -o x", 1,
             "krslc: error: --light k=redLigh: there is no function \"redLigh\" with a body; did you mean redLight?"},

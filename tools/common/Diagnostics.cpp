@@ -1,7 +1,13 @@
 #include <common/Diagnostics.h>
 
+#include <common/PrintedMessage.h>
+
+#include <krender/frontend/Module.h>
+
 #include <algorithm>
 #include <cstdio>
+#include <string>
+#include <string_view>
 
 using krFrontend::Diagnostic;
 using krFrontend::DiagnosticFix;

@@ -1,10 +1,9 @@
 #pragma once
-#include <common/PrintedMessage.h>
-
+#include <krender/frontend/Diagnostic.h>
 #include <krender/frontend/Module.h>
+#include <krender/frontend/SourceSet.h>
 
 #include <cstddef>
-#include <string>
 
 namespace krTools
 {

@@ -1,13 +1,21 @@
 #include <common/MaterialCompiler.h>
 
 #include <common/DataFiles.h>
+#include <common/Findings.h>
 #include <common/PlainReading.h>
+#include <common/PrintedMessage.h>
+#include <common/Source.h>
 
-#include <krender/frontend/NearNames.h>
+#include <krender/frontend/Interface.h>
+#include <krender/platform/String.h>
+#include <krender/shadergen/FragmentExtras.h>
+#include <krender/shadergen/LightSpec.h>
+#include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/ShadingNodeSpec.h>
 
 #include <algorithm>
 #include <map>
-#include <optional>
+#include <string_view>
 #include <utility>
 
 using krFrontend::Module;

@@ -2,8 +2,10 @@
 #include <common/Messages.h>
 #include <common/SourceNames.h>
 
+#include <krender/frontend/Module.h>
 #include <krender/frontend/NearNames.h>
 #include <krender/frontend/Program.h>
+#include <krender/frontend/SourceSet.h>
 #include <krender/shadergen/Target.h>
 
 #include <memory>

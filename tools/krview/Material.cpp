@@ -6,9 +6,9 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
 #include <filesystem>
 #include <utility>
+#include <variant>
 
 using krFrontend::Diagnostic;
 using krFrontend::Module;
