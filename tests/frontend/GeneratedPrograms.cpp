@@ -68,7 +68,7 @@ CompiledSource compileSource(const std::string& source)
     for (const krFrontend::ShaderInterface& shader : krFrontend::interfaceOf(module))
         if (shader.kind == krFrontend::ShaderKind::Light && shader.hasBody)
             request.lights.push_back({&module, shader.name, shader.name});
-    for (const Target& target : targets())
+    for (const Target& target : scenes::plainTargets())
     {
         std::vector<krFrontend::ProgramDiagnostic> problems;
         if (auto program = krFrontend::compileProgram(request, target, problems))

@@ -8,6 +8,7 @@
 #include "krender/frontend/private/NameTable.h"
 #include "krender/frontend/private/ProgramNames.h"
 #include "krender/frontend/private/Provided.h"
+#include "krender/frontend/private/ShaderWalk.h"
 #include "krender/frontend/private/Syntax.h"
 #include "krender/frontend/private/SyntaxReader.h"
 #include "krender/frontend/private/Type.h"
@@ -85,27 +86,6 @@ void forEachVariable(const Stmt* first, Visitor visit)
     }
 }
 
-/// Calls the visitor with every expression of the statements, its operands not among them.
-template <class Visitor>
-void forEachExpr(const Stmt* first, Visitor visit)
-{
-    for (const Stmt* statement = first; statement; statement = statement->next)
-        for (const Stmt* part = statement; part; part = part->otherwise)
-        {
-            for (const Symbol* variable = part->variables; variable; variable = variable->next)
-                if (variable->initializer)
-                    visit(variable->initializer, variable);
-            if (part->init)
-                forEachExpr(part->init, visit);
-            if (part->expr)
-                visit(part->expr, nullptr);
-            if (part->step)
-                visit(part->step, nullptr);
-            if (part->body)
-                forEachExpr(part->body, visit);
-        }
-}
-
 /// The function that Cg's text of an expression calls where the source calls none; empty: there is none.
 std::string_view insertedByCg(const Expr& expr) noexcept
 {
@@ -155,7 +135,7 @@ const std::string& ProgramFunctions::nameOf(const Function& function, const Modu
         return place->second;
     // A function that replaces a built-in has another name in the program: whether a target allows that differs.
     const std::string_view name = module.store.names.text(function.name);
-    place->second = isBuiltinWord(name) ? fNames.invent(name) : fNames.claim(name);
+    place->second = isBuiltinWord(name, fTarget.language) ? fNames.invent(name) : fNames.claim(name);
     fUsed.insert(place->second);
     return place->second;
 }
@@ -392,7 +372,7 @@ LoweredShader Lowering::lowerMaterial(const Function& material, const ShadingNam
     LoweredShader lowered;
     lowerHeader(material, lowered);
     nameLocals(material, names.hiding);
-    fReturnText = isCg() ? "return outRGBA;" : "{ gl_FragColor = outRGBA; return; }";
+    fReturnText = fProgram.target().earlyResult;
     lowerShaderBody(material, lowered);
     return lowered;
 }
