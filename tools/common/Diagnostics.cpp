@@ -55,10 +55,15 @@ std::string format(const SourceSet& sources, const Diagnostic& diagnostic, bool 
     message.name = name;
     std::string text = format(message, colour);
     for (const DiagnosticNote& note : diagnostic.notes)
-        text += format(messageAt(sources, note.range, MessageKind::Note, note.text), colour);
+        text += format(sources, note, colour);
     for (const DiagnosticFix& fix : diagnostic.fixes)
         text += format(messageAt(sources, fix.range, MessageKind::Fix, describe(sources, fix)), colour);
     return text;
+}
+
+std::string format(const SourceSet& sources, const DiagnosticNote& note, bool colour)
+{
+    return format(messageAt(sources, note.range, MessageKind::Note, note.text), colour);
 }
 
 std::size_t hiddenErrors(const krFrontend::Module& module)

@@ -13,6 +13,9 @@ namespace krTools
 [[nodiscard]] std::string format(const krFrontend::SourceSet& sources, const krFrontend::Diagnostic& diagnostic,
                                  bool colour);
 
+[[nodiscard]] std::string format(const krFrontend::SourceSet& sources, const krFrontend::DiagnosticNote& note,
+                                 bool colour);
+
 /// How a message shows the kind: "name", for a warning "-Wname", as the option that switches it.
 [[nodiscard]] std::string shownName(const krFrontend::Diagnostic& diagnostic);
 

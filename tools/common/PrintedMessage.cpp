@@ -146,10 +146,10 @@ bool wantsColour(std::FILE* file)
            ::isatty(::fileno(file)) != 0;
 }
 
-void print(std::FILE* file, std::string_view program, Severity severity, std::string_view text)
+void print(std::FILE* file, std::string_view program, MessageKind kind, std::string_view text)
 {
     const bool colour = wantsColour(file);
-    const KindStyle& style = styleOf(messageKind(severity));
+    const KindStyle& style = styleOf(kind);
     const std::string shown = printable(text);
     std::fprintf(file, "%.*s: %s%s%s%s\n", static_cast<int>(program.size()), program.data(), colour ? style.colour : "",
                  style.word, colour ? "\033[0m" : "", shown.c_str());

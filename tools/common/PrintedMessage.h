@@ -51,6 +51,10 @@ struct PrintedMessage
 [[nodiscard]] bool wantsColour(std::FILE* file);
 
 /// Writes "program: error: text", for what has no place in a source.
-void print(std::FILE* file, std::string_view program, Severity severity, std::string_view text);
+void print(std::FILE* file, std::string_view program, MessageKind kind, std::string_view text);
+inline void print(std::FILE* file, std::string_view program, Severity severity, std::string_view text)
+{
+    print(file, program, messageKind(severity), text);
+}
 
 } // namespace krTools

@@ -4,6 +4,7 @@
 #include "InterfaceJson.h"
 #include "MaterialCompiler.h"
 #include "Report.h"
+#include "Targets.h"
 #include "Validation.h"
 
 #include <common/ExitStatus.h>
@@ -108,8 +109,8 @@ ProgramFiles filesOf(const CompiledProgram& compiled, const CompileOptions& opti
         std::string whole(options.withPreamble ? compiled.target->preamble : std::string_view());
         return krTools::Source(path, whole.append(text));
     };
-    return {file(compiled.program.vertex, compiled.target->vertexEnding, options.vertexFile),
-            file(compiled.program.fragment, compiled.target->fragmentEnding, options.fragmentFile)};
+    return {file(compiled.vertex(), compiled.target->vertexEnding, options.vertexFile),
+            file(compiled.fragment(), compiled.target->fragmentEnding, options.fragmentFile)};
 }
 
 /// Reports what the checker of a target found in a program. Where the front end accepted the source, the fault is
@@ -134,14 +135,9 @@ void reportFaults(const krTools::Source& program, const char* nameOnOutput, krTo
             withoutOrigin.add({finding.position, finding.severity, prefix + finding.text});
             continue;
         }
-        const krFrontend::SourceFile& file = origin.module->sources().fileAt(origin.offset);
-        const std::string_view rest = file.text().substr(origin.offset - file.begin());
-        const std::size_t indent = std::min(rest.find_first_not_of(" \t"), rest.size());
-        const std::size_t end = std::min(rest.find_first_of("\r\n"), rest.size());
         Diagnostic diagnostic;
         diagnostic.severity = finding.severity;
-        diagnostic.range.begin = origin.offset + static_cast<krFrontend::Offset>(std::min(indent, end));
-        diagnostic.range.end = origin.offset + static_cast<krFrontend::Offset>(end);
+        diagnostic.range = krFrontend::lineRange(origin);
         diagnostic.text = prefix + finding.text + ", in line " + std::to_string(line) + " of " + shown.name();
         report.add(origin.module->sources(), std::move(diagnostic));
     }
@@ -154,8 +150,10 @@ void validate(const CompiledProgram& compiled, const ProgramFiles& files, const 
     const std::string_view preamble = options.withPreamble ? compiled.target->preamble : std::string_view();
     const auto lines = static_cast<std::size_t>(std::count(preamble.begin(), preamble.end(), '\n'));
     reportFaults(files.vertex, "<vertex program>", std::move(findings.vertex), {}, lines, options.asPlain, report);
-    reportFaults(files.fragment, "<fragment program>", std::move(findings.fragment), compiled.program.fragmentOrigins,
-                 lines, options.asPlain, report);
+    // Lines of a translation came from none.
+    reportFaults(files.fragment, "<fragment program>", std::move(findings.fragment),
+                 compiled.translation ? std::vector<LineOrigin>() : compiled.program.fragmentOrigins, lines,
+                 options.asPlain, report);
     for (const std::string& error : findings.pair)
         report.error(error);
 }
@@ -198,7 +196,7 @@ bool addMaterial(const krTools::MaterialName& name, MaterialCompiler& compiler, 
                 "fragmentFile", files[i].fragment.name()
             }
         };
-        interface.update(jsonOf(programs[i].program.interface));
+        interface.update(jsonOf(programs[i]));
         outputs.interfaces.push_back(std::move(interface));
     }
     return true;
@@ -216,11 +214,12 @@ void publish(const CompileOptions& options, const MaterialCompiler& compiler, Ou
 
 } // namespace
 
-int compile(const CompileOptions& options)
+int compile(CompileOptions options)
 {
     checkOptions(options);
     int status = krTools::kDone;
     Report report(options.warnings, options.asJson);
+    settleTargets(options, report);
     const std::unique_ptr<MaterialCompiler> compiler =
         options.asPlain ? MaterialCompiler::makePlain(options, report) : MaterialCompiler::makeFull(options, report);
     Outputs outputs;

@@ -6,6 +6,13 @@
 #include <string>
 #include <vector>
 
+/// A target to write programs for.
+struct TargetChoice
+{
+    const Target* target;
+    bool isNamed; ///< and not one of "all", of which those are left out that cannot be
+};
+
 struct CompileOptions
 {
     std::vector<std::string> materials; ///< FILE or FILE:NAME
@@ -13,7 +20,7 @@ struct CompileOptions
     std::vector<std::string> libraries;
     std::vector<std::string> includeFolders;
     std::vector<std::string> lights;    ///< KEY=FUNCTION
-    std::vector<const Target*> targets; ///< in the order in which they are written
+    std::vector<TargetChoice> targets;  ///< in the order in which they are written
     std::string base;                   ///< of the output files' names, or "-"
     std::string vertexFile;             ///< instead of a base
     std::string fragmentFile;           ///< likewise
@@ -29,4 +36,4 @@ struct CompileOptions
 
 /// Compiles materials for their lights and writes the programs.
 /// @return  the exit status
-int compile(const CompileOptions& options);
+int compile(CompileOptions options);

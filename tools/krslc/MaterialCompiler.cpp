@@ -1,5 +1,7 @@
 #include "MaterialCompiler.h"
 
+#include "Targets.h"
+
 #include <common/DataFiles.h>
 #include <common/NearNames.h>
 #include <common/PlainReading.h>
@@ -55,21 +57,68 @@ public:
         if (!fLibrariesAreGood || fReport.errorCount() != errorsBefore)
             return {};
 
-        std::vector<CompiledProgram> programs;
-        std::vector<krFrontend::ProgramDiagnostic> problems;
-        for (const Target* target : fOptions.targets)
-            if (std::optional<krFrontend::Program> program = compileProgram(request, *target, problems))
-                programs.push_back({target, request.material, std::move(*program)});
-        // What is wrong for several targets is reported once.
-        for (auto problem = problems.begin(); problem != problems.end(); ++problem)
-            if (std::none_of(problems.begin(), problem,
-                             [problem](const krFrontend::ProgramDiagnostic& before)
-                             { return before.diagnostic.text == problem->diagnostic.text; }))
-                fReport.add(problem->module->sources(), problem->diagnostic);
-        return fReport.errorCount() == errorsBefore ? std::move(programs) : std::vector<CompiledProgram>();
+        return compileTargets(request);
     }
 
 private:
+    using Problems = std::vector<krFrontend::ProgramDiagnostic>;
+
+    std::vector<CompiledProgram> compileTargets(const krFrontend::ProgramRequest& request)
+    {
+        std::vector<CompiledProgram> programs;
+        TargetTranslator translator;
+        Problems problems;
+        std::vector<std::pair<const Target*, Problems>> leftOut;
+        for (const TargetChoice& choice : fOptions.targets)
+        {
+            Problems own;
+            std::optional<krFrontend::Program> program = compileProgram(request, *choice.target, own);
+            const bool isLeftOut = !program && !choice.isNamed;
+            std::optional<krTargets::Translation> translation;
+            if (program && choice.target->isTranslated)
+                translation = translator.translate(*choice.target, *program, own);
+            if (program && translation.has_value() == choice.target->isTranslated)
+                programs.push_back({choice.target, request.material, std::move(*program), std::move(translation)});
+            if (isLeftOut)
+                leftOut.emplace_back(choice.target, std::move(own));
+            else
+                problems.insert(problems.end(), own.begin(), own.end());
+        }
+        if (programs.empty() && problems.empty())
+            for (const auto& [target, own] : leftOut)
+                problems.insert(problems.end(), own.begin(), own.end());
+        else
+            noteLeftOut(leftOut);
+        report(problems);
+        return problems.empty() ? std::move(programs) : std::vector<CompiledProgram>();
+    }
+
+    void noteLeftOut(const std::vector<std::pair<const Target*, Problems>>& leftOut)
+    {
+        for (const auto& [target, problems] : leftOut)
+            for (krFrontend::ProgramDiagnostic problem : problems)
+            {
+                problem.diagnostic.text.insert(0, std::string(target->name) + " is left out: ");
+                fReport.note(problem.module->sources(), problem.diagnostic);
+            }
+    }
+
+    /// What is wrong for several targets is reported once.
+    void report(const Problems& problems)
+    {
+        for (auto problem = problems.begin(); problem != problems.end(); ++problem)
+        {
+            if (std::any_of(problems.begin(), problem,
+                            [problem](const krFrontend::ProgramDiagnostic& before)
+                            { return before.diagnostic.text == problem->diagnostic.text; }))
+                continue;
+            if (problem->module)
+                fReport.add(problem->module->sources(), problem->diagnostic);
+            else
+                fReport.error(problem->diagnostic.text);
+        }
+    }
+
     void addFiles(const Module& module, const std::string& path)
     {
         addFile(path);
@@ -135,7 +184,7 @@ public:
         if (!material || !fLibrariesAreGood)
             return {};
         std::vector<CompiledProgram> programs;
-        for (const Target* target : fOptions.targets)
+        for (const auto& [target, isNamed] : fOptions.targets)
         {
             FragmentExtras extras;
             krString::CString vertex;

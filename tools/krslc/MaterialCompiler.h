@@ -4,9 +4,11 @@
 
 #include <common/Modules.h>
 
+#include <krender-targets/SpirvProgram.h>
 #include <krender/frontend/Program.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +18,11 @@ struct CompiledProgram
     const Target* target;
     std::string material;
     krFrontend::Program program; ///< texts alone where the source was read with ShadingParser
+    /// What is written instead of the program's texts; set where the target is translated.
+    std::optional<krTargets::Translation> translation = {};
+
+    [[nodiscard]] const std::string& vertex() const { return translation ? translation->vertex : program.vertex; }
+    [[nodiscard]] const std::string& fragment() const { return translation ? translation->fragment : program.fragment; }
 };
 
 /// Makes programs of materials, all with the same lights.
@@ -34,7 +41,8 @@ public:
     virtual ~MaterialCompiler() = default;
 
     /// Compiles a material for all targets. What is wrong is reported. Throws a FileError.
-    /// @return  one for each target, valid until the next call; none when there is an error
+    /// @return  one for each target but those that "all" stands for and that cannot be, valid until the next call; none
+    ///          when there is an error
     [[nodiscard]] virtual std::vector<CompiledProgram> compile(const krTools::MaterialName& name) = 0;
 
     /// The files that were read, in order, each once.

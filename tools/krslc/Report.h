@@ -24,6 +24,9 @@ public:
     void add(const krFrontend::Module& module);
     void add(const krFrontend::SourceSet& sources, krFrontend::Diagnostic diagnostic);
     void add(const krTools::Source& source, krTools::Findings findings);
+    /// Tells something that is neither wrong nor suspicious.
+    void note(const krFrontend::SourceSet& sources, const krFrontend::Diagnostic& diagnostic);
+    void note(const std::string& text);
     /// Reports an error that has no place in a source.
     void error(const std::string& text);
 

@@ -351,6 +351,15 @@ private:
 
 } // namespace
 
+SourceRange lineRange(const LineOrigin& origin)
+{
+    const SourceFile& file = origin.module->sources().fileAt(origin.offset);
+    const std::string_view rest = file.text().substr(origin.offset - file.begin());
+    const std::size_t end = std::min(rest.find_first_of("\r\n"), rest.size());
+    const std::size_t indent = std::min(rest.find_first_not_of(" \t"), end);
+    return {origin.offset + static_cast<Offset>(indent), origin.offset + static_cast<Offset>(end)};
+}
+
 std::optional<Program> compileProgram(const ProgramRequest& request, const Target& target,
                                       std::vector<ProgramDiagnostic>& problems)
 {
