@@ -13,6 +13,8 @@ namespace krTools
 
 /// Prints a diagnostic on standard error.
 void print(const krFrontend::SourceSet& sources, const krFrontend::Diagnostic& diagnostic);
+/// Prints a note on standard error.
+void print(const krFrontend::SourceSet& sources, const krFrontend::DiagnosticNote& note);
 /// Prints on standard error how many errors of a module are not shown, if there are any.
 void printHidden(const krFrontend::Module& module);
 

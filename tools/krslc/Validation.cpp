@@ -25,19 +25,6 @@ using nlohmann::ordered_json;
 namespace
 {
 
-struct Validator
-{
-    TargetLanguage language;
-    const char* name;
-    krTools::PairFindings (*validate)(const krTools::Source& vertex, const krTools::Source& fragment);
-};
-
-constexpr std::array<Validator, kTargetLanguageCount> kValidators{{
-    {TargetLanguage::Glsl120, "GLSL", krTools::validateGlsl},
-    {TargetLanguage::Cg, "Cg", krTools::validateCg},
-}};
-static_assert(kValidators.back().language == static_cast<TargetLanguage>(kTargetLanguageCount - 1));
-
 /// The bytes of a program past which its checker would take too long.
 constexpr std::size_t kMostBytes = std::size_t{1} << 20;
 
@@ -57,8 +44,8 @@ void addFindings(const ordered_json& list, krTools::Findings& findings)
         findings.add({row[0], row[1], row[2]});
 }
 
-[[noreturn]] void checkInChild(const Validator& validator, const krTools::Source& vertex,
-                               const krTools::Source& fragment, int output)
+[[noreturn]] void checkInChild(const Target& target, const krTools::Source& vertex, const krTools::Source& fragment,
+                               int output)
 {
     constexpr rlim_t kMaxSeconds = 60;
     const rlimit seconds{kMaxSeconds, kMaxSeconds};
@@ -71,7 +58,8 @@ void addFindings(const ordered_json& list, krTools::Findings& findings)
     krTools::PairFindings findings;
     try
     {
-        findings = validator.validate(vertex, fragment);
+        findings = target.language == TargetLanguage::Cg ? krTools::validateCg(vertex, fragment)
+                                                         : krTools::validateGlsl(target, vertex, fragment);
     }
     catch (const std::exception& error)
     {
@@ -95,8 +83,9 @@ std::string readAll(int input)
 
 krTools::PairFindings validate(const Target& target, const krTools::Source& vertex, const krTools::Source& fragment)
 {
-    const Validator& validator = kValidators[static_cast<std::size_t>(target.language)];
     krTools::PairFindings findings;
+    if (target.language != TargetLanguage::Cg && !krTools::canValidateGlsl(target))
+        return findings;
     if (vertex.size() > kMostBytes || fragment.size() > kMostBytes)
     {
         findings.pair.emplace_back("a program of more than 1 MB is not checked");
@@ -108,7 +97,7 @@ krTools::PairFindings validate(const Target& target, const krTools::Source& vert
     const bool hasPipe = ::pipe(pipe.data()) == 0;
     const pid_t child = hasPipe ? ::fork() : -1;
     if (child == 0)
-        checkInChild(validator, vertex, fragment, pipe[1]);
+        checkInChild(target, vertex, fragment, pipe[1]);
     const int error = errno;
     std::string answer;
     if (hasPipe)
@@ -122,7 +111,7 @@ krTools::PairFindings validate(const Target& target, const krTools::Source& vert
         throw krTools::FileError(std::string("cannot check the programs: ") + std::strerror(error));
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
     {
-        findings.pair.push_back(std::string("the checker of ") + validator.name +
+        findings.pair.push_back(std::string("the checker of ") + std::string(target.name) +
                                 " programs broke down: the material's code nests too deeply or is too long for it");
         return findings;
     }
