@@ -309,6 +309,8 @@ Canvas::Canvas(Api api) : fApi(api)
     require(glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE, "no framebuffer");
     glViewport(0, 0, kSize, kSize);
     glEnable(GL_DEPTH_TEST);
+    if (!isEmbedded)
+        glEnable(GL_TEXTURE_CUBE_MAP_SEAMLESS); // as ESSL 3.00 always has it
     if (api != Api::Compatibility)
         return;
     glMatrixMode(GL_PROJECTION);

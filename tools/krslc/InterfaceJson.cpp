@@ -83,7 +83,8 @@ public:
 
     [[nodiscard]] ordered_json location(int number) const
     {
-        return fHasBlock ? numberOrNull(number) : ordered_json();
+        const bool hasLocations = fHasBlock && !(fTranslation && fTranslation->hasSemantics);
+        return hasLocations ? numberOrNull(number) : ordered_json();
     }
 
     [[nodiscard]] ordered_json texCoord(int ofRegister, int location) const

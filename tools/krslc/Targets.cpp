@@ -5,6 +5,7 @@
 #include <krender/shadergen/Target.h>
 
 #include <algorithm>
+#include <utility>
 
 using krTools::inQuotes;
 using krTools::UsageError;
@@ -71,6 +72,7 @@ void addTargets(const std::string& list, std::vector<TargetChoice>& choices)
 void settleTargets(CompileOptions& options, Report& report)
 {
     std::vector<TargetChoice> settled;
+    std::vector<std::pair<std::string, std::string>> leftOut; // reason, names
     for (const TargetChoice& choice : options.targets)
     {
         const std::string why = obstacle(*choice.target, options);
@@ -79,9 +81,13 @@ void settleTargets(CompileOptions& options, Report& report)
             settled.push_back(choice);
         else if (choice.isNamed)
             throw UsageError("--target " + name + ": " + why);
+        else if (leftOut.empty() || leftOut.back().first != why)
+            leftOut.emplace_back(why, name);
         else
-            report.note(name + " is left out: " + why);
+            leftOut.back().second += ", " + name;
     }
+    for (const auto& [why, names] : leftOut)
+        report.note("left out: " + names + ": " + why);
     options.targets = std::move(settled);
 }
 
