@@ -2,6 +2,7 @@
 #include "TargetPrograms.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <spirv_cross/spirv_glsl.hpp>
 
 #include <algorithm>
@@ -43,7 +44,7 @@ TEST(Faults, StandAtTheLineOfTheSource)
     EXPECT_TRUE(faults[0].diagnostic.text.starts_with("this is a fault of krender's: 'nothing'"));
     ASSERT_EQ(faults[0].module, &request.modules[0]);
     const krFrontend::SourceLocation at = request.modules[0].sources().location(faults[0].diagnostic.range.begin);
-    EXPECT_EQ(at.line, 14u);
+    EXPECT_EQ(at.line, 13u);
     EXPECT_EQ(at.column, 9u);
 }
 
@@ -101,6 +102,38 @@ TEST(Interface, HasThePlacesThatTheCodeHas)
             EXPECT_EQ(bindings[uniform.programName], static_cast<unsigned>(uniform.binding)) << uniform.programName;
     EXPECT_EQ(member, type.member_types.size());
     EXPECT_EQ(bindings.size(), 2u);
+}
+
+// The longest expression that the front end takes, in a thread with little room.
+TEST(Translations, NeedNoLargeStack)
+{
+    std::string sum = "u";
+    for (unsigned i = 0; i < 4000; ++i)
+        sum += " + u";
+    const Request request = requestOf("material m(uniform float u, out float4 outRGBA)\n{ outRGBA = float4(" + sum + "); }\n");
+    const krFrontend::Program program = compileFor(request, *findTarget("glsl450")).program;
+    struct Work
+    {
+        const krFrontend::Program& program;
+        bool isDone = false;
+    } work{program};
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, std::size_t{128} << 10);
+    pthread_t thread{};
+    const auto run = [](void* argument) -> void*
+    {
+        Work& own = *static_cast<Work*>(argument);
+        std::vector<krFrontend::ProgramDiagnostic> faults;
+        const auto binary = krTargets::SpirvProgram::build(own.program, faults);
+        own.isDone = binary && binary->translate(*findTarget("msl"), faults) &&
+                     binary->translate(*findTarget("hlsl"), faults);
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
+    pthread_attr_destroy(&attributes);
+    pthread_join(thread, nullptr);
+    EXPECT_TRUE(work.isDone);
 }
 
 TEST(Translations, AreTheSameInAnyOrderAndInAnyThread)
