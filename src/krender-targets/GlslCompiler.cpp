@@ -74,6 +74,8 @@ void addLog(std::string_view log, bool isFragment, std::vector<Fault>& faults)
         {
             line.remove_prefix(kOnlyString.size());
             fault.line = takeNumber(line);
+            if (!faults.empty() && faults.back().isFragment == isFragment && faults.back().line == fault.line)
+                continue; // it follows from the one before
         }
         else if (!faults.empty())
             continue; // it sums up the others

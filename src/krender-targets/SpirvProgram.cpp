@@ -1,5 +1,6 @@
 #include <krender-targets/SpirvProgram.h>
 
+#include "krender-targets/private/DeepStack.h"
 #include "krender-targets/private/GlslCompiler.h"
 #include "krender-targets/private/Translator.h"
 #include <krender/frontend/Interface.h>
@@ -52,7 +53,7 @@ std::optional<SpirvProgram> SpirvProgram::build(const Program& program, std::vec
     }
     std::vector<Fault> found;
     auto contents = std::make_unique<Contents>();
-    contents->code = compileGlsl(program.vertex, program.fragment, found);
+    onDeepStack([&] { contents->code = compileGlsl(program.vertex, program.fragment, found); });
     for (const Fault& fault : found)
         faults.push_back(diagnosticOf(fault, program));
     if (!found.empty())
@@ -66,7 +67,9 @@ std::optional<Translation> SpirvProgram::translate(const Target& target, std::ve
     ProgramDiagnostic fault;
     try
     {
-        return translateCode(fContents->code, fContents->interface, target);
+        std::optional<Translation> translation;
+        onDeepStack([&] { translation = translateCode(fContents->code, fContents->interface, target); });
+        return translation;
     }
     catch (const std::bad_alloc&)
     {

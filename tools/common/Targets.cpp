@@ -6,6 +6,7 @@
 #include <krender/shadergen/Target.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace krTools
 {
@@ -74,6 +75,7 @@ void addTargets(const std::string& list, std::vector<TargetChoice>& choices)
 void settleTargets(std::vector<TargetChoice>& choices, bool asPlain, bool keepsIlluminance, Messages& messages)
 {
     std::vector<TargetChoice> settled;
+    std::vector<std::pair<std::string, std::string>> leftOut; // reason, names
     for (const TargetChoice& choice : choices)
     {
         const std::string why = obstacle(*choice.target, asPlain, keepsIlluminance);
@@ -82,9 +84,13 @@ void settleTargets(std::vector<TargetChoice>& choices, bool asPlain, bool keepsI
             settled.push_back(choice);
         else if (choice.isNamed)
             throw UsageError("--target " + name + ": " + why);
+        else if (leftOut.empty() || leftOut.back().first != why)
+            leftOut.emplace_back(why, name);
         else
-            messages.note(name + " is left out: " + why);
+            leftOut.back().second += ", " + name;
     }
+    for (const auto& [why, names] : leftOut)
+        messages.note("left out: " + names + ": " + why);
     choices = std::move(settled);
 }
 

@@ -82,7 +82,11 @@ public:
         return fTranslation && index < fTranslation->samplers.size() ? &fTranslation->samplers[index] : nullptr;
     }
 
-    [[nodiscard]] ordered_json location(int number) const { return fHasBlock ? numberOrNull(number) : ordered_json(); }
+    [[nodiscard]] ordered_json location(int number) const
+    {
+        const bool hasLocations = fHasBlock && !(fTranslation && fTranslation->hasSemantics);
+        return hasLocations ? numberOrNull(number) : ordered_json();
+    }
 
     [[nodiscard]] ordered_json texCoord(int ofRegister, int location) const
     {

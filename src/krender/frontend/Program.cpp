@@ -3,6 +3,7 @@
 #include "krender/frontend/private/BlockLayout.h"
 #include "krender/frontend/private/DiagnosticList.h"
 #include "krender/frontend/private/InterfaceParts.h"
+#include "krender/frontend/private/LineDirectives.h"
 #include "krender/frontend/private/Lowering.h"
 #include "krender/frontend/private/Message.h"
 #include "krender/frontend/private/ModuleContents.h"
@@ -229,16 +230,16 @@ private:
         krString::CString vertex;
         krString::CString fragment;
         fTarget.compile(*fLowered.spec, fRequest.keepIlluminance ? nullptr : &lights, extras, vertex, fragment);
-        if (extras.isTooLarge)
-        {
-            report(*fRequest.module, Message::ProgramTooLarge, fMaterial->range,
-                   {text(*fRequest.module, fMaterial->name), std::to_string(kMostProgramBytes >> 20)});
-            return false;
-        }
         program.vertex = vertex.view();
         program.fragment = fragment.view();
         trace(extras, program);
-        return true;
+        if (fTarget.language == TargetLanguage::VulkanGlsl)
+            addLineDirectives(program);
+        if (!extras.isTooLarge && program.fragment.size() <= kMostProgramBytes)
+            return true;
+        report(*fRequest.module, Message::ProgramTooLarge, fMaterial->range,
+               {text(*fRequest.module, fMaterial->name), std::to_string(kMostProgramBytes >> 20)});
+        return false;
     }
 
     [[nodiscard]] const Module* moduleOf(const TextOrigin& origin) const

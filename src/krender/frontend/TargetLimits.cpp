@@ -99,8 +99,10 @@ void TargetLimits::checkUniforms(const std::vector<ShaderUse>& shaders)
                                             : std::to_string(fTarget.blockBytes) + " bytes of uniforms"});
         if (base == BaseType::Sampler3D && lacks(kLacksVolumes))
             lack(module, input.range, "it has no sampler3D");
-        if ((base == BaseType::Sampler1DShadow || base == BaseType::Sampler2DShadow) && lacks(kLacksShadows))
-            lack(module, input.range, "it has no shadow samplers");
+        if (base == BaseType::Sampler2DShadow && lacks(kLacksShadows))
+            lack(module, input.range, "it has no sampler2DShadow");
+        if (base == BaseType::Sampler1DShadow && lacks(kLacksLineShadows))
+            lack(module, input.range, "it has no sampler1DShadow");
     };
     for (const ShaderUse& shader : shaders)
         forEachInput(*shader.module, *shader.function, krShadingDag::kUniformRange,

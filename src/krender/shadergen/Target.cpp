@@ -282,7 +282,7 @@ bool isVulkanShape(std::string_view word) noexcept
     constexpr auto kScalars = std::to_array<std::string_view>(
         {"bfloat",   "bool",       "char",     "double",    "dword", "float", "half", "int",   "long",  "min10float",
          "min12int", "min16float", "min16int", "min16uint", "short", "uchar", "uint", "ulong", "ushort"});
-    constexpr std::array<std::string_view, 4> kPrefixes{"SPIRV_", "main0", "packed_", "spv"};
+    constexpr std::array<std::string_view, 7> kPrefixes{"GL_", "METAL_", "SPIRV_", "SPV_", "main0", "packed_", "spv"};
     return hasShape(kScalars, word) || word.starts_with('_') ||
            word.find("__") != std::string_view::npos ||
            std::any_of(kPrefixes.begin(), kPrefixes.end(),
@@ -302,7 +302,7 @@ constexpr std::string_view kGlslResult = "{ gl_FragColor = outRGBA; return; }";
 /// A row of a target whose programs are made of Vulkan GLSL. The limits are those that every implementation has room for,
 /// without what the frame takes.
 constexpr Target vulkanRow(std::string_view name, std::string_view vertexEnding, std::string_view fragmentEnding,
-                           bool isTranslated)
+                           std::uint8_t lacks, bool isTranslated)
 {
     return {.name = name,
             .language = TargetLanguage::VulkanGlsl,
@@ -314,7 +314,7 @@ constexpr Target vulkanRow(std::string_view name, std::string_view vertexEnding,
             .interpolants = 0,
             .samplers = 16,
             .blockBytes = 16384,
-            .lacks = kLacksNothing,
+            .lacks = lacks,
             .isTranslated = isTranslated,
             .reservedWords = kVulkanWords,
             .compile = compileMaterialToVulkanGlsl};
@@ -322,11 +322,11 @@ constexpr Target vulkanRow(std::string_view name, std::string_view vertexEnding,
 
 constexpr Target oldestEmbeddedRow()
 {
-    Target row = vulkanRow("essl100", ".essl100.vert", ".essl100.frag", true);
+    Target row = vulkanRow("essl100", ".essl100.vert", ".essl100.frag",
+                           kLacksVolumes | kLacksShadows | kLacksLineShadows | kLacksOpenLoops | kLacksOpenIndices, true);
     row.vertexInputs = 5;
     row.samplers = 8;
     row.blockBytes = 0;
-    row.lacks = kLacksVolumes | kLacksShadows | kLacksOpenLoops | kLacksOpenIndices;
     return row;
 }
 
@@ -335,13 +335,13 @@ constexpr std::array kTargets{
            false, kGlslWords, compileMaterialToGlsl},
     Target{"cg", TargetLanguage::Cg, ".vert.cg", ".frag.cg", "", "return outRGBA;", 7, 5, 0, 0, kLacksNothing, false,
            kCgWords, compileMaterialToCg},
-    vulkanRow("spirv", ".spirv.vert.spv", ".spirv.frag.spv", true),
-    vulkanRow("glsl330", ".glsl330.vert", ".glsl330.frag", true),
-    vulkanRow("glsl450", ".glsl450.vert", ".glsl450.frag", false),
-    vulkanRow("essl300", ".essl300.vert", ".essl300.frag", true),
+    vulkanRow("spirv", ".spirv.vert.spv", ".spirv.frag.spv", kLacksNothing, true),
+    vulkanRow("glsl330", ".glsl330.vert", ".glsl330.frag", kLacksNothing, true),
+    vulkanRow("glsl450", ".glsl450.vert", ".glsl450.frag", kLacksNothing, false),
+    vulkanRow("essl300", ".essl300.vert", ".essl300.frag", kLacksLineShadows, true),
     oldestEmbeddedRow(),
-    vulkanRow("hlsl", ".hlsl.vert", ".hlsl.frag", true),
-    vulkanRow("msl", ".msl.vert", ".msl.frag", true),
+    vulkanRow("hlsl", ".hlsl.vert", ".hlsl.frag", kLacksNothing, true),
+    vulkanRow("msl", ".msl.vert", ".msl.frag", kLacksLineShadows, true),
 };
 
 } // namespace

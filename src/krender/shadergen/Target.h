@@ -25,9 +25,10 @@ enum TargetLack : std::uint8_t
 {
     kLacksNothing = 0,
     kLacksVolumes = 1,     ///< sampler3D
-    kLacksShadows = 2,     ///< sampler1DShadow and sampler2DShadow
-    kLacksOpenLoops = 4,   ///< loops, but for a "for" that counts a variable from a constant to a constant
-    kLacksOpenIndices = 8, ///< indices, but for constants and the variables of such loops
+    kLacksShadows = 2,     ///< sampler2DShadow
+    kLacksLineShadows = 4, ///< sampler1DShadow
+    kLacksOpenLoops = 8,   ///< loops, but for a "for" that counts a variable from a constant to a constant
+    kLacksOpenIndices = 16, ///< indices, but for constants and the variables of such loops
 };
 
 /// What programs can be written for.

@@ -18,6 +18,7 @@ namespace
 
 /// The shading language's type names.
 constexpr std::string_view kPrologue = R"(#version 450
+#extension GL_GOOGLE_cpp_style_line_directive : require
 #define matrix4 mat4
 #define matrix3 mat3
 #define matrix2 mat2
