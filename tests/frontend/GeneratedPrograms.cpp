@@ -16,23 +16,6 @@ std::string describe(const krFrontend::Module& module, const krFrontend::Diagnos
            std::string(diagnostic.name) + ": " + diagnostic.text + "\n";
 }
 
-/// Has the one file that generated sources include.
-class IncludedFile final : public krFrontend::SourceReader
-{
-public:
-    explicit IncludedFile(const std::string& text) : fText(text) {}
-
-    std::string read(const std::string&, std::size_t, std::string& text) override
-    {
-        text = fText;
-        return "";
-    }
-    bool exists(const std::string& path) override { return path == kIncludedName; }
-
-private:
-    const std::string& fText;
-};
-
 /// The part of the pixels that differ by more than two levels.
 double difference(const std::vector<std::uint8_t>& a, const std::vector<std::uint8_t>& b)
 {

@@ -1,4 +1,6 @@
 #pragma once
+#include <krender/frontend/SourceSet.h>
+
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -15,6 +17,24 @@ struct GeneratedProgram
     std::string source;   ///< has the material
     std::string included; ///< the text of kIncludedName
     std::string lights;   ///< a module of its own with the lights; empty: they stand with the material
+};
+
+/// Has the one file that generated sources include.
+class IncludedFile final : public krFrontend::SourceReader
+{
+public:
+    /// @param text  borrowed
+    explicit IncludedFile(const std::string& text) : fText(text) {}
+
+    std::string read(const std::string&, std::size_t, std::string& text) override
+    {
+        text = fText;
+        return "";
+    }
+    bool exists(const std::string& path) override { return path == kIncludedName; }
+
+private:
+    const std::string& fText;
 };
 
 enum class GeneratedKind

@@ -72,8 +72,8 @@ TEST(GeneratedPrograms, AreAcceptedForEveryTarget)
     unsigned refused = 0;
     for (unsigned seed = 1; seed <= kPrograms && !testing::Test::HasFailure(); ++seed)
     {
-        const std::string source = generateProgram(seed, false).source;
-        refused += expectAccepted(requestOf(source), source);
+        const GeneratedProgram program = generateProgram(seed, GeneratedKind::Any);
+        refused += expectAccepted(requestOf(program), program.source);
     }
     EXPECT_LT(refused, kPrograms * 5 / 2); // of seven targets
 }

@@ -87,10 +87,10 @@ TEST_F(Pictures, OfGeneratedProgramsHardlyDiffer)
 #endif
     for (unsigned seed = 1; seed <= kPictures; ++seed)
     {
-        const std::string source = generateProgram(seed, true).source;
-        const std::vector<Pixels> pictures = draw(requestOf(source));
+        const GeneratedProgram program = generateProgram(seed, GeneratedKind::Drawable);
+        const std::vector<Pixels> pictures = draw(requestOf(program));
         for (const Pixels& picture : pictures)
-            EXPECT_LE(difference(pictures[0], picture), 0.005) << "seed " << seed << "\n" << source;
+            EXPECT_LE(difference(pictures[0], picture), 0.005) << "seed " << seed << "\n" << program.source;
     }
 }
 

@@ -6,13 +6,19 @@
 
 using krFrontend::Module;
 
-Request requestOf(const std::string& source)
+Request requestOf(const GeneratedProgram& sources)
 {
     Request made;
-    made.modules.push_back(Module::readText("source.krs", source));
-    for (const krFrontend::ShaderInterface& shader : interfaceOf(made.modules[0]))
-        if (shader.kind == krFrontend::ShaderKind::Light && shader.hasBody)
-            made.request.lights.push_back({nullptr, shader.name, shader.name});
+    IncludedFile reader(sources.included);
+    made.modules.push_back(Module::readText("source.krs", sources.source, {{}, &reader}));
+    made.modules.push_back(Module::readText("lights.krs", sources.lights, {{}, &reader}));
+    for (std::size_t i = 0; i < made.modules.size(); ++i)
+        for (const krFrontend::ShaderInterface& shader : interfaceOf(made.modules[i]))
+            if (shader.kind == krFrontend::ShaderKind::Light && shader.hasBody)
+            {
+                made.request.lights.push_back({nullptr, shader.name, shader.name});
+                made.lightModules.push_back(i);
+            }
     return made;
 }
 
@@ -21,7 +27,8 @@ Request shippedRequest(const std::string& material, const std::string& light)
     Request made;
     for (const std::string& file : {"materials/" + material, std::string("stdlib"), "lights/" + light})
         made.modules.push_back(Module::readFile(KRENDER_SHARE "/" + file + ".krs"));
-    made.request.lights = {{&made.modules[1], "pointLight", "key"}, {&made.modules[2], light + "Light", "other"}};
+    made.request.lights = {{nullptr, "pointLight", "key"}, {nullptr, light + "Light", "other"}};
+    made.lightModules = {1, 2};
     return made;
 }
 
@@ -29,8 +36,8 @@ TargetProgram compileFor(const Request& made, const Target& target)
 {
     krFrontend::ProgramRequest request = made.request;
     request.module = &made.modules[0];
-    for (krFrontend::LightUse& light : request.lights)
-        light.module = made.modules.size() > 1 ? &made.modules[1 + (light.key == "other" ? 1 : 0)] : &made.modules[0];
+    for (std::size_t i = 0; i < request.lights.size(); ++i)
+        request.lights[i].module = &made.modules[made.lightModules[i]];
     TargetProgram compiled;
     std::vector<krFrontend::ProgramDiagnostic> problems;
     if (auto program = compileProgram(request, target, problems))

@@ -1,4 +1,6 @@
 #pragma once
+#include "frontend/ProgramGenerator.h"
+
 #include <krender-targets/SpirvProgram.h>
 #include <krender/frontend/Program.h>
 #include <krender/shadergen/Target.h>
@@ -11,11 +13,12 @@
 struct Request
 {
     std::vector<krFrontend::Module> modules; ///< the material's, and those of lights
-    krFrontend::ProgramRequest request;
+    krFrontend::ProgramRequest request; ///< without its pointers to modules
+    std::vector<std::size_t> lightModules;
 };
 
 /// The first material of a source with all of its lights.
-[[nodiscard]] Request requestOf(const std::string& source);
+[[nodiscard]] Request requestOf(const GeneratedProgram& sources);
 /// A shipped material with a light of the library and one of a file of its own.
 [[nodiscard]] Request shippedRequest(const std::string& material, const std::string& light);
 
