@@ -11,8 +11,9 @@
 /// A source and what each target makes of it.
 struct CompiledSource
 {
-    std::vector<krFrontend::Program> programs; ///< in the order of scenes::plainTargets(); fewer where there are problems
-    std::string problems;                      ///< what the front end says against the source, a line each
+    std::vector<krFrontend::Program>
+        programs;         ///< in the order of scenes::plainTargets(); fewer where there are problems
+    std::string problems; ///< what the front end says against the source, a line each
 };
 
 /// Compiles the first material of a source with all its lights, for every target that plain KRSL has too.

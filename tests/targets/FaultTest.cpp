@@ -110,7 +110,8 @@ TEST(Translations, NeedNoLargeStack)
     std::string sum = "u";
     for (unsigned i = 0; i < 4000; ++i)
         sum += " + u";
-    const Request request = requestOf("material m(uniform float u, out float4 outRGBA)\n{ outRGBA = float4(" + sum + "); }\n");
+    const Request request =
+        requestOf("material m(uniform float u, out float4 outRGBA)\n{ outRGBA = float4(" + sum + "); }\n");
     const krFrontend::Program program = compileFor(request, *findTarget("glsl450")).program;
     struct Work
     {
@@ -126,8 +127,8 @@ TEST(Translations, NeedNoLargeStack)
         Work& own = *static_cast<Work*>(argument);
         std::vector<krFrontend::ProgramDiagnostic> faults;
         const auto binary = krTargets::SpirvProgram::build(own.program, faults);
-        own.isDone = binary && binary->translate(*findTarget("msl"), faults) &&
-                     binary->translate(*findTarget("hlsl"), faults);
+        own.isDone =
+            binary && binary->translate(*findTarget("msl"), faults) && binary->translate(*findTarget("hlsl"), faults);
         return nullptr;
     };
     ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);

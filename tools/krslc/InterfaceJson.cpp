@@ -122,14 +122,13 @@ ordered_json jsonOf(const CompiledProgram& compiled)
     unsigned samplers = 0;
     for (const krFrontend::UniformInterface& uniform : interface.uniforms)
     {
-        ordered_json& json = uniforms.emplace_back(
-            ordered_json{{"programName", isSampler(uniform.type) ? uniform.programName
-                                                                 : addresses.uniformName(uniform.programName)},
-                         {"name", uniform.name},
-                         {"light", uniform.light.empty() ? ordered_json() : ordered_json(uniform.light)},
-                         {"type", dataTypeName(uniform.type)},
-                         {"default", jsonOf(uniform.defaultValue)},
-                         {"metadata", jsonOf(uniform.metadata)}});
+        ordered_json& json = uniforms.emplace_back(ordered_json{
+            {"programName", isSampler(uniform.type) ? uniform.programName : addresses.uniformName(uniform.programName)},
+            {"name", uniform.name},
+            {"light", uniform.light.empty() ? ordered_json() : ordered_json(uniform.light)},
+            {"type", dataTypeName(uniform.type)},
+            {"default", jsonOf(uniform.defaultValue)},
+            {"metadata", jsonOf(uniform.metadata)}});
         addresses.addPlace(json, uniform.type, uniform.offset, uniform.matrixStride);
         json["binding"] = addresses.binding(uniform.binding);
         const krTargets::SamplerPlace* place = isSampler(uniform.type) ? addresses.sampler(samplers++) : nullptr;
@@ -146,10 +145,10 @@ ordered_json jsonOf(const CompiledProgram& compiled)
                           {"metadata", jsonOf(input.metadata)}});
     ordered_json frameUniforms = ordered_json::array();
     for (const krFrontend::FrameUniformInterface& uniform : interface.block.frameUniforms)
-        addresses.addPlace(frameUniforms.emplace_back(ordered_json{
-                               {"programName", addresses.uniformName(uniform.programName)},
-                               {"type", dataTypeName(uniform.type)}}),
-                           uniform.type, uniform.offset, uniform.matrixStride);
+        addresses.addPlace(
+            frameUniforms.emplace_back(ordered_json{{"programName", addresses.uniformName(uniform.programName)},
+                                                    {"type", dataTypeName(uniform.type)}}),
+            uniform.type, uniform.offset, uniform.matrixStride);
     ordered_json frameInputs = ordered_json::array();
     for (const krFrontend::FrameInputInterface& input : interface.block.frameInputs)
         frameInputs.push_back({{"programName", input.programName},

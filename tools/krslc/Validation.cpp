@@ -44,8 +44,8 @@ void addFindings(const ordered_json& list, krTools::Findings& findings)
         findings.add({row[0], row[1], row[2]});
 }
 
-[[noreturn]] void checkInChild(const Target& target, const krTools::Source& vertex,
-                               const krTools::Source& fragment, int output)
+[[noreturn]] void checkInChild(const Target& target, const krTools::Source& vertex, const krTools::Source& fragment,
+                               int output)
 {
     constexpr rlim_t kMaxSeconds = 60;
     const rlimit seconds{kMaxSeconds, kMaxSeconds};

@@ -107,8 +107,9 @@ void addCompile(CLI::App& app, Command& command)
         ->allow_extra_args(false);
     compileApp
         ->add_option("-o", options.base,
-                     "write " + endings() + "; with a slash at its end BASE is a folder, and the files take the "
-                     "material's name; \"-\" for standard output")
+                     "write " + endings() +
+                         "; with a slash at its end BASE is a folder, and the files take the "
+                         "material's name; \"-\" for standard output")
         ->type_name("BASE");
     compileApp->add_option("--vertex", options.vertexFile, "where the vertex program goes")->type_name("FILE");
     compileApp->add_option("--fragment", options.fragmentFile, "where the fragment program goes")->type_name("FILE");

@@ -28,9 +28,12 @@ struct Dialect
 };
 
 constexpr std::array kDialects{
-    Dialect{"glsl", glslang::EShSourceGlsl, 120, false, false},    Dialect{"glsl330", glslang::EShSourceGlsl, 330, false, false},
-    Dialect{"glsl450", glslang::EShSourceGlsl, 450, true, false},  Dialect{"essl300", glslang::EShSourceGlsl, 300, false, false},
-    Dialect{"essl100", glslang::EShSourceGlsl, 100, false, true},  Dialect{"hlsl", glslang::EShSourceHlsl, 500, true, false},
+    Dialect{"glsl", glslang::EShSourceGlsl, 120, false, false},
+    Dialect{"glsl330", glslang::EShSourceGlsl, 330, false, false},
+    Dialect{"glsl450", glslang::EShSourceGlsl, 450, true, false},
+    Dialect{"essl300", glslang::EShSourceGlsl, 300, false, false},
+    Dialect{"essl100", glslang::EShSourceGlsl, 100, false, true},
+    Dialect{"hlsl", glslang::EShSourceHlsl, 500, true, false},
 };
 
 TBuiltInResource resourcesOf(const Dialect& dialect)

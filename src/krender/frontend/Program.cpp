@@ -128,9 +128,9 @@ private:
         std::vector<ShaderUse> shaders{{fRequest.module, fMaterial}};
         for (const Light& light : fLights)
             shaders.push_back({light.use->module, light.function});
-        TargetLimits(fTarget, [this](const Module& module, Message message, SourceRange range,
-                                     std::initializer_list<std::string_view> words)
-                     { report(module, message, range, words); })
+        TargetLimits(fTarget,
+                     [this](const Module& module, Message message, SourceRange range,
+                            std::initializer_list<std::string_view> words) { report(module, message, range, words); })
             .check(shaders);
     }
 
@@ -298,18 +298,17 @@ private:
         for (const Light& light : fLights)
             describeUniforms(interface, *light.use->module, *light.function, light.use->key, light.key);
         Lowering& lowering = *fLowerings.at(fRequest.module);
-        forEachInput(
-            *fRequest.module, *fMaterial, krShadingDag::kVertexRange,
-            [&](const Symbol& input)
-            {
-                VertexInputInterface& described = interface.vertexInputs.emplace_back();
-                described.name = text(*fRequest.module, input.name);
-                described.programName = lowering.nameOf(input);
-                described.type = dataType(input.type);
-                described.metadata = metadataOf(fRequest.module->contents(), input);
-                if (fTarget.interpolants != 0)
-                    described.texCoord = static_cast<int>(interface.vertexInputs.size());
-            });
+        forEachInput(*fRequest.module, *fMaterial, krShadingDag::kVertexRange,
+                     [&](const Symbol& input)
+                     {
+                         VertexInputInterface& described = interface.vertexInputs.emplace_back();
+                         described.name = text(*fRequest.module, input.name);
+                         described.programName = lowering.nameOf(input);
+                         described.type = dataType(input.type);
+                         described.metadata = metadataOf(fRequest.module->contents(), input);
+                         if (fTarget.interpolants != 0)
+                             described.texCoord = static_cast<int>(interface.vertexInputs.size());
+                     });
         std::uint8_t provided = fMaterial->provided;
         for (const Light& light : fLights)
             provided |= light.function->provided;

@@ -180,8 +180,7 @@ bool TargetLimits::isChangedIn(const Stmt* first, const Symbol& counter)
     forEachExpr(first,
                 [&](Expr* root, const Symbol*)
                 {
-                    fWalk(root,
-                          [&](Expr* expr)
+                    fWalk(root, [&](Expr* expr)
                           { forEachChanged(*expr, [&](const Symbol& symbol) { isChanged |= &symbol == &counter; }); });
                 });
     return isChanged;
