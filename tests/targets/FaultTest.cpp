@@ -30,6 +30,9 @@ material m(uniform float a, uniform bool lit, uniform matrix2 turn, uniform samp
         outRGBA.rgb += gLightDiffuseColor * b * c;
     }
     outRGBA.x += lit ? float(i.x + j.z) : 0;
+
+    // Not in the program.
+    outRGBA.y += a;
 }
 )";
 
@@ -65,6 +68,7 @@ TEST(LineDirectives, CountTheLinesOfTheSource)
     };
     EXPECT_EQ(lineOf("outLightDiffuseColor = isOn"), "#line 4 + 0 \"source.krs\"");
     EXPECT_EQ(lineOf("outRGBA.rgb += "), "#line 13 + 0 \"source.krs\"");
+    EXPECT_EQ(lineOf("outRGBA.y += a;"), "#line 18 + 0 \"source.krs\"");
     const std::size_t own = text.find("kr_FragColor = outRGBA;");
     const auto number = std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(own), '\n') + 1;
     EXPECT_EQ(lineOf("kr_FragColor = outRGBA;"), "#line " + std::to_string(number) + " + 0 \"program\"");
