@@ -1,5 +1,7 @@
 #include "krender-targets/private/GlslCompiler.h"
 
+#include <krender/frontend/Program.h>
+
 #include <glslang/Public/ResourceLimits.h>
 #include <glslang/Public/ShaderLang.h>
 #include <glslang/SPIRV/GlslangToSpv.h>
@@ -27,21 +29,6 @@ void startGlslang()
         ~Process() { glslang::FinalizeProcess(); }
     };
     static const Process process;
-}
-
-/// The text with its #line directives emptied: what is found goes by the text's own lines.
-std::string withoutDirectives(std::string_view text)
-{
-    constexpr std::string_view kDirective = "#line ";
-    std::string plain;
-    plain.reserve(text.size());
-    while (!text.empty())
-    {
-        const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
-        plain += text.starts_with(kDirective) ? "\n" : text.substr(0, end);
-        text.remove_prefix(end);
-    }
-    return plain;
 }
 
 /// Takes a number and a colon off the front of a text; 0 when they are not there.
@@ -126,8 +113,8 @@ void validate(const std::vector<std::uint32_t>& code, bool isFragment, std::vect
 Binaries compileGlsl(std::string_view vertex, std::string_view fragment, std::vector<Fault>& faults)
 {
     startGlslang();
-    const std::string vertexText = withoutDirectives(vertex);
-    const std::string fragmentText = withoutDirectives(fragment);
+    const std::string vertexText = krFrontend::withoutLineDirectives(vertex);
+    const std::string fragmentText = krFrontend::withoutLineDirectives(fragment);
     glslang::TShader vertexShader(EShLangVertex);
     glslang::TShader fragmentShader(EShLangFragment);
     parse(vertexShader, vertexText, faults);

@@ -25,8 +25,8 @@ ProgramDiagnostic diagnosticOf(const Fault& fault, const Program& program)
     found.diagnostic.text = "this is a fault of krender's: " + fault.text;
     if (fault.line == 0)
         return found;
-    found.diagnostic.text +=
-        ", in line " + std::to_string(fault.line) + (fault.isFragment ? " of the fragment" : " of the vertex") + " program";
+    found.diagnostic.text += ", in line " + std::to_string(fault.line) +
+                             (fault.isFragment ? " of the fragment" : " of the vertex") + " program";
     if (fault.isFragment && fault.line <= program.fragmentOrigins.size())
         if (const krFrontend::LineOrigin& origin = program.fragmentOrigins[fault.line - 1]; origin.module)
         {

@@ -43,7 +43,7 @@ struct Translation
     Addressing addressing = Addressing::Binding;
     /// Where a target has no blocks, and each uniform is set by itself: what stands ahead of its name, "kr."; else empty.
     std::string uniformPrefix;
-    bool hasSemantics = false; ///< whether vertex inputs go by TEXCOORDn, as in HLSL
+    bool hasSemantics = false;          ///< whether vertex inputs go by TEXCOORDn, as in HLSL
     std::vector<SamplerPlace> samplers; ///< in the order of the interface's samplers; empty unless they have indices
 };
 

@@ -197,7 +197,7 @@ struct Road
 };
 
 constexpr std::array kRoads{
-    Road{"spirv", translateToSpirv},   Road{"glsl330", translateToGlsl}, Road{"essl300", translateToGlsl},
+    Road{"spirv", translateToSpirv},  Road{"glsl330", translateToGlsl}, Road{"essl300", translateToGlsl},
     Road{"essl100", translateToGlsl}, Road{"hlsl", translateToHlsl},    Road{"msl", translateToMsl},
 };
 

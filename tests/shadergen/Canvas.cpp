@@ -257,9 +257,9 @@ void putValue(Bytes& block, DataType type, const std::string& name, int offset, 
         return put(offset, vector[0] < 0.6f ? 1 : 2);
     for (int i = 0; i < rows; ++i)
         for (int column = 0; column < (matrixStride > 0 ? rows : 1); ++column)
-            put(offset + column * matrixStride + 4 * i,
-                matrixStride > 0 ? matrixFor(name)[static_cast<std::size_t>(4 * i + column)]
-                                 : vector[static_cast<std::size_t>(i)]);
+            put(offset + column * matrixStride + 4 * i, matrixStride > 0
+                                                            ? matrixFor(name)[static_cast<std::size_t>(4 * i + column)]
+                                                            : vector[static_cast<std::size_t>(i)]);
 }
 
 /// A buffer that holds the numbers, bound.
@@ -291,7 +291,9 @@ Canvas::Canvas(Api api) : fApi(api)
     EGLint configs = 0;
     require(eglChooseConfig(fDisplay, wanted, &config, 1, &configs) && configs == 1, "no EGL configuration");
     fContext = eglCreateContext(fDisplay, config, EGL_NO_CONTEXT,
-                                isEmbedded ? embedded : api == Api::Core ? core : nullptr);
+                                isEmbedded         ? embedded
+                                : api == Api::Core ? core
+                                                   : nullptr);
     makeCurrent();
 
     GLuint framebuffer = 0;
@@ -371,8 +373,7 @@ std::vector<std::uint8_t> Canvas::pixels()
     return pixels;
 }
 
-std::vector<std::uint8_t> Canvas::draw(const scenes::Programs& programs,
-                                       const krFrontend::ProgramInterface& interface)
+std::vector<std::uint8_t> Canvas::draw(const scenes::Programs& programs, const krFrontend::ProgramInterface& interface)
 {
     makeCurrent();
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);

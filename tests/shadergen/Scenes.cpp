@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <span>
+#include <sstream>
 #include <string_view>
 
 namespace scenes

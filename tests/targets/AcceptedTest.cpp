@@ -80,14 +80,68 @@ TEST(GeneratedPrograms, AreAcceptedForEveryTarget)
 
 // Words that one of the languages keeps, calls, or makes up when it is translated to; none may fail a tool, and hosts
 // find each input under the name that the interface tells.
-const std::vector<std::string> kOddNames{
-    "_1",         "_a",        "a__b",     "gl",         "gl_Position", "kr",        "kr_Vertex",  "Vertex",   "Normal",
-    "sample",     "buffer",    "patch",    "smooth",     "resource",    "uint",      "texture",    "sampler",  "Texture2D",
-    "cbuffer",    "register",  "half",     "float3x3",   "min16float",  "lerp",      "frac",       "mad",      "saturate",
-    "constant",   "device",    "thread",   "kernel",     "main0",       "main0_in",  "stage_in",   "M_PI_F",   "INFINITY",
-    "FLT_MAX",    "METAL_X",   "GL_ES",    "VULKAN",     "and",         "xor",       "constexpr",  "nullptr",  "typename",
-    "fma",        "round",     "mix",      "inverse",    "transpose",   "spvFract",  "SPIRV_Cross_Input",      "discard_fragment",
-    "average",    "param_1",   "type_1",   "color_1",    "in",          "precise",   "packed_float3", "program", "line"};
+const std::vector<std::string> kOddNames{"_1",
+                                         "_a",
+                                         "a__b",
+                                         "gl",
+                                         "gl_Position",
+                                         "kr",
+                                         "kr_Vertex",
+                                         "Vertex",
+                                         "Normal",
+                                         "sample",
+                                         "buffer",
+                                         "patch",
+                                         "smooth",
+                                         "resource",
+                                         "uint",
+                                         "texture",
+                                         "sampler",
+                                         "Texture2D",
+                                         "cbuffer",
+                                         "register",
+                                         "half",
+                                         "float3x3",
+                                         "min16float",
+                                         "lerp",
+                                         "frac",
+                                         "mad",
+                                         "saturate",
+                                         "constant",
+                                         "device",
+                                         "thread",
+                                         "kernel",
+                                         "main0",
+                                         "main0_in",
+                                         "stage_in",
+                                         "M_PI_F",
+                                         "INFINITY",
+                                         "FLT_MAX",
+                                         "METAL_X",
+                                         "GL_ES",
+                                         "VULKAN",
+                                         "and",
+                                         "xor",
+                                         "constexpr",
+                                         "nullptr",
+                                         "typename",
+                                         "fma",
+                                         "round",
+                                         "mix",
+                                         "inverse",
+                                         "transpose",
+                                         "spvFract",
+                                         "SPIRV_Cross_Input",
+                                         "discard_fragment",
+                                         "average",
+                                         "param_1",
+                                         "type_1",
+                                         "color_1",
+                                         "in",
+                                         "precise",
+                                         "packed_float3",
+                                         "program",
+                                         "line"};
 
 std::string oneOf(const std::vector<std::string>& names, const char* before, const char* behind)
 {
@@ -121,10 +175,10 @@ TEST(OddNames, AreSamplersAndVertexInputsOfEveryTarget)
     {
         const std::vector<std::string> names(kOddNames.begin() + static_cast<std::ptrdiff_t>(i),
                                              kOddNames.begin() + static_cast<std::ptrdiff_t>(i) + 4);
-        const Request request =
-            requestOf("material m(" + oneOf(names, "uniform sampler2D s_", ", ") + oneOf(names, "vertex float2 ", ", ") +
-                      "out float4 outRGBA)\n{\nfloat2 sum = float2(0);\n" + oneOf(names, "sum += ", ";\n") +
-                      oneOf(names, "sum += texture2D(s_", ", sum).xy;\n") + "outRGBA = float4(sum, sum);\n}\n");
+        const Request request = requestOf(
+            "material m(" + oneOf(names, "uniform sampler2D s_", ", ") + oneOf(names, "vertex float2 ", ", ") +
+            "out float4 outRGBA)\n{\nfloat2 sum = float2(0);\n" + oneOf(names, "sum += ", ";\n") +
+            oneOf(names, "sum += texture2D(s_", ", sum).xy;\n") + "outRGBA = float4(sum, sum);\n}\n");
         EXPECT_EQ(expectAccepted(request, names[0]), 0u);
     }
 }
@@ -174,9 +228,9 @@ TEST(Targets, RefuseAtTheSourceWhatTheyCannotDo)
         return requestOf("material m(" + inputs + "out float4 outRGBA) { outRGBA = " + use + "; }\n");
     };
     const Target& spirv = *findTarget("spirv");
-    for (const auto& [most, type, use] : {std::tuple(12u, "vertex float4", "v0"),
-                                          std::tuple(16u, "uniform sampler2D", "texture2D(v0, float2(0))"),
-                                          std::tuple((16384u - 208u) / 64u, "uniform matrix4", "v0[0]")})
+    for (const auto& [most, type, use] :
+         {std::tuple(12u, "vertex float4", "v0"), std::tuple(16u, "uniform sampler2D", "texture2D(v0, float2(0))"),
+          std::tuple((16384u - 208u) / 64u, "uniform matrix4", "v0[0]")})
     {
         EXPECT_EQ(compileFor(many(most, type, use), spirv).problems, "") << type;
         EXPECT_NE(compileFor(many(most + 1, type, use), spirv).problems, "") << type;

@@ -9,6 +9,7 @@
 #include <map>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 namespace
@@ -29,6 +30,9 @@ material m(uniform float a, uniform bool lit, uniform matrix2 turn, uniform samp
         outRGBA.rgb += gLightDiffuseColor * b * c;
     }
     outRGBA.x += lit ? float(i.x + j.z) : 0;
+
+    // Not in the program.
+    outRGBA.y += a;
 }
 )";
 
@@ -46,6 +50,28 @@ TEST(Faults, StandAtTheLineOfTheSource)
     const krFrontend::SourceLocation at = request.modules[0].sources().location(faults[0].diagnostic.range.begin);
     EXPECT_EQ(at.line, 13u);
     EXPECT_EQ(at.column, 9u);
+}
+
+// What another compiler finds stands at the source's line too.
+TEST(LineDirectives, CountTheLinesOfTheSource)
+{
+    const std::string text = compileFor(requestOf(kSource), *findTarget("glsl450")).program.fragment;
+    const auto lineOf = [&text](const std::string& words)
+    {
+        const std::size_t at = text.find(words);
+        const std::size_t directive = text.rfind("#line ", at);
+        const std::size_t first = text.find('\n', directive) + 1;
+        const auto behind = std::count(text.begin() + static_cast<std::ptrdiff_t>(first),
+                                       text.begin() + static_cast<std::ptrdiff_t>(at), '\n');
+        return text.substr(directive, text.find(' ', directive + 6) - directive) + " + " + std::to_string(behind) +
+               text.substr(text.find(' ', directive + 6), first - 1 - text.find(' ', directive + 6));
+    };
+    EXPECT_EQ(lineOf("outLightDiffuseColor = isOn"), "#line 4 + 0 \"source.krs\"");
+    EXPECT_EQ(lineOf("outRGBA.rgb += "), "#line 13 + 0 \"source.krs\"");
+    EXPECT_EQ(lineOf("outRGBA.y += a;"), "#line 18 + 0 \"source.krs\"");
+    const std::size_t own = text.find("kr_FragColor = outRGBA;");
+    const auto number = std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(own), '\n') + 1;
+    EXPECT_EQ(lineOf("kr_FragColor = outRGBA;"), "#line " + std::to_string(number) + " + 0 \"program\"");
 }
 
 TEST(Faults, OfLengthAndOfStagesThatDisagreeHaveNoPlace)
@@ -102,6 +128,18 @@ TEST(Interface, HasThePlacesThatTheCodeHas)
             EXPECT_EQ(bindings[uniform.programName], static_cast<unsigned>(uniform.binding)) << uniform.programName;
     EXPECT_EQ(member, type.member_types.size());
     EXPECT_EQ(bindings.size(), 2u);
+
+    for (const auto& [name, texture, sampler] :
+         {std::tuple("hlsl", "register(t", "register(s"), std::tuple("msl", "[[texture(", "[[sampler(")})
+    {
+        const auto translation = binary->translate(*findTarget(name), faults);
+        ASSERT_TRUE(translation && translation->samplers.size() == 2) << name;
+        const std::string place = std::to_string(translation->samplers[1].texture) + ")";
+        const std::string& text = translation->fragment;
+        EXPECT_NE(text.find(texture + place, text.find(" sunslide")), std::string::npos) << name;
+        EXPECT_NE(text.find(sampler + place, text.find(" sunslide")), std::string::npos) << name;
+        EXPECT_EQ(text.find(texture + std::string("2)")), std::string::npos) << name;
+    }
 }
 
 // The longest expression that the front end takes, in a thread with little room.
@@ -110,7 +148,8 @@ TEST(Translations, NeedNoLargeStack)
     std::string sum = "u";
     for (unsigned i = 0; i < 4000; ++i)
         sum += " + u";
-    const Request request = requestOf("material m(uniform float u, out float4 outRGBA)\n{ outRGBA = float4(" + sum + "); }\n");
+    const Request request =
+        requestOf("material m(uniform float u, out float4 outRGBA)\n{ outRGBA = float4(" + sum + "); }\n");
     const krFrontend::Program program = compileFor(request, *findTarget("glsl450")).program;
     struct Work
     {
@@ -126,8 +165,8 @@ TEST(Translations, NeedNoLargeStack)
         Work& own = *static_cast<Work*>(argument);
         std::vector<krFrontend::ProgramDiagnostic> faults;
         const auto binary = krTargets::SpirvProgram::build(own.program, faults);
-        own.isDone = binary && binary->translate(*findTarget("msl"), faults) &&
-                     binary->translate(*findTarget("hlsl"), faults);
+        own.isDone =
+            binary && binary->translate(*findTarget("msl"), faults) && binary->translate(*findTarget("hlsl"), faults);
         return nullptr;
     };
     ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);

@@ -55,14 +55,14 @@ using texturecube = Texture<T, float3>;
 namespace fast
 {
 using namespace glm;
-using glm::detail::length;
 using glm::length;
+using glm::detail::length;
 } // namespace fast
 namespace precise
 {
 using namespace glm;
 inline float atan2(float y, float x) { return std::atan2(y, x); }
-}
+} // namespace precise
 template <class T>
 T dfdx(T x);
 template <class T>

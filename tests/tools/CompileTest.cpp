@@ -204,8 +204,8 @@ TEST_F(CompileTest, WritesTheInterfaceOfThePrograms)
                  "material d(uniform float half = 0.1 [[ string label = \"Half\", float max = 1 ]], vertex float2 "
                  "uv,\nfloat3 gWorldPos, out float4 outRGBA)\n{ outRGBA = float4(gWorldPos, half + uv.x);\n"
                  "illuminance { outRGBA.xyz += gLightDiffuseColor; } }\n");
-    const Outcome outcome = compile(
-        {"--material", "d.krs", "--target", "cg,hlsl,glsl,glsl450", "--light", "k=redLight", "-o", "x", "--interface", "i.json"});
+    const Outcome outcome = compile({"--material", "d.krs", "--target", "cg,hlsl,glsl,glsl450", "--light", "k=redLight",
+                                     "-o", "x", "--interface", "i.json"});
     ASSERT_EQ(outcome.status, 0) << outcome.err;
     const std::string text = fPlace.read("i.json");
     EXPECT_EQ(schemaFault(text, "krslc-program"), "");

@@ -83,14 +83,14 @@ void settleTargets(std::vector<TargetChoice>& choices, bool asPlain, bool keepsI
         if (why.empty())
             settled.push_back(choice);
         else if (choice.isNamed)
-            throw UsageError("--target " + name + ": " + why);
+            throw UsageError(std::string("--target ").append(name).append(": ").append(why));
         else if (leftOut.empty() || leftOut.back().first != why)
             leftOut.emplace_back(why, name);
         else
-            leftOut.back().second += ", " + name;
+            leftOut.back().second.append(", ").append(name);
     }
     for (const auto& [why, names] : leftOut)
-        messages.note("left out: " + names + ": " + why);
+        messages.note(std::string("left out: ").append(names).append(": ").append(why));
     choices = std::move(settled);
 }
 

@@ -2,6 +2,7 @@
 
 #include <validation/GlslangLog.h>
 
+#include <krender/frontend/Program.h>
 #include <krender/shadergen/Target.h>
 
 #include <glslang/Public/ResourceLimits.h>
@@ -63,7 +64,7 @@ void compile(glslang::TShader& shader, const Dialect& dialect, const Target& tar
              Findings& findings)
 {
     // glslang wants the version in the first of the strings that are not skipped, an empty one included.
-    const std::string_view text = program.text();
+    const std::string text = krFrontend::withoutLineDirectives(program.text());
     const std::string_view preamble = target.preamble;
     const bool isWhole = preamble.empty() || text.starts_with("#version");
     const std::array<const char*, 2> strings{isWhole ? text.data() : preamble.data(), text.data()};

@@ -14,6 +14,17 @@ namespace krFrontend
 namespace
 {
 
+constexpr std::string_view kDirective = "#line ";
+
+/// Takes the first line off a text, with its line break.
+std::string_view takeLine(std::string_view& text)
+{
+    const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
+    const std::string_view line = text.substr(0, end);
+    text.remove_prefix(end);
+    return line;
+}
+
 /// The name of a file without its folder, which differs from machine to machine, fit to stand between quotes.
 std::string shownName(std::string_view path)
 {
@@ -25,6 +36,18 @@ std::string shownName(std::string_view path)
 
 } // namespace
 
+std::string withoutLineDirectives(std::string_view text)
+{
+    std::string plain;
+    plain.reserve(text.size());
+    while (!text.empty())
+    {
+        const std::string_view line = takeLine(text);
+        plain += line.starts_with(kDirective) ? "\n" : line;
+    }
+    return plain;
+}
+
 void addLineDirectives(Program& program)
 {
     constexpr std::string_view kOwnName = "program";
@@ -35,9 +58,7 @@ void addLineDirectives(Program& program)
     std::string_view rest = program.fragment;
     for (std::size_t i = 0; !rest.empty(); ++i)
     {
-        const std::size_t end = std::min(rest.find('\n'), rest.size() - 1) + 1;
-        const std::string_view line = rest.substr(0, end);
-        rest.remove_prefix(end);
+        const std::string_view line = takeLine(rest);
         const LineOrigin origin = i < program.fragmentOrigins.size() ? program.fragmentOrigins[i] : LineOrigin();
         const SourceLocation place =
             origin.module ? origin.module->sources().location(origin.offset) : SourceLocation{"", 0, 0};
@@ -48,7 +69,7 @@ void addLineDirectives(Program& program)
         {
             origins.emplace_back();
             const std::size_t number = origin.module ? place.line : origins.size() + 1;
-            text += "#line " + std::to_string(number) + " \"" +
+            text += std::string(kDirective) + std::to_string(number) + " \"" +
                     (origin.module ? shownName(place.file) : std::string(kOwnName)) + "\"\n";
         }
         lastFile = isBare && !follows ? lastFile : place.file;

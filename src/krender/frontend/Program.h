@@ -9,6 +9,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace krFrontend
@@ -57,6 +58,10 @@ struct Program
         fragmentOrigins; ///< of line n at n - 1; the lines behind the last one are the program's own
     ProgramInterface interface;
 };
+
+/// A program's text with its #line directives emptied, so that a compiler counts the text's own lines, which
+/// fragmentOrigins goes by.
+[[nodiscard]] KRENDER_EXPORT std::string withoutLineDirectives(std::string_view text);
 
 /// Writes a program. It throws nothing for a source.
 /// @param problems  appended to; warnings and errors of the modules are not among them

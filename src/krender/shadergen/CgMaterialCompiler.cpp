@@ -202,10 +202,10 @@ void compile(const krShadingDag::ShadingNodeSpec& material, const std::vector<Li
     const UniformSections uniforms = declareUniforms(kCg, material, lights, sections, extras);
 
     vertexProgram = join({connectors.view(), kVertexHead, connections.copies, kVertexTail});
-    fragmentProgram = joinFragment({connectors.view()},
-                                   {kFragmentHead, uniforms.lights, "\n\t// MATERIAL\n\t//\n",
-                                    uniforms.material, kFragmentHeadEnd, sections.body},
-                                   sections, extras);
+    fragmentProgram = joinFragment(
+        {connectors.view()},
+        {kFragmentHead, uniforms.lights, "\n\t// MATERIAL\n\t//\n", uniforms.material, kFragmentHeadEnd, sections.body},
+        sections, extras);
     if (extras && extras->isTooLarge)
         vertexProgram = "";
 }

@@ -130,8 +130,8 @@ void compile(const krShadingDag::ShadingNodeSpec& material, const std::vector<Li
     const UniformSections uniforms = declareUniforms(kGlsl, material, lights, sections, extras);
 
     vertexProgram = join({kAttributes, attributes, varyings, kPrologue, kVertexHead, copies, kVertexTail});
-    fragmentProgram = joinFragment({varyings, kPrologue, kUniformsHead, uniforms.lights,
-                                    "\n\t// MATERIAL\n\t//\n", uniforms.material, kUniformsEnd},
+    fragmentProgram = joinFragment({varyings, kPrologue, kUniformsHead, uniforms.lights, "\n\t// MATERIAL\n\t//\n",
+                                    uniforms.material, kUniformsEnd},
                                    {kFragmentHead, sections.body}, sections, extras);
     if (extras && extras->isTooLarge)
         vertexProgram = "";

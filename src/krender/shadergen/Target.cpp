@@ -280,11 +280,10 @@ bool isCgShape(std::string_view word) noexcept
 bool isVulkanShape(std::string_view word) noexcept
 {
     constexpr auto kScalars = std::to_array<std::string_view>(
-        {"bfloat",   "bool",       "char",     "double",    "dword", "float", "half", "int",   "long",  "min10float",
-         "min12int", "min16float", "min16int", "min16uint", "short", "uchar", "uint", "ulong", "ushort"});
+        {"bfloat", "bool", "char", "double", "dword", "float", "half", "int", "long", "min10float", "min12int",
+         "min16float", "min16int", "min16uint", "short", "uchar", "uint", "ulong", "ushort"});
     constexpr std::array<std::string_view, 7> kPrefixes{"GL_", "METAL_", "SPIRV_", "SPV_", "main0", "packed_", "spv"};
-    return hasShape(kScalars, word) || word.starts_with('_') ||
-           word.find("__") != std::string_view::npos ||
+    return hasShape(kScalars, word) || word.starts_with('_') || word.find("__") != std::string_view::npos ||
            std::any_of(kPrefixes.begin(), kPrefixes.end(),
                        [word](std::string_view prefix) { return word.starts_with(prefix); });
 }
@@ -322,8 +321,9 @@ constexpr Target vulkanRow(std::string_view name, std::string_view vertexEnding,
 
 constexpr Target oldestEmbeddedRow()
 {
-    Target row = vulkanRow("essl100", ".essl100.vert", ".essl100.frag",
-                           kLacksVolumes | kLacksShadows | kLacksLineShadows | kLacksOpenLoops | kLacksOpenIndices, true);
+    Target row =
+        vulkanRow("essl100", ".essl100.vert", ".essl100.frag",
+                  kLacksVolumes | kLacksShadows | kLacksLineShadows | kLacksOpenLoops | kLacksOpenIndices, true);
     row.vertexInputs = 5;
     row.samplers = 8;
     row.blockBytes = 0;

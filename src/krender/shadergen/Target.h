@@ -24,10 +24,10 @@ inline constexpr unsigned kTargetLanguageCount = 3;
 enum TargetLack : std::uint8_t
 {
     kLacksNothing = 0,
-    kLacksVolumes = 1,     ///< sampler3D
-    kLacksShadows = 2,     ///< sampler2DShadow
-    kLacksLineShadows = 4, ///< sampler1DShadow
-    kLacksOpenLoops = 8,   ///< loops, but for a "for" that counts a variable from a constant to a constant
+    kLacksVolumes = 1,      ///< sampler3D
+    kLacksShadows = 2,      ///< sampler2DShadow
+    kLacksLineShadows = 4,  ///< sampler1DShadow
+    kLacksOpenLoops = 8,    ///< loops, but for a "for" that counts a variable from a constant to a constant
     kLacksOpenIndices = 16, ///< indices, but for constants and the variables of such loops
 };
 

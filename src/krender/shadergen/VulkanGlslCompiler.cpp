@@ -110,18 +110,18 @@ struct Uniforms
         for (const FrameValue& value : kFrameUniforms)
             appendAll(block, {"\t", dataTypeName(value.type), " ", value.name, ";\n"});
         unsigned binding = 0;
-        forEachUniform(material, lights,
-                       [&](std::string_view key, const krShadingDag::ShadingAttribute& input)
-                       {
-                           const DataType type = input.dataType();
-                           const std::string_view name = input.name().view();
-                           if (isSampler(type))
-                               appendAll(samplers, {"layout(set = 0, binding = ", toString(++binding).view(),
-                                                    ") uniform ", dataTypeName(type), " ", key, name, ";\n"});
-                           else
-                               appendAll(block, {"\t", dataTypeName(type == kBool ? kInt : type), " ", key, name,
-                                                 ";\n"});
-                       });
+        forEachUniform(
+            material, lights,
+            [&](std::string_view key, const krShadingDag::ShadingAttribute& input)
+            {
+                const DataType type = input.dataType();
+                const std::string_view name = input.name().view();
+                if (isSampler(type))
+                    appendAll(samplers, {"layout(set = 0, binding = ", toString(++binding).view(), ") uniform ",
+                                         dataTypeName(type), " ", key, name, ";\n"});
+                else
+                    appendAll(block, {"\t", dataTypeName(type == kBool ? kInt : type), " ", key, name, ";\n"});
+            });
         block += "};\n";
     }
 
@@ -164,8 +164,8 @@ void compileMaterialToVulkanGlsl(const krShadingDag::ShadingNodeSpec& material, 
 
     const Uniforms uniforms(material, lights);
     const FragmentSections sections = writeFragment(kVulkanGlsl, material, lights, aliases, true);
-    vertexProgram = join(
-        {kPrologue, attributes.text(), "\n", outputs.text(), uniforms.block, kVertexMain, copies, "}\n"});
+    vertexProgram =
+        join({kPrologue, attributes.text(), "\n", outputs.text(), uniforms.block, kVertexMain, copies, "}\n"});
     fragmentProgram = joinFragment({kPrologue, inputs.text(), "\nlayout(location = 0) out vec4 kr_FragColor;\n",
                                     uniforms.block, "\n", uniforms.samplers, "\n"},
                                    {"void main()\n", sections.body}, sections, &extras);

@@ -910,4 +910,5 @@ inline constexpr std::array kVulkanWords = std::to_array<std::string_view>({
     "xor",
     "xor_eq",
 });
+
 static_assert(std::is_sorted(kVulkanWords.begin(), kVulkanWords.end()));
