@@ -1,5 +1,7 @@
 #include <common/Source.h>
 
+#include <common/Descriptor.h>
+
 #include <krender/shading/MemMappedFile.h>
 
 #include <fcntl.h>
@@ -18,24 +20,6 @@ namespace
 
 /// Some editors begin UTF-8 files with it; it is no part of the text.
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
-
-class Descriptor
-{
-public:
-    explicit Descriptor(int descriptor) noexcept : fDescriptor(descriptor) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor()
-    {
-        if (fDescriptor > STDIN_FILENO)
-            ::close(fDescriptor);
-    }
-
-    [[nodiscard]] int get() const noexcept { return fDescriptor; }
-
-private:
-    int fDescriptor;
-};
 
 [[noreturn]] void fail(const std::string& name, const std::string& reason)
 {

@@ -6,6 +6,7 @@
 #include <common/Findings.h>
 #include <common/UsageError.h>
 
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -30,6 +31,8 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    // A file past the limit for its size is then an error like any other, and leaves nothing behind.
+    std::signal(SIGXFSZ, SIG_IGN);
     try
     {
         return run(argc, argv);
