@@ -13,6 +13,7 @@
 #include <krender/frontend/Diagnostic.h>
 #include <krender/frontend/Interface.h>
 #include <krender/frontend/Module.h>
+#include <krender/frontend/NearNames.h>
 #include <krender/frontend/PlainReading.h>
 #include <krender/frontend/Program.h>
 #include <krender/frontend/SourceQuery.h>

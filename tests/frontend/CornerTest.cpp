@@ -48,6 +48,7 @@ constexpr Corner kCorners[] = {
     {"ChainsOfOperators", "f += u > 5.0 && n > 1 ^^ true ? 1 : 2; bool b = u > 0.5 ^^ n > 1 ^^ true; b = b == true != "
                           "false; f += b ? 1 : 2; f = -(-f) - -f;"},
     {"CommentsInOddPlaces", "f /* a */ += /* b */ float /* c */ ( // d\n n /* e */ % /* f */ 2 ) /* g */ ;"},
+    {"BlocksThatHideTheirLoopsCounter", "for (int i = 0; i < 2; i++) { float i = u; f += i; { int i = n; f += i; } }"},
     {"HeadsOverSeveralLines",
      "for (int i = 0;\n     i < 3; // three\n     i++)\n    if (i\n        == 1)\n        continue;"},
 };

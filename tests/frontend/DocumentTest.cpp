@@ -84,6 +84,14 @@ TEST(Document, OfTheLanguageHasExamplesThatGetWhatItSays)
             << example.text;
 }
 
+TEST(Document, ForNewcomersHasAMaterialThatCompiles)
+{
+    const std::vector<Example> all = examples("../README.md");
+    ASSERT_EQ(all.size(), 1u);
+    const Module module = Module::readText(KRENDER_SHARE "/include/README.md", all[0].text);
+    EXPECT_EQ(namesOf(module), all[0].expected);
+}
+
 TEST(Document, ForHostsMarksTheExamplesThatShadingParserReadsOtherwise)
 {
     const std::vector<Example> all = examples("plain-krsl.md");

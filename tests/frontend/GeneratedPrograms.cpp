@@ -12,9 +12,26 @@ namespace
 std::string describe(const krFrontend::Module& module, const krFrontend::Diagnostic& diagnostic)
 {
     const krFrontend::SourceLocation at = module.sources().location(diagnostic.range.begin);
-    return std::to_string(at.line) + ":" + std::to_string(at.column) + " " + std::string(diagnostic.name) + ": " +
-           diagnostic.text + "\n";
+    return std::string(at.file) + ":" + std::to_string(at.line) + ":" + std::to_string(at.column) + " " +
+           std::string(diagnostic.name) + ": " + diagnostic.text + "\n";
 }
+
+/// Has the one file that generated sources include.
+class IncludedFile final : public krFrontend::SourceReader
+{
+public:
+    explicit IncludedFile(const std::string& text) : fText(text) {}
+
+    std::string read(const std::string&, std::size_t, std::string& text) override
+    {
+        text = fText;
+        return "";
+    }
+    bool exists(const std::string& path) override { return path == kIncludedName; }
+
+private:
+    const std::string& fText;
+};
 
 /// The part of the pixels that differ by more than two levels.
 double difference(const std::vector<std::uint8_t>& a, const std::vector<std::uint8_t>& b)
@@ -55,26 +72,34 @@ std::vector<std::uint8_t> drawn(Canvas& canvas, const Target& target, const krFr
 
 } // namespace
 
-CompiledSource compileSource(const std::string& source)
+CompiledSource compileSource(const GeneratedProgram& sources)
 {
     CompiledSource compiled;
-    const krFrontend::Module module = krFrontend::Module::readText("generated.krs", source);
-    for (const krFrontend::Diagnostic& diagnostic : module.diagnostics())
-        if (diagnostic.severity == krFrontend::Severity::Error)
-            compiled.problems += describe(module, diagnostic);
-    if (module.hasErrors())
-        return compiled;
+    IncludedFile reader(sources.included);
+    const krFrontend::ReadOptions options{{}, &reader};
+    const krFrontend::Module module = krFrontend::Module::readText("generated.krs", sources.source, options);
+    const krFrontend::Module lights = krFrontend::Module::readText("lights.krs", sources.lights, options);
     krFrontend::ProgramRequest request{&module, "", {}, false};
-    for (const krFrontend::ShaderInterface& shader : krFrontend::interfaceOf(module))
-        if (shader.kind == krFrontend::ShaderKind::Light && shader.hasBody)
-            request.lights.push_back({&module, shader.name, shader.name});
+    for (const krFrontend::Module* read : {&module, &lights})
+    {
+        for (const krFrontend::Diagnostic& diagnostic : read->diagnostics())
+            if (diagnostic.severity == krFrontend::Severity::Error)
+                compiled.problems += describe(*read, diagnostic);
+        if (read->hasErrors())
+            return compiled;
+        for (const krFrontend::ShaderInterface& shader : krFrontend::interfaceOf(*read))
+            if (shader.kind == krFrontend::ShaderKind::Light && shader.hasBody)
+                request.lights.push_back({read, shader.name, shader.name});
+    }
+    if (!request.lights.empty()) // a light may shine twice, with uniforms of its own each time
+        request.lights.push_back({request.lights[0].module, request.lights[0].function, "again"});
     for (const Target& target : targets())
     {
         std::vector<krFrontend::ProgramDiagnostic> problems;
         if (auto program = krFrontend::compileProgram(request, target, problems))
             compiled.programs.push_back(std::move(*program));
         for (const krFrontend::ProgramDiagnostic& problem : problems)
-            compiled.problems += std::string(target.name) + " " + describe(module, problem.diagnostic);
+            compiled.problems += std::string(target.name) + " " + describe(*problem.module, problem.diagnostic);
     }
     return compiled;
 }
@@ -87,9 +112,9 @@ std::string targetFaults(const Target& target, const krFrontend::Program& progra
     return frontends::glslFaults({names + program.vertex, names + program.fragment});
 }
 
-std::string faultsOf(const std::string& source)
+std::string faultsOf(const GeneratedProgram& sources)
 {
-    const CompiledSource compiled = compileSource(source);
+    const CompiledSource compiled = compileSource(sources);
     if (!compiled.problems.empty())
         return compiled.problems;
     std::string all;

@@ -15,14 +15,14 @@ struct CompiledSource
     std::string problems;                      ///< what the front end says against the source, a line each
 };
 
-/// Compiles the first material of a source with all its lights, for every target.
-[[nodiscard]] CompiledSource compileSource(const std::string& source);
+/// Compiles the first material of a source with all lights, for every target.
+[[nodiscard]] CompiledSource compileSource(const GeneratedProgram& sources);
 
 /// What a target's own compiler says against a program; empty when nothing.
 [[nodiscard]] std::string targetFaults(const Target& target, const krFrontend::Program& program);
 
 /// Everything that is wrong with a source that ought to be right, with its programs; empty when nothing is.
-[[nodiscard]] std::string faultsOf(const std::string& source);
+[[nodiscard]] std::string faultsOf(const GeneratedProgram& sources);
 
 /// The fragment programs, one behind the other, for messages.
 [[nodiscard]] std::string textsOf(const CompiledSource& compiled);

@@ -33,10 +33,11 @@ TEST(GeneratedPrograms, AreAcceptedByTheFrontEndAndByEveryTarget)
     for (unsigned seed = gFirst; seed < gFirst + numberFrom("KRENDER_PROGRAMS", kPrograms) && failures < kMostFailures;
          ++seed)
     {
-        const GeneratedProgram program = generateProgram(seed, false);
-        const std::string faults = faultsOf(program.source);
+        const GeneratedProgram program = generateProgram(seed, GeneratedKind::Any);
+        const std::string faults = faultsOf(program);
         failures += !faults.empty();
-        EXPECT_TRUE(faults.empty()) << "seed " << seed << "\n" << faults << program.source;
+        EXPECT_TRUE(faults.empty()) << "seed " << seed << "\n"
+                                    << faults << program.source << program.included << program.lights;
     }
 }
 
@@ -48,15 +49,18 @@ TEST(GeneratedPrograms, DrawTheSamePictureForEveryTarget)
     const unsigned count = numberFrom("KRENDER_PICTURES", kPictures);
     for (unsigned seed = gFirst; seed < gFirst + count && failures < kMostFailures; ++seed)
     {
-        const GeneratedProgram generated = generateProgram(seed, true);
-        const CompiledSource compiled = compileSource(generated.source);
-        ASSERT_EQ(compiled.problems, "") << "seed " << seed << "\n" << generated.source;
+        const GeneratedProgram generated = generateProgram(seed, GeneratedKind::Drawable);
+        const CompiledSource compiled = compileSource(generated);
+        ASSERT_EQ(compiled.problems, "") << "seed " << seed << "\n"
+                                         << generated.source << generated.included << generated.lights;
         const double differing = pictureDifference(canvas, compiled);
         skipped += differing < 0;
         failures += differing > kSamePicture;
-        EXPECT_LE(differing, kSamePicture) << "seed " << seed << "\n" << generated.source << textsOf(compiled);
+        EXPECT_LE(differing, kSamePicture)
+            << "seed " << seed << "\n"
+            << generated.source << generated.included << generated.lights << textsOf(compiled);
     }
-    EXPECT_LE(skipped, count / 20);
+    EXPECT_LE(skipped, count / 10);
 }
 
 } // namespace

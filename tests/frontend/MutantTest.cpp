@@ -33,7 +33,7 @@ std::vector<std::vector<std::string>> corpus()
             }
     std::sort(sources.begin(), sources.end());
     for (unsigned seed = 0; seed < 60; ++seed)
-        sources.push_back(tokens::split(generateProgram(seed, false).source));
+        sources.push_back(tokens::split(generateProgram(seed, GeneratedKind::InOneFile).source));
     return sources;
 }
 

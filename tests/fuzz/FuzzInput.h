@@ -22,7 +22,3 @@ inline void require(bool condition, const char* what)
     std::fprintf(stderr, "failed: %s\n", what);
     std::abort();
 }
-
-/// What keeps the parser from reading on without end, as the programs set it.
-inline constexpr krShadingDag::ShadingParserLimits kLimits{
-    .refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000};

@@ -12,7 +12,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     require(file >= 0 && write(file, data, size) == static_cast<ssize_t>(size), "the input stands in a file");
     const std::string path = "/proc/self/fd/" + std::to_string(file);
     ShadingParser parser;
-    parser.setLimits(kLimits);
+    parser.setLimits(krShadingDag::kLimitsForAnySource);
     (void)parser.parseFile(path.c_str(), false);
     close(file);
     require(parser.errorString().length() > 0, "the parser says how the reading ended");

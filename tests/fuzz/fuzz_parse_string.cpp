@@ -25,7 +25,7 @@ void makeTokens(const StatementCompound& list)
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     ShadingParser parser;
-    parser.setLimits(kLimits);
+    parser.setLimits(krShadingDag::kLimitsForAnySource);
     ShadingNodeSpec* spec = nullptr;
     if (!parser.parseString(textOf(data, size), &spec))
     {

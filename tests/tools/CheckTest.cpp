@@ -226,12 +226,12 @@ TEST(Check, PrintsTheSameAsJson)
 {
     const Workplace place;
     place.write("x.krs", "const float k = 1.0;\nconst float k = 2.0;\nfloat f(float size) { return sise; }\n");
-    const Outcome outcome = place.krslc({"check", "--json", "x.krs", "-"}, {.input = "\xff"});
-    EXPECT_EQ(outcome.status, 1);
+    const Outcome outcome = place.krslc({"check", "--json", "x.krs", "-", "gone.krs"}, {.input = "\xff"});
+    EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(schemaFault(outcome.out, "krslc-diagnostics"), "");
     const auto list = nlohmann::json::parse(outcome.out);
-    ASSERT_EQ(list.size(), 3u);
+    ASSERT_EQ(list.size(), 4u);
     EXPECT_EQ(list[0],
               nlohmann::json::parse(R"({"file": "x.krs", "line": 2, "column": 13, "endLine": 2, "endColumn": 14,
         "severity": "error", "name": "redeclared", "message": "'k' is declared twice here", "fixes": [],
@@ -240,6 +240,7 @@ TEST(Check, PrintsTheSameAsJson)
     EXPECT_EQ(list[1]["fixes"], nlohmann::json::parse(R"([{"file": "x.krs", "line": 3, "column": 30, "endLine": 3,
         "endColumn": 34, "replacement": "size"}])"));
     EXPECT_EQ(list[2]["file"], "<stdin>");
+    EXPECT_EQ(list[3]["message"], "cannot read 'gone.krs': No such file or directory");
 
     const Outcome plain = place.krslc({"check", "--plain", "--json", "-"}, {.input = "flot f(float a);"});
     EXPECT_EQ(schemaFault(plain.out, "krslc-diagnostics"), "");

@@ -195,6 +195,7 @@ TEST_F(CompileTest, TakesTheFirstLightOfTheName)
     EXPECT_NE(fragment("blueLight").find("0.25, 0.0, 0.0"), std::string::npos);
     EXPECT_NE(fragment("redLight").find("kstrength"), std::string::npos);
     EXPECT_NE(fragment("declaredLight").find("0.125"), std::string::npos);
+    EXPECT_NE(fragment("l.krs:blueLight").find("0.0, 0.0, 1.0"), std::string::npos);
 }
 
 TEST_F(CompileTest, WritesTheInterfaceOfThePrograms)
@@ -236,6 +237,8 @@ TEST_F(CompileTest, WritesTheGoodOnesOfSeveralMaterials)
     EXPECT_EQ(fPlace.read("out/plain.frag"), libraryPrograms(true, &kNoLights).fragment);
     EXPECT_EQ(fPlace.read("d"),
               "out/plain.vert out/plain.frag out/other.vert out/other.frag: \\\n  l.krs \\\n  m.krs \\\n  bad.krs\n");
+    EXPECT_EQ(compile({"--material", "bad.krs:a", "--material", "bad.krs:b", "-o", "out/"}).err,
+              outcome.err.substr(0, outcome.err.find("krslc")) + "krslc: 0 of 2 materials compiled\n");
     arguments[3] = "gone.krs";
     EXPECT_EQ(compile(arguments).status, 2);
     EXPECT_EQ(compile(arguments).err, "krslc: error: cannot read 'gone.krs': No such file or directory\n"
@@ -253,12 +256,26 @@ TEST_F(CompileTest, ShowsItsProgressOnATerminal)
 
 TEST_F(CompileTest, PrintsWhatItFindsAsJson)
 {
-    const Outcome outcome = compile({"--material", "m.krs", "--light", "k=nothing", "-o", "x", "--json"});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(schemaFault(outcome.out, "krslc-diagnostics"), "");
-    EXPECT_EQ(nlohmann::json::parse(outcome.out)[0]["message"],
-              "--light k=nothing: there is no light \"nothing\" with a body");
+    struct
+    {
+        Names arguments;
+        int status;
+        const char* message;
+    } const cases[] = {
+        {{"--light", "k=nothing"}, 1, "--light k=nothing: there is no light \"nothing\" with a body"},
+        {{"--lib", "gone.krs"}, 2, "cannot read 'gone.krs': No such file or directory"},
+        {{"--depfile", "x.vert"}, 2, "'x.vert' is named twice for an output"},
+    };
+    for (const auto& [arguments, status, message] : cases)
+    {
+        Names all{"--material", "m.krs", "-o", "x", "--json"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        const Outcome outcome = compile(all);
+        EXPECT_EQ(outcome.status, status);
+        EXPECT_EQ(outcome.err, "");
+        EXPECT_EQ(schemaFault(outcome.out, "krslc-diagnostics"), "");
+        EXPECT_EQ(nlohmann::json::parse(outcome.out)[0]["message"], message);
+    }
 }
 
 TEST_F(CompileTest, WritesDependenciesForMake)
@@ -354,9 +371,9 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"two targets in two files", "--target all --vertex x --fragment y", 2,
                 "krslc: error: --vertex and --fragment name the programs of one target: use -o for several"},
         Refused{"light without a key", "--light =redLight -o x", 2,
-                "krslc: error: --light =redLight: this is not KEY=FUNCTION with a name for its key"},
+                "krslc: error: --light =redLight: this is not KEY=[FILE:]FUNCTION with a name for its key"},
         Refused{"light without a function", "--light k -o x", 2,
-                "krslc: error: --light k: this is not KEY=FUNCTION with a name for its key"},
+                "krslc: error: --light k: this is not KEY=[FILE:]FUNCTION with a name for its key"},
         Refused{"unknown target", "--target hlsl -o x", 2,
                 "krslc: error: there is no target \"hlsl\": there are glsl, cg and all"},
         Refused{"several materials in one place", "--material m.krs --material m.krs:other -o x", 2,

@@ -1,6 +1,7 @@
 #include <common/Diagnostics.h>
 
 #include <algorithm>
+#include <cstdio>
 
 using krFrontend::Diagnostic;
 using krFrontend::DiagnosticFix;
@@ -28,8 +29,7 @@ PrintedMessage messageAt(const SourceSet& sources, SourceRange range, MessageKin
             .text = text};
 }
 
-} // namespace
-
+/// How a message shows the kind: "name", for a warning "-Wname", as the option that switches it.
 std::string shownName(const Diagnostic& diagnostic)
 {
     const auto& kinds = krFrontend::diagnosticKinds();
@@ -39,6 +39,7 @@ std::string shownName(const Diagnostic& diagnostic)
     return (isWarning ? "-W" : "") + std::string(diagnostic.name);
 }
 
+/// What a fix does, in words, such as "insert ';'".
 std::string describe(const SourceSet& sources, const DiagnosticFix& fix)
 {
     const std::string old = '\'' + std::string(sources.text(fix.range)) + '\'';
@@ -48,18 +49,7 @@ std::string describe(const SourceSet& sources, const DiagnosticFix& fix)
                                             : "write " + replacement + " instead of " + old;
 }
 
-std::string format(const SourceSet& sources, const Diagnostic& diagnostic, bool colour)
-{
-    const std::string name = shownName(diagnostic);
-    PrintedMessage message = messageAt(sources, diagnostic.range, messageKind(diagnostic.severity), diagnostic.text);
-    message.name = name;
-    std::string text = format(message, colour);
-    for (const DiagnosticNote& note : diagnostic.notes)
-        text += format(messageAt(sources, note.range, MessageKind::Note, note.text), colour);
-    for (const DiagnosticFix& fix : diagnostic.fixes)
-        text += format(messageAt(sources, fix.range, MessageKind::Fix, describe(sources, fix)), colour);
-    return text;
-}
+} // namespace
 
 std::size_t hiddenErrors(const krFrontend::Module& module)
 {
@@ -70,13 +60,22 @@ std::size_t hiddenErrors(const krFrontend::Module& module)
                                                   { return diagnostic.severity == Severity::Error; }));
 }
 
-void print(std::FILE* file, const krFrontend::Module& module)
+void print(const SourceSet& sources, const Diagnostic& diagnostic)
 {
-    const bool colour = wantsColour(file);
-    for (const Diagnostic& diagnostic : module.diagnostics())
-        std::fputs(format(module.sources(), diagnostic, colour).c_str(), file);
+    const std::string name = shownName(diagnostic);
+    PrintedMessage message = messageAt(sources, diagnostic.range, messageKind(diagnostic.severity), diagnostic.text);
+    message.name = name;
+    print(message);
+    for (const DiagnosticNote& note : diagnostic.notes)
+        print(messageAt(sources, note.range, MessageKind::Note, note.text));
+    for (const DiagnosticFix& fix : diagnostic.fixes)
+        print(messageAt(sources, fix.range, MessageKind::Fix, describe(sources, fix)));
+}
+
+void printHidden(const krFrontend::Module& module)
+{
     if (const std::size_t hidden = hiddenErrors(module); hidden > 0)
-        std::fprintf(file, "%s: %zu more errors are not shown\n", printable(module.sources().file(0).name()).c_str(),
+        std::fprintf(stderr, "%s: %zu more errors are not shown\n", printable(module.sources().file(0).name()).c_str(),
                      hidden);
 }
 

@@ -9,20 +9,12 @@
 namespace krTools
 {
 
-/// A diagnostic of the front end as it is printed: the message with its range underlined, its notes and its fixes.
-[[nodiscard]] std::string format(const krFrontend::SourceSet& sources, const krFrontend::Diagnostic& diagnostic,
-                                 bool colour);
-
-/// How a message shows the kind: "name", for a warning "-Wname", as the option that switches it.
-[[nodiscard]] std::string shownName(const krFrontend::Diagnostic& diagnostic);
-
-/// What a fix does, in words, such as "insert ';'".
-[[nodiscard]] std::string describe(const krFrontend::SourceSet& sources, const krFrontend::DiagnosticFix& fix);
-
 /// How many errors of a module are counted but not kept.
 [[nodiscard]] std::size_t hiddenErrors(const krFrontend::Module& module);
 
-/// Prints all that was found in a module.
-void print(std::FILE* file, const krFrontend::Module& module);
+/// Prints a diagnostic on standard error.
+void print(const krFrontend::SourceSet& sources, const krFrontend::Diagnostic& diagnostic);
+/// Prints on standard error how many errors of a module are not shown, if there are any.
+void printHidden(const krFrontend::Module& module);
 
 } // namespace krTools

@@ -1,6 +1,7 @@
 #include <common/Findings.h>
 
 #include <algorithm>
+#include <cstdio>
 
 namespace krTools
 {
@@ -22,23 +23,20 @@ void Findings::sort()
                      [](const Finding& a, const Finding& b) { return a.position < b.position; });
 }
 
-void print(std::FILE* file, const Source& source, const Findings& findings)
+void print(const Source& source, const Findings& findings)
 {
-    const bool colour = wantsColour(file);
     for (const Finding& finding : findings.kept())
     {
         const Source::Place place = source.place(finding.position);
-        const std::string text = format({.file = source.name(),
-                                         .line = place.line,
-                                         .column = place.column,
-                                         .lineText = place.text,
-                                         .kind = messageKind(finding.severity),
-                                         .text = finding.text},
-                                        colour);
-        std::fputs(text.c_str(), file);
+        print({.file = source.name(),
+               .line = place.line,
+               .column = place.column,
+               .lineText = place.text,
+               .kind = messageKind(finding.severity),
+               .text = finding.text});
     }
     if (findings.notKept() > 0)
-        std::fprintf(file, "%s: %zu more messages are not shown\n", printable(source.name()).c_str(),
+        std::fprintf(stderr, "%s: %zu more messages are not shown\n", printable(source.name()).c_str(),
                      findings.notKept());
 }
 

@@ -2,9 +2,8 @@
 #include <common/PrintedMessage.h>
 #include <common/Source.h>
 
-#include <cstdio>
+#include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace krTools
@@ -41,7 +40,7 @@ private:
     bool fHasErrors = false;
 };
 
-/// Writes each finding as "file:line:column: error: text", the line and a caret under the place.
-void print(std::FILE* file, const Source& source, const Findings& findings);
+/// Prints each finding with its line and a caret under the place.
+void print(const Source& source, const Findings& findings);
 
 } // namespace krTools

@@ -3,6 +3,7 @@
 #include <krender/core/Exception.h>
 #include <krender/shading/ShadingParser.h>
 
+#include <algorithm>
 #include <iterator>
 #include <memory>
 #include <string_view>
@@ -18,16 +19,13 @@ namespace krTools
 namespace
 {
 
-constexpr krShadingDag::ShadingParserLimits kLimits{
-    .refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000};
-
 /// Hands a source to the parser function by function.
 class PlainReader
 {
 public:
     PlainReader(const Source& source, Findings& findings) : fSource(source), fFindings(findings)
     {
-        fParser.setLimits(kLimits);
+        fParser.setLimits(krShadingDag::kLimitsForAnySource);
     }
 
     PlainReading read()
@@ -66,7 +64,7 @@ private:
         ShadingNodeSpec* const registered = own->addToLibrary();
         if (registered == own.get())
             (void)own.release();
-        fReading.functions.push_back({registered, header.resultWord, header.position});
+        fReading.functions.push_back({registered, header.resultWord});
         return true;
     }
 
@@ -87,14 +85,13 @@ private:
         ShadingNodeSpec::Library::iterator last;
         ShadingNodeSpec::findSpecsInLibrary(header.name, first, last);
         if (ShadingNodeSpec::fLibrary.size() > count && first != last)
-            fReading.functions.push_back({std::prev(last)->second, header.resultWord, header.position});
+            fReading.functions.push_back({std::prev(last)->second, header.resultWord});
         return true;
     }
 
     /// What a spec does not keep of its header.
     struct Header
     {
-        std::size_t position = 0;
         std::string resultWord;
         krString::CString name;
     };
@@ -104,7 +101,7 @@ private:
     {
         const bool hasRange = tokenToCompFreq(tokenAt(0)) != krShadingDag::kFreqInvalid;
         const unsigned result = !hasRange ? 0 : tokenAt(1).type == TokenType::Colon ? 3 : 1;
-        return {static_cast<std::size_t>(tokenAt(0).position), tokenAt(result).text.asChar(), tokenAt(result + 1).text};
+        return {tokenAt(result).text.asChar(), tokenAt(result + 1).text};
     }
 
     /// The first header, before the parser has read it.
@@ -187,6 +184,26 @@ private:
 
 } // namespace
 
-PlainReading readPlain(const Source& source, Findings& findings) { return PlainReader(source, findings).read(); }
+PlainLibrary::~PlainLibrary()
+{
+    fSpecs.swap(ShadingNodeSpec::fLibrary);
+    ShadingNodeSpec::clearLibrary();
+    fSpecs.swap(ShadingNodeSpec::fLibrary);
+}
+
+PlainReading PlainLibrary::read(const Source& source, Findings& findings)
+{
+    fSpecs.swap(ShadingNodeSpec::fLibrary);
+    PlainReading reading = PlainReader(source, findings).read();
+    fSpecs.swap(ShadingNodeSpec::fLibrary);
+    return reading;
+}
+
+const ShadingNodeSpec* PlainLibrary::findDefinition(const std::string& name) const
+{
+    const auto [first, last] = fSpecs.equal_range(name.c_str());
+    const auto found = std::find_if(first, last, [](const auto& entry) { return isDefinition(*entry.second); });
+    return found == last ? nullptr : found->second;
+}
 
 } // namespace krTools

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 
 namespace krTools
@@ -110,14 +111,32 @@ std::string excerpt(const PrintedMessage& message, const char* colour, const cha
     return text + (end < line.size() ? "...\n" : "\n") + below + colour + underline + plain + '\n';
 }
 
+/// The escape sequences of a kind of message; all empty where no colour is wanted.
+struct Colours
+{
+    const char* kind;
+    const char* bold;
+    const char* plain;
+};
+
+Colours coloursOf(const KindStyle& style)
+{
+    static const bool wantsColour = []
+    {
+        const char* noColour = std::getenv("NO_COLOR");
+        const char* terminal = std::getenv("TERM");
+        return (!noColour || !*noColour) && terminal && std::string_view(terminal) != "dumb" &&
+               ::isatty(STDERR_FILENO) != 0;
+    }();
+    return wantsColour ? Colours{style.colour, "\033[1m", "\033[0m"} : Colours{"", "", ""};
+}
+
 } // namespace
 
-std::string format(const PrintedMessage& message, bool colour)
+void print(const PrintedMessage& message)
 {
     const KindStyle& style = styleOf(message.kind);
-    const char* const kindColour = colour ? style.colour : "";
-    const char* const plain = colour ? "\033[0m" : "";
-    const char* const bold = colour ? "\033[1m" : "";
+    const auto [kindColour, bold, plain] = coloursOf(style);
     std::string text = bold + printable(message.file) + ':' + std::to_string(message.line) + ':' +
                        std::to_string(message.column) + ": " + kindColour + style.word + plain + bold +
                        printable(message.text);
@@ -126,7 +145,15 @@ std::string format(const PrintedMessage& message, bool colour)
     text.append(plain).append("\n");
     if (message.kind != MessageKind::Fix)
         text += excerpt(message, kindColour, plain);
-    return text;
+    std::fputs(text.c_str(), stderr);
+}
+
+void printError(std::string_view program, std::string_view text)
+{
+    const KindStyle& style = styleOf(MessageKind::Error);
+    const auto [kindColour, bold, plain] = coloursOf(style);
+    const std::string shown = std::string(program) + ": " + kindColour + style.word + plain + printable(text) + '\n';
+    std::fputs(shown.c_str(), stderr);
 }
 
 std::string printable(std::string_view text)
@@ -137,22 +164,5 @@ std::string printable(std::string_view text)
 }
 
 std::string inQuotes(std::string_view text) { return std::string(1, '"').append(text).append(1, '"'); }
-
-bool wantsColour(std::FILE* file)
-{
-    const char* noColour = std::getenv("NO_COLOR");
-    const char* terminal = std::getenv("TERM");
-    return (!noColour || !*noColour) && terminal && std::string_view(terminal) != "dumb" &&
-           ::isatty(::fileno(file)) != 0;
-}
-
-void print(std::FILE* file, std::string_view program, Severity severity, std::string_view text)
-{
-    const bool colour = wantsColour(file);
-    const KindStyle& style = styleOf(messageKind(severity));
-    const std::string shown = printable(text);
-    std::fprintf(file, "%.*s: %s%s%s%s\n", static_cast<int>(program.size()), program.data(), colour ? style.colour : "",
-                 style.word, colour ? "\033[0m" : "", shown.c_str());
-}
 
 } // namespace krTools

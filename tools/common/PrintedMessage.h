@@ -1,8 +1,9 @@
 #pragma once
 #include <krender/frontend/Diagnostic.h>
 
+#include <array>
+#include <charconv>
 #include <cstddef>
-#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -37,9 +38,12 @@ struct PrintedMessage
     std::string_view name = {}; ///< printed in brackets; empty for none
 };
 
-/// The message as "file:line:column: error: text [name]", and below it, for all but a fix, the line and the range
-/// underlined.
-[[nodiscard]] std::string format(const PrintedMessage& message, bool colour);
+/// Prints a message on standard error as "file:line:column: error: text [name]", and below it, for all but a fix, the line
+/// and the range underlined. On a terminal it is in colour, unless its user has asked for plain text (NO_COLOR).
+void print(const PrintedMessage& message);
+
+/// Prints "program: error: text" on standard error, for what has no place in a source.
+void printError(std::string_view program, std::string_view text);
 
 /// Makes any bytes fit to be shown: control bytes and broken UTF-8 become \xNN, and what is long is cut.
 [[nodiscard]] std::string printable(std::string_view text);
@@ -47,10 +51,12 @@ struct PrintedMessage
 /// The text between quotes, for messages.
 [[nodiscard]] std::string inQuotes(std::string_view text);
 
-/// Whether a terminal stands behind the file and its user has not asked for plain text (NO_COLOR).
-[[nodiscard]] bool wantsColour(std::FILE* file);
-
-/// Writes "program: error: text", for what has no place in a source.
-void print(std::FILE* file, std::string_view program, Severity severity, std::string_view text);
+/// The shortest digits that stand for a number.
+template <class Number>
+[[nodiscard]] std::string digitsOf(Number number)
+{
+    std::array<char, 32> digits;
+    return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr};
+}
 
 } // namespace krTools

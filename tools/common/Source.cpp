@@ -30,6 +30,8 @@ constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
 
 std::string readText(const std::string& path, std::size_t limit)
 {
+    // What is read without knowing its size may have no end.
+    constexpr std::size_t kMostStreamed = std::size_t{256} << 20;
     const std::string name = path == "-" ? "standard input" : "'" + path + "'";
     const Descriptor file(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     struct stat status = {};
@@ -37,8 +39,9 @@ std::string readText(const std::string& path, std::size_t limit)
         fail(name, std::strerror(errno));
     if (S_ISDIR(status.st_mode))
         fail(name, std::strerror(EISDIR));
-    const std::string tooLarge = "it has more than " + std::to_string(limit >> 20) + " MB";
     const bool sizeKnown = S_ISREG(status.st_mode);
+    limit = sizeKnown ? limit : std::min(limit, kMostStreamed);
+    const std::string tooLarge = "it has more than " + std::to_string(limit >> 20) + " MB";
     if (sizeKnown && static_cast<std::size_t>(status.st_size) > limit)
         fail(name, tooLarge);
 
@@ -75,6 +78,14 @@ Source::Source(std::string name, std::string text) : fName(std::move(name)), fSi
 {
     text += MemMappedFile::kClosingByte;
     fContents = krString::CString(std::move(text));
+}
+
+std::size_t Source::lineBegin(std::size_t line) const noexcept
+{
+    std::size_t begin = 0;
+    for (; line > 1 && begin < fSize; --line)
+        begin = std::min(text().find('\n', begin), fSize - 1) + 1;
+    return begin;
 }
 
 Source::Place Source::place(std::size_t position) const

@@ -23,7 +23,8 @@ inline constexpr std::size_t kMaxSourceSize = std::size_t{2047} << 20;
 inline constexpr const char* kStandardInputName = "<stdin>";
 
 /// Reads a file, "-" being standard input, and drops a byte-order mark at its beginning. Throws a FileError when it is a
-/// directory, unreadable, or has more bytes than the limit, which is a whole number of megabytes.
+/// directory, unreadable, or has more bytes than the limit, a whole number of megabytes; pipes and devices may not
+/// have more than 256.
 [[nodiscard]] std::string readText(const std::string& path, std::size_t limit);
 
 /// A text that was read whole, and the places in it.
@@ -52,6 +53,8 @@ public:
     /// The number of bytes of the text.
     [[nodiscard]] std::size_t size() const noexcept { return fSize; }
 
+    /// Where a line begins, counted from 1; the end for one past the last.
+    [[nodiscard]] std::size_t lineBegin(std::size_t line) const noexcept;
     /// The place of a byte, or of the end. Asking in rising order costs one walk through the text in all.
     [[nodiscard]] Place place(std::size_t position) const;
 

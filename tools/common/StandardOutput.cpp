@@ -23,6 +23,13 @@ int writeAll(int descriptor, std::string_view bytes) noexcept
     return 0;
 }
 
+void printText(std::string_view text)
+{
+    StandardOutput output;
+    output.write(text);
+    output.finish();
+}
+
 void StandardOutput::write(std::string_view text)
 {
     constexpr std::size_t kPiece = 1 << 20;

@@ -17,6 +17,9 @@ private:
     std::string fHeld;
 };
 
+/// Writes a text to standard output. Throws a FileError when it cannot be written.
+void printText(std::string_view text);
+
 /// Writes all bytes to a descriptor.
 /// @return  0, or the error number
 [[nodiscard]] int writeAll(int descriptor, std::string_view bytes) noexcept;

@@ -3,7 +3,7 @@
 #include "Report.h"
 
 #include <common/ExitStatus.h>
-#include <common/Modules.h>
+#include <common/MaterialCompiler.h>
 #include <common/PlainReading.h>
 
 int check(const CheckOptions& options)
@@ -15,18 +15,17 @@ int check(const CheckOptions& options)
         {
             if (options.asPlain)
             {
-                const krTools::SpecLibraryCleaner cleaner;
                 const krTools::Source source(path);
                 krTools::Findings findings;
-                (void)krTools::readPlain(source, findings);
+                (void)krTools::PlainLibrary().read(source, findings);
                 report.add(source, std::move(findings));
             }
             else
-                report.add(krTools::readModule(path, options.includeFolders));
+                report.add(krTools::readModule(path, {.includeFolders = options.includeFolders}));
         }
         catch (const krTools::FileError& error)
         {
-            krTools::print(stderr, "krslc", krTools::Severity::Error, error.what());
+            report.error(error.what());
             status = krTools::kCannotRun;
         }
     report.finish();

@@ -2,12 +2,11 @@
 
 #include "Depfile.h"
 #include "InterfaceJson.h"
-#include "MaterialCompiler.h"
 #include "Report.h"
 #include "Validation.h"
 
 #include <common/ExitStatus.h>
-#include <common/Modules.h>
+#include <common/MaterialCompiler.h>
 #include <common/OutputFiles.h>
 #include <common/StagedFile.h>
 #include <common/UsageError.h>
@@ -15,15 +14,19 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
+#include <iterator>
 #include <memory>
+#include <optional>
 #include <set>
+#include <stdexcept>
 #include <utility>
 
 using krFrontend::Diagnostic;
 using krFrontend::LineOrigin;
 using krFrontend::Severity;
+using krTools::CompiledProgram;
+using krTools::MaterialCompiler;
 using krTools::UsageError;
 using nlohmann::ordered_json;
 
@@ -92,6 +95,19 @@ void checkOverwriting(const krTools::OutputFiles& outputs, const std::vector<std
         if (!paths.insert(place).second)
             throw UsageError("'" + path + "' is named twice for an output");
     }
+}
+
+krTools::CompilerOptions compilerOptions(const CompileOptions& options)
+{
+    krTools::CompilerOptions result{.asPlain = options.asPlain,
+                                    .libraries = krTools::libraryFiles(options.stdlib, options.libraries),
+                                    .includeFolders = options.includeFolders,
+                                    .lights = std::nullopt,
+                                    .targets = options.targets};
+    if (!options.keepIlluminance)
+        std::transform(options.lights.begin(), options.lights.end(), std::back_inserter(result.lights.emplace()),
+                       krTools::lightName);
+    return result;
 }
 
 // Programs
@@ -218,15 +234,12 @@ void publish(const CompileOptions& options, const MaterialCompiler& compiler, Ou
     outputs.files.publish(krTools::MissingFolders::Make);
 }
 
-} // namespace
-
-int compile(const CompileOptions& options)
+/// Compiles all materials and writes the programs of those without an error.
+/// @return  the exit status
+int compileAll(const CompileOptions& options, Report& report)
 {
-    checkOptions(options);
     int status = krTools::kDone;
-    Report report(options.warnings, options.asJson);
-    const std::unique_ptr<MaterialCompiler> compiler =
-        options.asPlain ? MaterialCompiler::makePlain(options, report) : MaterialCompiler::makeFull(options, report);
+    const std::unique_ptr<MaterialCompiler> compiler = MaterialCompiler::make(compilerOptions(options), report);
     Outputs outputs;
     const std::size_t count = options.materials.size();
     std::size_t done = 0;
@@ -245,8 +258,26 @@ int compile(const CompileOptions& options)
         }
     if (done > 0)
         publish(options, *compiler, outputs);
-    report.finish();
     if (count > 1)
-        std::fprintf(stderr, "krslc: %zu of %zu materials compiled\n", done, count);
+        report.summarize(std::to_string(done) + " of " + std::to_string(count) + " materials compiled");
     return status == krTools::kDone && done < count ? krTools::kInputHasErrors : status;
+}
+
+} // namespace
+
+int compile(const CompileOptions& options)
+{
+    checkOptions(options);
+    int status = krTools::kCannotRun;
+    Report report(options.warnings, options.asJson);
+    try
+    {
+        status = compileAll(options, report);
+    }
+    catch (const std::runtime_error& error) // a FileError or UsageError
+    {
+        report.error(error.what());
+    }
+    report.finish();
+    return status;
 }

@@ -12,7 +12,7 @@ struct CompileOptions
     std::string stdlib;                 ///< empty: the one that comes with krslc; "none": none
     std::vector<std::string> libraries;
     std::vector<std::string> includeFolders;
-    std::vector<std::string> lights;    ///< KEY=FUNCTION
+    std::vector<std::string> lights;    ///< KEY=FUNCTION or KEY=FILE:FUNCTION
     std::vector<const Target*> targets; ///< in the order in which they are written
     std::string base;                   ///< of the output files' names, or "-"
     std::string vertexFile;             ///< instead of a base

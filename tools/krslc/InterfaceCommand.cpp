@@ -3,9 +3,8 @@
 #include "InterfaceJson.h"
 #include "Report.h"
 
-#include <common/Diagnostics.h>
 #include <common/ExitStatus.h>
-#include <common/Modules.h>
+#include <common/MaterialCompiler.h>
 #include <common/StandardOutput.h>
 
 #include <nlohmann/json.hpp>
@@ -28,7 +27,7 @@ std::string textOf(const Value& value)
         return value.ints.at(0) != 0 ? "true" : "false";
     std::string list;
     for (const float number : value.floats)
-        list += (list.empty() ? "" : ", ") + digitsOf(number);
+        list += (list.empty() ? "" : ", ") + krTools::digitsOf(number);
     for (const int number : value.ints)
         list += (list.empty() ? "" : ", ") + std::to_string(number);
     return value.floats.size() + value.ints.size() == 1 ? list : dataTypeName(value.type) + ('(' + list + ')');
@@ -66,10 +65,10 @@ std::string textOf(const ShaderInterface& shader)
 
 int printInterface(const InterfaceOptions& options)
 {
-    const krFrontend::Module module = krTools::readModule(options.file, options.includeFolders);
+    const krFrontend::Module module = krTools::readModule(options.file, {.includeFolders = options.includeFolders});
     if (module.hasErrors())
     {
-        krTools::print(stderr, module);
+        Report({}, false).add(module);
         return krTools::kInputHasErrors;
     }
 

@@ -1,9 +1,10 @@
 #include "InterfaceJson.h"
 
+#include <common/PrintedMessage.h>
+
 #include <nlohmann/json.hpp>
 
 #include <array>
-#include <charconv>
 #include <cstdlib>
 #include <utility>
 
@@ -15,7 +16,7 @@ namespace
 {
 
 /// A number with the digits that it has as a float.
-double roundedOf(float number) { return std::strtod(digitsOf(number).c_str(), nullptr); }
+double roundedOf(float number) { return std::strtod(krTools::digitsOf(number).c_str(), nullptr); }
 
 /// A number, true or false, a text, or a list of numbers; null where there is no value.
 ordered_json jsonOf(const Value& value)
@@ -93,11 +94,4 @@ const char* kindName(krFrontend::ShaderKind kind) noexcept
     constexpr std::array kNames{"function", "material", "light", "displacement"};
     static_assert(kNames.size() == static_cast<std::size_t>(krFrontend::ShaderKind::Displacement) + 1);
     return kNames[static_cast<std::size_t>(kind)];
-}
-
-std::string digitsOf(float number)
-{
-    std::array<char, 32> digits;
-    const std::to_chars_result end = std::to_chars(digits.data(), digits.data() + digits.size(), number);
-    return {digits.data(), end.ptr};
 }

@@ -13,5 +13,3 @@
 
 /// The word for a kind of shader.
 [[nodiscard]] const char* kindName(krFrontend::ShaderKind kind) noexcept;
-/// The shortest digits that stand for the number.
-[[nodiscard]] std::string digitsOf(float number);

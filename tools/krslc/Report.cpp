@@ -95,11 +95,9 @@ void Report::add(const krFrontend::Module& module)
     }
     for (Diagnostic& diagnostic : diagnostics)
         add(module.sources(), std::move(diagnostic));
-    const std::size_t hidden = krTools::hiddenErrors(module);
-    fErrorCount += hidden;
-    if (hidden > 0 && !fJson)
-        std::fprintf(stderr, "%s: %zu more errors are not shown\n",
-                     krTools::printable(module.sources().file(0).name()).c_str(), hidden);
+    fErrorCount += krTools::hiddenErrors(module);
+    if (!fJson)
+        krTools::printHidden(module);
 }
 
 void Report::add(const SourceSet& sources, Diagnostic diagnostic)
@@ -116,7 +114,7 @@ void Report::add(const SourceSet& sources, Diagnostic diagnostic)
     if (fJson)
         fJson->push_back(jsonOf(sources, diagnostic));
     else
-        std::fputs(krTools::format(sources, diagnostic, krTools::wantsColour(stderr)).c_str(), stderr);
+        krTools::print(sources, diagnostic);
 }
 
 void Report::add(const krTools::Source& source, krTools::Findings findings)
@@ -125,7 +123,7 @@ void Report::add(const krTools::Source& source, krTools::Findings findings)
     fErrorCount += findings.hasErrors() ? 1 : 0;
     clearProgress();
     if (!fJson)
-        return krTools::print(stderr, source, findings);
+        return krTools::print(source, findings);
     for (const krTools::Finding& finding : findings.kept())
     {
         const krTools::Source::Place place = source.place(finding.position);
@@ -140,7 +138,7 @@ void Report::error(const std::string& text)
     if (fJson)
         fJson->push_back(jsonOf(nullptr, nullptr, nullptr, Severity::Error, text));
     else
-        krTools::print(stderr, "krslc", Severity::Error, text);
+        krTools::printError("krslc", text);
 }
 
 void Report::showProgress(const std::string& text)
@@ -151,6 +149,12 @@ void Report::showProgress(const std::string& text)
     std::fputs(krTools::printable(text).c_str(), stderr);
     std::fflush(stderr);
     fShowsProgress = true;
+}
+
+void Report::summarize(const std::string& text)
+{
+    clearProgress();
+    std::fprintf(stderr, "krslc: %s\n", text.c_str());
 }
 
 void Report::clearProgress()

@@ -19,7 +19,7 @@ namespace
 
 const char* nodeTypeName(const ShadingNodeSpec& spec)
 {
-    return spec.nodeType() == krShadingDag::kDefinition ? "definition" : "declaration";
+    return krTools::isDefinition(spec) ? "definition" : "declaration";
 }
 
 ordered_json attributesOf(const ShadingNodeSpec::Attributes& attributes)
@@ -50,17 +50,17 @@ ordered_json jsonOf(const ShadingNodeSpec& spec)
 
 int printSpecs(const std::string& path, bool asJson)
 {
-    const krTools::SpecLibraryCleaner cleaner;
+    krTools::PlainLibrary library;
     const krTools::Source source(path);
     krTools::Findings findings;
-    const krTools::PlainReading reading = readPlain(source, findings);
-    krTools::print(stderr, source, findings);
+    const krTools::PlainReading reading = library.read(source, findings);
+    krTools::print(source, findings);
 
     krTools::StandardOutput output;
     if (asJson)
     {
         ordered_json functions = ordered_json::array();
-        for (const auto& [name, spec] : ShadingNodeSpec::fLibrary)
+        for (const auto& [name, spec] : library.specs())
             functions.push_back(jsonOf(*spec));
         ordered_json problems = ordered_json::array();
         for (const krTools::Finding& finding : findings.kept())
@@ -83,7 +83,7 @@ int printSpecs(const std::string& path, bool asJson)
         std::map<const ShadingNodeSpec*, std::string> resultWords;
         for (const krTools::PlainFunction& function : reading.functions)
             resultWords[function.spec] = function.resultWord;
-        for (const auto& [name, spec] : ShadingNodeSpec::fLibrary)
+        for (const auto& [name, spec] : library.specs())
             output.write(std::string(nodeTypeName(*spec)) + ' ' + resultWords[spec] + ' ' +
                          spec->functionHeaderString().asChar());
     }

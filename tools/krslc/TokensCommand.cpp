@@ -91,6 +91,6 @@ int printTokens(const std::string& path)
         output.write(line);
     }
     output.finish();
-    krTools::print(stderr, source, findings);
+    krTools::print(source, findings);
     return status;
 }

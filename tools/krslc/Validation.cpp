@@ -66,6 +66,8 @@ void addFindings(const ordered_json& list, krTools::Findings& findings)
     std::signal(SIGSEGV, SIG_DFL); // sanitizers catch it and report
     ::setrlimit(RLIMIT_CPU, &seconds);
     ::setrlimit(RLIMIT_CORE, &noCore);
+    // A stack that overflows ends this process without a word, in builds that watch over memory too.
+    std::signal(SIGSEGV, SIG_DFL);
     krTools::PairFindings findings;
     try
     {

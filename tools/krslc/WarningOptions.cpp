@@ -1,10 +1,10 @@
 #include "WarningOptions.h"
 
-#include <common/NearNames.h>
 #include <common/PrintedMessage.h>
 #include <common/UsageError.h>
 
 #include <krender/frontend/Diagnostic.h>
+#include <krender/frontend/NearNames.h>
 
 #include <algorithm>
 #include <utility>
@@ -50,7 +50,8 @@ void WarningOptions::apply(std::string_view option)
         for (const DiagnosticKind& row : kinds)
             if (row.severity == krFrontend::Severity::Warning)
                 names.emplace_back(row.name);
-        throw krTools::UsageError("no warning is called " + krTools::inQuotes(name) + krTools::didYouMean(name, names));
+        throw krTools::UsageError("no warning is called " + krTools::inQuotes(name) +
+                                  krFrontend::didYouMean(name, names));
     }
     if (kind->severity == krFrontend::Severity::Error)
         throw krTools::UsageError(krTools::inQuotes(name) + " is an error and cannot be switched");

@@ -4,6 +4,7 @@
 #include "SpecsCommand.h"
 #include "TokensCommand.h"
 
+#include <common/CommandLine.h>
 #include <common/ExitStatus.h>
 #include <common/PrintedMessage.h>
 #include <common/StandardOutput.h>
@@ -14,7 +15,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <csignal>
 #include <functional>
 #include <memory>
 #include <string>
@@ -25,14 +25,6 @@ namespace
 
 /// What is left to do once the command line is understood.
 using Command = std::function<int()>;
-
-int printText(const std::string& text)
-{
-    krTools::StandardOutput output;
-    output.write(text);
-    output.finish();
-    return krTools::kDone;
-}
 
 /// The targets of a list such as "glsl,cg"; "all" stands for all of them.
 std::vector<const Target*> targetsOf(const std::string& list)
@@ -116,8 +108,9 @@ void addCompile(CLI::App& app, Command& command)
         ->allow_extra_args(false);
     compileApp
         ->add_option("--light", options.lights,
-                     "a light, in order: its name, and its function in the material's file or a library")
-        ->type_name("KEY=FUNCTION")
+                     "a light, in order: its name, and its function in the material's file, a library, or a file "
+                     "of its own")
+        ->type_name("KEY=[FILE:]FUNCTION")
         ->allow_extra_args(false);
     compileApp
         ->add_option("--target", arguments->target,
@@ -172,7 +165,12 @@ void addCheck(CLI::App& app, Command& command)
                 throw krTools::UsageError("check: no file is given");
             applyWarnings(*arguments, arguments->options.warnings);
             command = [arguments]
-            { return arguments->listWarnings ? printText(listWarnings()) : check(arguments->options); };
+            {
+                if (!arguments->listWarnings)
+                    return check(arguments->options);
+                krTools::printText(listWarnings());
+                return int{krTools::kDone};
+            };
         });
 }
 
@@ -227,47 +225,12 @@ int run(int argc, char** argv)
     addInterface(app, command);
     addTokens(app, command);
     addSpecs(app, command);
-    try
-    {
-        app.parse(argc, argv);
-    }
-    catch (const CLI::CallForHelp&)
-    {
-        return printText(app.help());
-    }
-    catch (const CLI::CallForVersion&)
-    {
-        return printText("krslc " KRENDER_VERSION "\n");
-    }
-    catch (const CLI::ParseError& error)
-    {
-        throw krTools::UsageError(error.what());
-    }
-    return command();
+    return krTools::readCommandLine(app, argc, argv) ? command() : krTools::kDone;
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    // A file past the limit for its size is then an error like any other, and leaves nothing behind.
-    std::signal(SIGXFSZ, SIG_IGN);
-    try
-    {
-        return run(argc, argv);
-    }
-    catch (const krTools::UsageError& error)
-    {
-        krTools::print(stderr, "krslc", krTools::Severity::Error, error.what());
-        std::fputs("Try \"krslc --help\".\n", stderr);
-    }
-    catch (const std::bad_alloc&)
-    {
-        krTools::print(stderr, "krslc", krTools::Severity::Error, "out of memory");
-    }
-    catch (const std::exception& error)
-    {
-        krTools::print(stderr, "krslc", krTools::Severity::Error, error.what());
-    }
-    return krTools::kCannotRun;
+    return krTools::runProgram("krslc", [argc, argv] { return run(argc, argv); });
 }

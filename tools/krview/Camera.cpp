@@ -4,12 +4,13 @@
 
 void Camera::bind()
 {
-    // The library multiplies row vectors and stores rows; OpenGL multiplies column vectors and stores columns. The memory
-    // is the same.
+    // The memory of both sides' matrices is the same: see asFloats().
     glMatrixMode(GL_PROJECTION);
     glLoadMatrixd(projMatrix().elements());
     glMatrixMode(GL_MODELVIEW);
     glLoadMatrixd(krLinear::ProjMatrix(viewMatrix()).elements());
 }
+
+krLinear::ProjMatrix Camera::worldToClip() const { return krLinear::ProjMatrix(viewMatrix()) * projMatrix(); }
 
 krLinear::Point Camera::eye() const { return viewMatrix().inverse().preMult({0, 0, 0}); }

@@ -8,6 +8,8 @@ class Camera : public IHWCamera
 public:
     void bind() override;
 
+    /// From the scene to clip space.
+    [[nodiscard]] krLinear::ProjMatrix worldToClip() const;
     /// The position of the eye in the scene.
     [[nodiscard]] krLinear::Point eye() const;
 };

@@ -1,19 +1,17 @@
 #include "GlProgram.h"
 
+#include <common/Diagnostics.h>
 #include <common/Findings.h>
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
-#include <map>
 #include <regex>
 #include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
-
-using krTools::Severity;
 
 namespace
 {
@@ -57,25 +55,6 @@ std::vector<DriverMessage> driverMessages(const std::string& log)
     return messages;
 }
 
-/// A line of a program without the white space at its beginning.
-std::string trimmedLine(const krTools::Source& program, std::size_t line)
-{
-    std::istringstream lines{std::string(program.text())};
-    std::string text;
-    for (std::size_t i = 0; i < line; ++i)
-        std::getline(lines, text);
-    text.erase(0, text.find_first_not_of(" \t"));
-    return text;
-}
-
-std::size_t lineBegin(const krTools::Source& program, std::size_t line)
-{
-    std::size_t begin = 0;
-    for (std::size_t i = 1; i < line; ++i)
-        begin = std::min(program.text().find('\n', begin) + 1, program.size());
-    return begin;
-}
-
 /// Prints the driver's messages, one for each place: further ones are consequences of the first, or are about the copy of
 /// the same code for another light.
 void report(const Material& material, const krTools::Source& program, bool isFragment, const std::string& log)
@@ -83,32 +62,33 @@ void report(const Material& material, const krTools::Source& program, bool isFra
     // What the front end has accepted is valid in every target.
     const std::string blame =
         material.isChecked ? "by a fault of krender's, the driver rejects " : "the driver rejects ";
-    std::map<std::string, std::pair<krTools::Source, krTools::Findings>> findings;
-    std::set<std::pair<std::string, std::size_t>> places;
+    krTools::Findings withoutOrigin;
+    std::set<std::pair<const void*, std::size_t>> places;
     for (const DriverMessage& message : driverMessages(log))
     {
         if (message.line == 0)
         {
-            krTools::print(stderr, "krview", Severity::Error, program.name() + ": " + message.text);
+            krTools::printError("krview", program.name() + ": " + message.text);
             continue;
         }
-        const Material::Origin origin = isFragment ? material.origin(message.line) : Material::Origin();
-        const std::string name = origin.file ? origin.file->name() : program.name();
-        const std::size_t position = origin.file ? origin.position : lineBegin(program, message.line);
-        if (!places.emplace(name, position).second)
+        const std::size_t begin = program.lineBegin(message.line);
+        const krFrontend::LineOrigin origin = isFragment ? material.origin(message.line) : krFrontend::LineOrigin();
+        if (!places.emplace(origin.module, origin.module ? origin.offset : begin).second)
             continue;
-        const std::string text = origin.file ? krTools::inQuotes(trimmedLine(program, message.line)) + " in line " +
-                                                   std::to_string(message.line) + " of " + program.name()
-                                             : "it";
-        const krTools::Source source = origin.file ? krTools::Source(name, std::string(origin.file->text())) : program;
-        findings.try_emplace(name, source, krTools::Findings())
-            .first->second.second.error(position, blame + text + ": " + message.text);
+        if (!origin.module)
+        {
+            withoutOrigin.error(begin, blame + "it: " + message.text);
+            continue;
+        }
+        std::string_view line = program.place(begin).text;
+        line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+        krFrontend::Diagnostic diagnostic;
+        diagnostic.range = {origin.offset, origin.offset};
+        diagnostic.text = blame + krTools::inQuotes(line) + " in line " + std::to_string(message.line) + " of " +
+                          program.name() + ": " + message.text;
+        krTools::print(origin.module->sources(), diagnostic);
     }
-    for (auto& [name, inSource] : findings)
-    {
-        inSource.second.sort();
-        krTools::print(stderr, inSource.first, inSource.second);
-    }
+    krTools::print(program, withoutOrigin);
 }
 
 } // namespace
@@ -146,6 +126,6 @@ std::unique_ptr<GlProgram> GlProgram::link(const Material& material)
     if (ok != GL_FALSE)
         return program;
     for (const DriverMessage& message : driverMessages(infoLog(program->fId, glGetProgramiv, glGetProgramInfoLog)))
-        krTools::print(stderr, "krview", Severity::Error, "the driver cannot link the programs: " + message.text);
+        krTools::printError("krview", "the driver cannot link the programs: " + message.text);
     return nullptr;
 }

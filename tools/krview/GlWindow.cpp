@@ -58,6 +58,19 @@ GLXFBConfig chooseConfig(Display* display)
     return nullptr;
 }
 
+/// Null when there is none; then an error of the display may be on its way.
+GLXContext createContext(Display* display, GLXFBConfig config, GraphicsApi api)
+{
+    if (api == GraphicsApi::Gl21)
+        return glXCreateNewContext(display, config, GLX_RGBA_TYPE, nullptr, True);
+    if (!epoxy_has_glx_extension(display, DefaultScreen(display), "GLX_ARB_create_context_profile"))
+        return nullptr;
+    const int wanted[] = {
+        GLX_CONTEXT_MAJOR_VERSION_ARB,    3,   GLX_CONTEXT_MINOR_VERSION_ARB, 3, GLX_CONTEXT_PROFILE_MASK_ARB,
+        GLX_CONTEXT_CORE_PROFILE_BIT_ARB, None};
+    return glXCreateContextAttribsARB(display, config, nullptr, True, wanted);
+}
+
 } // namespace
 
 struct GlWindow::X
@@ -72,7 +85,7 @@ struct GlWindow::X
     Atom utf8 = 0;
 };
 
-GlWindow::GlWindow(const std::string& title, unsigned width, unsigned height, MessageHandler& handler)
+GlWindow::GlWindow(const std::string& title, unsigned width, unsigned height, GraphicsApi api, MessageHandler& handler)
     : fHandler(handler), fX(std::make_unique<X>())
 {
     XSetErrorHandler(noteError);
@@ -84,7 +97,7 @@ GlWindow::GlWindow(const std::string& title, unsigned width, unsigned height, Me
     x.closing = XInternAtom(x.display, "WM_DELETE_WINDOW", False);
     x.title = XInternAtom(x.display, "_NET_WM_NAME", False);
     x.utf8 = XInternAtom(x.display, "UTF8_STRING", False);
-    createChild(width, height);
+    createChild(width, height, api);
     selectShellEvents();
     setTitle(title);
 
@@ -93,7 +106,7 @@ GlWindow::GlWindow(const std::string& title, unsigned width, unsigned height, Me
     fWindow.show();
 }
 
-void GlWindow::createChild(unsigned width, unsigned height)
+void GlWindow::createChild(unsigned width, unsigned height, GraphicsApi api)
 {
     X& x = *fX;
     int errorBase = 0;
@@ -110,14 +123,21 @@ void GlWindow::createChild(unsigned width, unsigned height)
     x.child = XCreateWindow(x.display, x.shell, 0, 0, width, height, 0, visual->depth, InputOutput, visual->visual,
                             CWColormap | CWBorderPixel | CWEventMask, &attributes);
     XFree(visual);
-    x.context = glXCreateNewContext(x.display, config, GLX_RGBA_TYPE, nullptr, True);
+    x.context = createContext(x.display, config, api);
     XMapWindow(x.display, x.child);
     XSync(x.display, False);
     if (!x.context || gLastError != 0 || !glXMakeCurrent(x.display, x.child, x.context))
-        throw DisplayError("cannot make an OpenGL context");
+        throw DisplayError(api == GraphicsApi::Gl33 ? "the display has no core profile of OpenGL 3.3"
+                                                    : "cannot make an OpenGL context");
     if (epoxy_gl_version() < 21)
         throw DisplayError("OpenGL 2.1 is wanted, and the driver has " +
                            std::string(reinterpret_cast<const char*>(glGetString(GL_VERSION))));
+    if (api != GraphicsApi::Gl33)
+        return;
+    // Core profiles draw nothing without a vertex array object; one is enough, and goes with the context.
+    GLuint vertexArray = 0;
+    glGenVertexArrays(1, &vertexArray);
+    glBindVertexArray(vertexArray);
 }
 
 /// Has the keys sent to the shell, and a message when the user closes the window.

@@ -1,4 +1,6 @@
 #pragma once
+#include "GraphicsApi.h"
+
 #include <krender/window/SimpleWindow.h>
 
 #include <memory>
@@ -11,8 +13,9 @@ public:
     /// Shows the window and makes its context current. There must be a display. Throws a DisplayError.
     /// @param title           UTF-8
     /// @param width, height   pixels
+    /// @param api             what the context has
     /// @param handler         called for every event of the window; borrowed
-    GlWindow(const std::string& title, unsigned width, unsigned height, MessageHandler& handler);
+    GlWindow(const std::string& title, unsigned width, unsigned height, GraphicsApi api, MessageHandler& handler);
     GlWindow(const GlWindow&) = delete;
     GlWindow& operator=(const GlWindow&) = delete;
     ~GlWindow();
@@ -29,7 +32,7 @@ public:
 private:
     struct X; ///< the window's resources in X and GLX
 
-    void createChild(unsigned width, unsigned height);
+    void createChild(unsigned width, unsigned height, GraphicsApi api);
     void selectShellEvents();
     void process(void* event);
 

@@ -7,9 +7,9 @@
 #include "Streams.h"
 
 #include <common/Findings.h>
-#include <common/NearNames.h>
 #include <common/Source.h>
 
+#include <krender/frontend/NearNames.h>
 #include <krender/geometry/GeometryData.h>
 #include <krender/geometry/ParticleData.h>
 #include <krender/pixels/IHWTexture.h>
@@ -18,7 +18,6 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -47,8 +46,6 @@ std::size_t numberCount(DataType type)
     return dataTypeInfo[type].isVector ? maxDim(type) : 0;
 }
 
-bool isMatrix(DataType type) { return type == kMatrix2 || type == kMatrix3 || type == kMatrix4; }
-
 bool endsWith(const std::string& name, std::string_view end)
 {
     const auto isSame = [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; };
@@ -76,7 +73,7 @@ constexpr std::array kLightDefaults{
 std::vector<double> defaultNumbers(const ProgramInput& input)
 {
     const std::size_t count = numberCount(input.type);
-    if (isMatrix(input.type))
+    if (dataTypeInfo[input.type].isMatrix)
     {
         std::vector<double> identity(count, 0.0);
         for (std::size_t i = 0; i < count; i += maxDim(input.type) + 1)
@@ -124,13 +121,6 @@ bool fits(double number, DataType type)
            number <= std::numeric_limits<GLint>::max();
 }
 
-/// A number in as few digits as identify it.
-std::string written(double number)
-{
-    std::array<char, 32> text{};
-    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
-}
-
 /// The numbers of a value, as many as the type takes.
 std::vector<double> numbersOf(const InputValue& value, const ProgramInput& input)
 {
@@ -142,7 +132,7 @@ std::vector<double> numbersOf(const InputValue& value, const ProgramInput& input
     for (const double number : *numbers)
         if (!fits(number, input.type))
             fail(value, inQuotes(input.name) + " is of type " + dataTypeName(input.type) + " and cannot be " +
-                            written(number));
+                            krTools::digitsOf(number));
     return *numbers;
 }
 
@@ -225,7 +215,7 @@ Inputs::Inputs(const Scene& scene, const Material& material, std::vector<std::st
     for (const auto& [name, value] : scene.inputs)
         if (std::find(names.begin(), names.end(), name) == names.end())
             fail(value, "neither the material " + inQuotes(material.name) + " nor its lights have an input " +
-                            inQuotes(name) + krTools::didYouMean(name, names));
+                            inQuotes(name) + krFrontend::didYouMean(name, names));
 
     for (const ProgramInput& input : material.inputs)
     {
@@ -257,7 +247,7 @@ void Inputs::addAttribute(const ProgramInput& input, const InputValue* value)
     {
         const std::vector<std::string> names = streamNames();
         if (std::find(names.begin(), names.end(), named->name) == names.end())
-            fail(*value, "shapes have no stream " + inQuotes(named->name) + krTools::didYouMean(named->name, names));
+            fail(*value, "shapes have no stream " + inQuotes(named->name) + krFrontend::didYouMean(named->name, names));
         attribute.stream = named->name;
     }
     else if (value)
@@ -306,7 +296,7 @@ Ref<Texture> Inputs::texture(const ProgramInput& input, const InputValue* value,
         files.push_back(path);
         std::error_code failure;
         if (!std::filesystem::is_regular_file(path, failure))
-            fail(*value, "there is no picture '" + path + "'" + krTools::didYouMean(picture.name, builtIn));
+            fail(*value, "there is no picture '" + path + "'" + krFrontend::didYouMean(picture.name, builtIn));
         pixels = readPng(path);
         fitToDriver(*pixels);
     }

@@ -1,9 +1,9 @@
 #include "Options.h"
 
-#include <common/StandardOutput.h>
-#include <common/UsageError.h>
+#include "Scene.h"
 
-#include <CLI/CLI.hpp>
+#include <common/CommandLine.h>
+#include <common/UsageError.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -20,6 +20,9 @@ Drag to tumble, drag with the right button or turn the wheel to change the dista
 R resets the view, A shows the axes, W the wire frame, S saves a picture, Q quits.
 )";
 
+constexpr const char* kOldApi = "gl2.1";
+constexpr const char* kCoreApi = "gl3.3";
+
 constexpr unsigned kMaxFrames = 1000000000;
 
 /// Pictures are written as PNG and nothing else.
@@ -33,18 +36,12 @@ void checkPictureName(const std::string& name)
                                   ": pictures are written as PNG; give a name that ends in .png");
 }
 
-void printText(const std::string& text)
-{
-    krTools::StandardOutput output;
-    output.write(text);
-    output.finish();
-}
-
 } // namespace
 
 std::optional<Options> readOptions(int argc, char** argv)
 {
     Options options;
+    std::string api = kOldApi;
     CLI::App app("krview, a viewer of KRSL materials", "krview");
     app.footer(kFooter);
     app.set_version_flag("--version", "krview " KRENDER_VERSION);
@@ -54,7 +51,7 @@ std::optional<Options> readOptions(int argc, char** argv)
         ->type_name("FILE[:NAME]");
     app.add_option("--shape", options.shape, "what it is shown on")
         ->type_name("SHAPE")
-        ->check(CLI::IsMember({"cube", "sphere", "cylinder", "particles"}));
+        ->check(CLI::IsMember(std::vector<std::string>(kShapeNames.begin(), kShapeNames.end())));
     app.add_option("--light", options.lights,
                    "a light, instead of the scene's: its name and its function in a library or a file of its own")
         ->type_name("KEY=[FILE:]FUNCTION")
@@ -64,9 +61,11 @@ std::optional<Options> readOptions(int argc, char** argv)
                    "scene's or its default: numbers with commas between them, checker, noise, sky, or a PNG file")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
-    app.add_option("--grid", options.grid, "show N times N objects")->type_name("N")->check(CLI::Range(1, 200));
+    app.add_option("--grid", options.grid, "show N times N objects")
+        ->type_name("N")
+        ->check(CLI::Range(1U, kMostObjects));
     app.add_option("--size", options.size, "the window's size in pixels")->type_name("WxH");
-    app.add_option("--stdlib", options.stdlib, "the standard library")->type_name("FILE");
+    app.add_option("--stdlib", options.stdlib, "the standard library; \"none\" for none")->type_name("FILE");
     app.add_option("--lib", options.libraries, "a further library")->type_name("FILE")->allow_extra_args(false);
     app.add_option("-I", options.includeFolders, "where included files are looked for after their own folder")
         ->type_name("FOLDER")
@@ -77,26 +76,14 @@ std::optional<Options> readOptions(int argc, char** argv)
     app.add_option("--frames", options.frames, "quit after N frames")
         ->type_name("N")
         ->check(CLI::Range(1U, kMaxFrames));
+    app.add_option("--api", api, "what to draw with: OpenGL 2.1, or the core profile of OpenGL 3.3")
+        ->type_name("API")
+        ->check(CLI::IsMember({kOldApi, kCoreApi}));
     app.add_flag("--watch", options.watch, "read the sources again when they, or files that they include, change");
     app.add_flag("--stats", options.stats, "print at the end what was drawn, culled and uploaded");
-    try
-    {
-        app.parse(argc, argv);
-    }
-    catch (const CLI::CallForHelp&)
-    {
-        printText(app.help());
+    if (!krTools::readCommandLine(app, argc, argv))
         return std::nullopt;
-    }
-    catch (const CLI::CallForVersion&)
-    {
-        printText("krview " KRENDER_VERSION "\n");
-        return std::nullopt;
-    }
-    catch (const CLI::ParseError& error)
-    {
-        throw krTools::UsageError(error.what());
-    }
+    options.api = api == kCoreApi ? GraphicsApi::Gl33 : GraphicsApi::Gl21;
     if (app.count("--screenshot") != 0)
     {
         checkPictureName(options.screenshot);

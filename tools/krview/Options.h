@@ -1,4 +1,6 @@
 #pragma once
+#include "GraphicsApi.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,6 +21,7 @@ struct Options
     unsigned grid = 0;
     std::string screenshot; ///< ends in ".png"
     unsigned frames = 0;    ///< 0: until the user quits
+    GraphicsApi api = GraphicsApi::Gl21;
     bool watch = false;
     bool stats = false;
 };

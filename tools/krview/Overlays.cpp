@@ -1,6 +1,5 @@
 #include "Overlays.h"
 
-#include "DeviceBuffer.h"
 #include "Streams.h"
 
 #include <krender/geometry/GeometryData.h>
@@ -8,24 +7,27 @@
 #include <krender/platform/Linear.h>
 
 #include <array>
+#include <cstddef>
 
 namespace
 {
 
 void drawAxes(DrawProcedure&, const DrawProcedureData& data)
 {
-    constexpr double kLength = 1.6;
-    constexpr std::array<std::array<double, 3>, 3> kAxes{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
-    static_cast<const FrameData&>(data).camera.bind();
-    glLineWidth(2);
-    glBegin(GL_LINES);
-    for (const auto& axis : kAxes)
+    constexpr GLfloat kLength = 1.6f;
+    const auto& frame = static_cast<const FrameData&>(data);
+    std::array<FlatVertex, 6> lines{};
+    for (std::size_t axis = 0; axis < 3; ++axis)
     {
-        glColor3d(0.25 + 0.75 * axis[0], 0.25 + 0.75 * axis[1], 0.25 + 0.75 * axis[2]);
-        glVertex3d(0, 0, 0);
-        glVertex3d(kLength * axis[0], kLength * axis[1], kLength * axis[2]);
+        FlatVertex& origin = lines[2 * axis];
+        FlatVertex& end = lines[2 * axis + 1];
+        origin.color = {0.25f, 0.25f, 0.25f};
+        origin.color[axis] = 1;
+        end.color = origin.color;
+        end.place[axis] = kLength;
     }
-    glEnd();
+    glLineWidth(2);
+    frame.painter.draw(GL_LINES, lines, frame.camera.worldToClip());
     glLineWidth(1);
 }
 
@@ -36,23 +38,12 @@ void drawWire(DrawProcedure&, const DrawProcedureData& data)
     const GeometryData* positions = findStream(frame.geometry, kStreamKinds[kPositions].name);
     if (!edges || !positions)
         return;
-    DeviceBuffer::of(*positions).bind();
-    glVertexPointer(3, GL_FLOAT, 0, nullptr);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    DeviceBuffer::of(*edges).bind();
-    frame.camera.bind();
-    glColor3d(0.95, 0.85, 0.4);
+    constexpr std::array<GLfloat, 3> kColor{0.95f, 0.85f, 0.4f};
     frame.grid.forEachVisible(
-        [edges](const krLinear::AffineMatrix& placement)
-        {
-            glPushMatrix();
-            glMultMatrixd(krLinear::ProjMatrix(placement).elements());
-            glDrawElements(GL_LINES, static_cast<GLsizei>(edges->count()), GL_UNSIGNED_INT, nullptr);
-            glPopMatrix();
+        [&](const krLinear::AffineMatrix& placement) {
+            frame.painter.drawEdges(*positions, *edges, kColor,
+                                    krLinear::ProjMatrix(placement) * frame.camera.worldToClip());
         });
-    glDisableClientState(GL_VERTEX_ARRAY);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
-    glBindBuffer(GL_ARRAY_BUFFER, 0);
 }
 
 void add(DrawProcedureList& list, const char* name, DrawProcedure::ExecuteCallback callback)

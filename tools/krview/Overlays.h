@@ -1,5 +1,6 @@
 #pragma once
 #include "Camera.h"
+#include "FlatPainter.h"
 #include "ObjectGrid.h"
 
 #include <krender/core/Ref.h>
@@ -12,12 +13,13 @@
 class FrameData : public DrawProcedureData
 {
 public:
-    FrameData(Camera& aCamera, const Geometry& aGeometry, const ObjectGrid& aGrid)
-        : camera(aCamera), geometry(aGeometry), grid(aGrid)
+    FrameData(const FlatPainter& aPainter, const Camera& aCamera, const Geometry& aGeometry, const ObjectGrid& aGrid)
+        : painter(aPainter), camera(aCamera), geometry(aGeometry), grid(aGrid)
     {
     }
 
-    Camera& camera;
+    const FlatPainter& painter;
+    const Camera& camera;
     const Geometry& geometry; ///< with device copies of its lists
     const ObjectGrid& grid;
 };

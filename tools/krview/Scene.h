@@ -1,5 +1,8 @@
 #pragma once
+#include <common/SourceNames.h>
+
 #include <array>
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
@@ -14,8 +17,14 @@ enum class Shape
     Particles,
 };
 
-/// The name of a shape in scene files and messages.
-[[nodiscard]] const char* shapeName(Shape shape);
+/// The names of the shapes in scene files, options and messages.
+inline constexpr std::array kShapeNames{"cube", "sphere", "cylinder", "particles"};
+static_assert(kShapeNames.size() == static_cast<std::size_t>(Shape::Particles) + 1);
+
+[[nodiscard]] constexpr const char* shapeName(Shape shape) { return kShapeNames[static_cast<std::size_t>(shape)]; }
+
+/// The most objects on each side of a grid.
+inline constexpr unsigned kMostObjects = 200;
 
 /// A picture for a sampler, or a stream of the shape for a per-vertex input, by its name.
 struct NamedValue
@@ -34,19 +43,11 @@ struct InputValue
     std::string place;  ///< where the value stands in it, for messages
 };
 
-struct SceneLight
-{
-    std::string key; ///< the prefix of the names of its inputs in the program
-    std::string function;
-    std::string place;  ///< where the light stands in the scene or the options, for messages
-    std::string source; ///< the file that the function is in; empty: one of the libraries
-};
-
 /// The lights of a scene that names none.
-[[nodiscard]] inline std::vector<SceneLight> defaultLights()
+[[nodiscard]] inline std::vector<krTools::LightName> defaultLights()
 {
     const std::string place = "the light that comes with every scene";
-    return {{"sun", "directionalLight", place, ""}, {"sky", "skyLight", place, ""}};
+    return {{place, "sun", "directionalLight", ""}, {place, "sky", "skyLight", ""}};
 }
 
 /// What is shown and how. Angles are in degrees, colours red, green and blue from 0 to 1.
@@ -55,10 +56,10 @@ struct Scene
     std::string material; ///< FILE or FILE:NAME
     std::string stdlib;
     std::vector<std::string> libraries;
-    std::vector<std::string> includeFolders;       ///< where included files are looked for after their own folder
-    bool plain = false;                            ///< whether the sources are read as plain KRSL
-    std::optional<std::vector<SceneLight>> lights; ///< nothing: defaultLights()
-    std::map<std::string, InputValue> inputs;      ///< by the names of the uniforms and of the per-vertex inputs
+    std::vector<std::string> includeFolders; ///< where included files are looked for after their own folder
+    bool plain = false;                      ///< whether the sources are read as plain KRSL
+    std::optional<std::vector<krTools::LightName>> lights; ///< nothing: defaultLights()
+    std::map<std::string, InputValue> inputs; ///< by the names of the uniforms and of the per-vertex inputs
 
     Shape shape = Shape::Sphere;
     bool smooth = true;       ///< whether shapes get smooth normals instead of those of their facets

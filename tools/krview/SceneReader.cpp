@@ -5,7 +5,7 @@
 
 #include <common/DataFiles.h>
 #include <common/Findings.h>
-#include <common/Modules.h>
+#include <common/MaterialCompiler.h>
 #include <common/Source.h>
 #include <common/UsageError.h>
 #include <common/Words.h>
@@ -33,9 +33,6 @@ namespace
 {
 
 constexpr unsigned kGreatestSide = 8192;
-constexpr unsigned kGreatestGrid = 200;
-
-constexpr std::array<const char*, 4> kShapeNames{"cube", "sphere", "cylinder", "particles"};
 
 Shape shapeNamed(const std::string& name)
 {
@@ -82,13 +79,13 @@ InputValue inputValue(const SceneValue& value)
 
 void readLight(const SceneValue& value, Scene& scene)
 {
-    SceneLight light;
+    krTools::LightName light;
     light.place = value.path();
     std::map<std::string, InputValue> inputs;
     value.readMembers({
         {"key", [&](const SceneValue& key) { light.key = key.text(); }},
         {"function", [&](const SceneValue& function) { light.function = function.text(); }},
-        {"source", [&](const SceneValue& source) { light.source = fileOf(source, source.text()); }},
+        {"source", [&](const SceneValue& source) { light.file = fileOf(source, source.text()); }},
         {"inputs", [&](const SceneValue& all)
          { all.forEachMember([&](const auto& name, const auto& input) { inputs[name] = inputValue(input); }); }},
     });
@@ -96,7 +93,7 @@ void readLight(const SceneValue& value, Scene& scene)
         value.fail("a \"function\" is missing");
     if (!krTools::isName(light.key))
         value.fail("a \"key\" is missing, a name that tells the light from others");
-    for (const SceneLight& other : *scene.lights)
+    for (const krTools::LightName& other : *scene.lights)
         if (other.key == light.key)
             value.fail("another light has the key " + inQuotes(light.key));
     for (auto& [name, input] : inputs)
@@ -155,7 +152,7 @@ void readMembers(const SceneValue& file, Scene& scene)
          }},
         {"smooth", [&](const SceneValue& v) { scene.smooth = v.truth(); }},
         {"particles", [&](const SceneValue& v) { scene.particles = v.wholeNumber(1, 100000); }},
-        {"grid", [&](const SceneValue& v) { scene.grid = v.wholeNumber(1, kGreatestGrid); }},
+        {"grid", [&](const SceneValue& v) { scene.grid = v.wholeNumber(1, kMostObjects); }},
         {"spacing", [&](const SceneValue& v) { scene.spacing = v.number(0, 1000); }},
         {"view", [&](const SceneValue& v) { readView(v, scene); }},
         {"background",
@@ -199,7 +196,7 @@ bool readFile(const std::string& path, Scene& scene)
         krTools::Findings findings;
         findings.error(error.byte > 0 ? error.byte - 1 : 0,
                        std::string(place == std::string_view::npos ? text : text.substr(place + 2)));
-        krTools::print(stderr, source, findings);
+        krTools::print(source, findings);
         return false;
     }
     catch (const nlohmann::json::out_of_range& error)
@@ -210,15 +207,6 @@ bool readFile(const std::string& path, Scene& scene)
     }
     scene.files.push_back(path);
     return true;
-}
-
-/// Splits NAME=VALUE or KEY=FUNCTION.
-std::pair<std::string, std::string> assignment(const std::string& option, const std::string& text, const char* expected)
-{
-    const std::size_t equals = std::min(text.find('='), text.size());
-    if (equals + 1 >= text.size() || !krTools::isName(std::string_view(text).substr(0, equals)))
-        throw UsageError(option + " " + text + ": " + expected + " is wanted");
-    return {text.substr(0, equals), text.substr(equals + 1)};
 }
 
 /// Numbers with commas between them, which may be NaN or infinite; nothing when the text is something else.
@@ -281,21 +269,19 @@ void applyOptions(const Options& options, Scene& scene)
         scene.lights.emplace();
     for (const std::string& option : options.lights)
     {
-        const auto [key, function] = assignment("--light", option, "KEY=FUNCTION");
-        const std::size_t colon = function.rfind(':');
-        const bool hasSource = colon != std::string::npos;
-        for (const SceneLight& other : *scene.lights)
-            if (other.key == key)
-                throw UsageError("--light " + option + ": another light has this key, and their inputs would clash");
-        scene.lights->push_back({.key = key,
-                                 .function = hasSource ? function.substr(colon + 1) : function,
-                                 .place = "--light " + option,
-                                 .source = hasSource ? function.substr(0, colon) : ""});
+        krTools::LightName light = krTools::lightName(option);
+        for (const krTools::LightName& other : *scene.lights)
+            if (other.key == light.key)
+                throw UsageError(light.place + ": another light has this key, and their inputs would clash");
+        scene.lights->push_back(std::move(light));
     }
     for (const std::string& option : options.settings)
     {
-        const auto [name, value] = assignment("--set", option, "NAME=VALUE");
-        scene.inputs[name] = inputValue("--set " + option, value);
+        const std::size_t equals = std::min(option.find('='), option.size());
+        const std::string name = option.substr(0, equals);
+        if (equals + 1 >= option.size() || !krTools::isName(name))
+            throw UsageError("--set " + option + ": NAME=VALUE is wanted");
+        scene.inputs[name] = inputValue("--set " + option, option.substr(equals + 1));
     }
     if (options.grid != 0)
         scene.grid = options.grid;
@@ -307,8 +293,6 @@ void applyOptions(const Options& options, Scene& scene)
 
 } // namespace
 
-const char* shapeName(Shape shape) { return kShapeNames[static_cast<std::size_t>(shape)]; }
-
 std::optional<Scene> readScene(const Options& options)
 {
     Scene scene;
@@ -318,13 +302,11 @@ std::optional<Scene> readScene(const Options& options)
     if (!file.empty() && !readFile(file, scene))
         return std::nullopt;
     applyOptions(options, scene);
-    if (scene.stdlib.empty())
-        scene.stdlib = krTools::dataFile("stdlib.krs");
     scene.files.push_back(krTools::materialName(scene.material).file);
-    scene.files.push_back(scene.stdlib);
-    scene.files.insert(scene.files.end(), scene.libraries.begin(), scene.libraries.end());
-    for (const SceneLight& light : scene.lights.value_or(std::vector<SceneLight>()))
-        if (!light.source.empty())
-            scene.files.push_back(light.source);
+    const std::vector<std::string> libraries = krTools::libraryFiles(scene.stdlib, scene.libraries);
+    scene.files.insert(scene.files.end(), libraries.begin(), libraries.end());
+    for (const krTools::LightName& light : scene.lights.value_or(std::vector<krTools::LightName>()))
+        if (!light.file.empty())
+            scene.files.push_back(light.file);
     return scene;
 }

@@ -3,7 +3,8 @@
 #include "InputError.h"
 
 #include <common/Findings.h>
-#include <common/NearNames.h>
+
+#include <krender/frontend/NearNames.h>
 
 #include <nlohmann/json.hpp>
 
@@ -125,6 +126,6 @@ void SceneValue::readMembers(const std::map<std::string, Reader>& readers) const
             names.reserve(readers.size());
             for (const auto& [known, reader] : readers)
                 names.push_back(known);
-            fail("unknown key " + krTools::inQuotes(name) + krTools::didYouMean(name, names));
+            fail("unknown key " + krTools::inQuotes(name) + krFrontend::didYouMean(name, names));
         });
 }

@@ -44,7 +44,7 @@ public:
           fPictureWidth(scene.width),
           fPictureHeight(scene.height),
           fView(scene),
-          fWindow("krview", scene.width, scene.height, fView)
+          fWindow("krview", scene.width, scene.height, options.api, fView)
     {
     }
 
@@ -121,7 +121,7 @@ private:
         }
         catch (const std::exception& error)
         {
-            krTools::print(stderr, "krview", krTools::Severity::Error, error.what());
+            krTools::printError("krview", error.what());
             showNote(error.what());
         }
     }
@@ -160,11 +160,11 @@ private:
         }
         catch (const InputError& error)
         {
-            krTools::print(stderr, error.origin(), krTools::Severity::Error, error.what());
+            krTools::printError(error.origin(), error.what());
         }
         catch (const krTools::FileError& error)
         {
-            krTools::print(stderr, "krview", krTools::Severity::Error, error.what());
+            krTools::printError("krview", error.what());
         }
         // Also after an error: it may stand in a file that is included for the first time.
         fWatch.watch(fStage.files());

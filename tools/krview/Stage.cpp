@@ -1,9 +1,9 @@
 #include "Stage.h"
 
 #include "DeviceBuffer.h"
+#include "GlMatrix.h"
 #include "GlProgram.h"
 #include "Material.h"
-#include "PlainMaterial.h"
 #include "ShapeJoiner.h"
 #include "Streams.h"
 
@@ -20,14 +20,6 @@ namespace
 
 constexpr double kNearest = 0.02; // the nearest front plane, as a share of the distance
 
-std::array<GLfloat, 16> asFloats(const krLinear::ProjMatrix& matrix)
-{
-    std::array<GLfloat, 16> floats{};
-    std::transform(matrix.elements(), matrix.elements() + floats.size(), floats.begin(),
-                   [](double element) { return static_cast<GLfloat>(element); });
-    return floats;
-}
-
 } // namespace
 
 Stage::Stage()
@@ -43,7 +35,7 @@ Stage::Stage()
 bool Stage::load(const Scene& scene)
 {
     fFiles = scene.files;
-    const std::optional<Material> material = scene.plain ? compilePlainMaterial(scene) : compileMaterial(scene, fFiles);
+    const std::optional<Material> material = compileMaterial(scene, fFiles);
     if (!material)
         return false;
     std::unique_ptr<GlProgram> program = GlProgram::link(*material);
@@ -104,7 +96,7 @@ void Stage::draw(View& view, int width, int height, double seconds)
         fUpload.update(*group);
     drawObjects();
 
-    const FrameData frame(fCamera, fGeometry, *fGrid);
+    const FrameData frame(fPainter, fCamera, fGeometry, *fGrid);
     for (unsigned i = 0; DrawProcedure* procedure = fOverlays->item(i); ++i)
         if (procedure->isEnabled())
             procedure->execute(frame);
@@ -122,19 +114,13 @@ void Stage::aim(View& view, double aspect)
 
 void Stage::drawBackground() const
 {
-    glMatrixMode(GL_PROJECTION);
-    glLoadIdentity();
-    glMatrixMode(GL_MODELVIEW);
-    glLoadIdentity();
+    const auto corner = [](GLfloat x, GLfloat y, const std::array<float, 3>& color) {
+        return FlatVertex{{x, y, 1}, color};
+    };
+    const std::array corners{corner(-1, -1, fScene.bottom), corner(1, -1, fScene.bottom), corner(-1, 1, fScene.top),
+                             corner(1, 1, fScene.top)};
     glDepthMask(GL_FALSE);
-    glBegin(GL_QUADS);
-    glColor3fv(fScene.bottom.data());
-    glVertex3d(-1, -1, 1);
-    glVertex3d(1, -1, 1);
-    glColor3fv(fScene.top.data());
-    glVertex3d(1, 1, 1);
-    glVertex3d(-1, 1, 1);
-    glEnd();
+    fPainter.draw(GL_TRIANGLE_STRIP, corners, krLinear::ProjMatrix());
     glDepthMask(GL_TRUE);
 }
 

@@ -1,4 +1,5 @@
 #pragma once
+#include "FlatPainter.h"
 #include "Fountain.h"
 #include "Inputs.h"
 #include "MeshUpload.h"
@@ -55,6 +56,7 @@ private:
     std::optional<Fountain> fFountain;
     std::optional<ObjectGrid> fGrid;
     MeshUpload fUpload;
+    FlatPainter fPainter;
     Camera fCamera;
     Ref<DrawProcedureList> fOverlays = newOverlays();
 };

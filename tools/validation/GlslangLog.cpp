@@ -14,14 +14,6 @@ namespace krTools
 namespace
 {
 
-std::size_t lineBegin(std::string_view text, unsigned line)
-{
-    std::size_t begin = 0;
-    for (; line > 1; --line)
-        begin = std::min(text.find('\n', begin), text.size() - 1) + 1;
-    return begin;
-}
-
 /// Where a word stands in a line, on its own and not within another; otherwise where the line's text begins.
 std::size_t findWord(std::string_view line, std::string_view word)
 {
@@ -89,7 +81,7 @@ void addLog(std::string_view log, const Source& program, unsigned string, Findin
             std::string text = tidied(message);
             if (text.ends_with("compilation terminated"))
                 return;
-            std::size_t position = itsString == string ? lineBegin(program.text(), *line) : 0;
+            std::size_t position = itsString == string ? program.lineBegin(*line) : 0;
             const std::string_view word =
                 text.starts_with('\'') ? std::string_view(text).substr(1, text.find('\'', 1) - 1) : std::string_view();
             position += findWord(program.place(position).text, word);

@@ -3,10 +3,10 @@
 #include "krender/frontend/private/DiagnosticList.h"
 #include "krender/frontend/private/Message.h"
 #include "krender/frontend/private/NameTable.h"
-#include "krender/frontend/private/NearNames.h"
 #include "krender/frontend/private/Syntax.h"
 #include "krender/frontend/private/SyntaxReader.h"
 #include "krender/frontend/private/Type.h"
+#include <krender/frontend/NearNames.h>
 
 #include <krender/frontend/SourceSet.h>
 

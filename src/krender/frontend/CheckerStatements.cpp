@@ -39,6 +39,7 @@ void Checker::declare(Symbol& symbol)
         else if (symbol.kind == SymbolKind::Local)
             fDiagnostics.report(Message::HiddenName, symbol.range, {fStore.names.text(symbol.name)})
                 .note(outer->range, "it is declared here");
+        symbol.hidesHead = outer->isInHead && !symbol.isInHead && fDeclared[fScopeBegin - 1]->isInHead;
     }
     else if (const Symbol* constant = fConstants[symbol.name]; constant && symbol.kind == SymbolKind::Local)
         fDiagnostics.report(Message::HiddenName, symbol.range, {fStore.names.text(symbol.name)})
@@ -311,7 +312,11 @@ void Checker::checkLoop(Stmt& statement)
     const bool outerBreaks = std::exchange(fBreaks, false);
     const bool wasReachable = fReachable;
     if (statement.init)
+    {
+        for (Symbol* variable = statement.init->variables; variable; variable = variable->next)
+            variable->isInHead = true;
         checkStatement(*statement.init);
+    }
     if (statement.kind == StmtKind::DoWhile)
     {
         ++fLoops;

@@ -72,6 +72,8 @@ struct UniformInterface
     DataType type = kInvalidType;
     Value defaultValue;
     std::vector<MetadataItem> metadata;
+    const Module* module = nullptr; ///< that declares it
+    SourceRange range;              ///< of the name in that module
 };
 
 struct VertexInputInterface

@@ -202,7 +202,8 @@ void Lowering::collectInserted(const Function& function, std::unordered_set<std:
 void Lowering::nameVariable(const Symbol& symbol, const std::unordered_set<std::string>& called)
 {
     const std::string name(nameText(symbol.name));
-    if (fProgram.names().needsOther(name) || fProgram.isFunction(name) || called.contains(name))
+    // To GLSL the head of a for and the block behind it are one scope.
+    if (symbol.hidesHead || fProgram.names().needsOther(name) || fProgram.isFunction(name) || called.contains(name))
         fNames[&symbol] = fProgram.names().invent(name);
 }
 

@@ -12,6 +12,7 @@
 #include <krender/shading/MemMappedFile.h>
 #include <krender/shading/ShadingNodeSpec.h>
 #include <krender/shading/ShadingParser.h>
+#include <krender/shading/ShadingParserLimits.h>
 #include <krender/shading/Statement.h>
 #include <krender/shading/StatementCompound.h>
 #include <krender/shading/Token.h>
@@ -249,7 +250,7 @@ std::vector<Part> partsOf(const ModuleContents& contents)
 void compareFunction(const SourceSet& sources, const Part& part, DiagnosticList& diagnostics)
 {
     krShadingDag::ShadingParser parser;
-    parser.setLimits({.refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000});
+    parser.setLimits(krShadingDag::kLimitsForAnySource);
     ShadingNodeSpec* read = nullptr;
     const bool isRead = parser.parseString(krString::CString(sources.text(part.range)), &read);
     const std::unique_ptr<ShadingNodeSpec> spec(read);

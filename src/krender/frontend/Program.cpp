@@ -6,7 +6,6 @@
 #include "krender/frontend/private/Message.h"
 #include "krender/frontend/private/ModuleContents.h"
 #include "krender/frontend/private/NameTable.h"
-#include "krender/frontend/private/NearNames.h"
 #include "krender/frontend/private/ProgramNames.h"
 #include "krender/frontend/private/Provided.h"
 #include "krender/frontend/private/Syntax.h"
@@ -14,6 +13,7 @@
 #include "krender/frontend/private/Type.h"
 #include <krender/frontend/Interface.h>
 #include <krender/frontend/Module.h>
+#include <krender/frontend/NearNames.h>
 #include <krender/frontend/SourceSet.h>
 #include <krender/platform/String.h>
 #include <krender/shadergen/FragmentExtras.h>
@@ -346,7 +346,7 @@ private:
                 continue;
             interface.uniforms.push_back({prefix + lowering.nameOf(*input), std::string(name), key,
                                           dataType(input->type), input->value ? valueOf(*input->value) : Value(),
-                                          metadataOf(module.contents(), *input)});
+                                          metadataOf(module.contents(), *input), &module, input->range});
         }
     }
 

@@ -103,7 +103,10 @@ bool SyntaxReader::countOperator()
 Expr* SyntaxReader::readExpression()
 {
     fOperators = 0;
-    return readAssignment();
+    Expr* expr = readAssignment();
+    // What is cut off at a limit has nothing more to be wrong with it.
+    const bool isCut = fGaveUp || fOperators > kMostOperators;
+    return isCut ? makeExpr(ExprKind::Bad, expr->begin, expr->end) : expr;
 }
 
 Expr* SyntaxReader::readAssignment()

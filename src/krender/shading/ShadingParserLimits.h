@@ -5,9 +5,7 @@ namespace krShadingDag
 {
 
 /// What a parser refuses besides the language's own errors. By default it refuses nothing more: hosts that read sources
-/// from people set all three:
-///
-///     parser.setLimits({.refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000});
+/// from people set kLimitsForAnySource.
 struct ShadingParserLimits
 {
     static constexpr unsigned kUnlimited = std::numeric_limits<unsigned>::max();
@@ -21,5 +19,9 @@ struct ShadingParserLimits
     /// grows with the square of its inputs.
     unsigned maxHeaderTokens = kUnlimited;
 };
+
+/// With these, reading comes to an end whatever the source. No material that people write reaches them.
+inline constexpr ShadingParserLimits kLimitsForAnySource{
+    .refuseEmptyStatements = true, .maxNesting = 5000, .maxHeaderTokens = 50000};
 
 } // namespace krShadingDag

@@ -144,7 +144,9 @@ constexpr RejectedCommand kRejectedCommands[] = {
      "lamp.krs:3:28: error: 'colour' is not declared"},
     {"LightThatAFileHasNot", "--material typed.krs --light a=typed.krs:lamp", 1,
      "krview: error: --light a=typed.krs:lamp: typed.krs has no light \"lamp\" with a body\n"},
-    {"BadHeader", "--material odd.krs", 1, "odd.krs:2:13: error: expected the type of an argument, found 'wrong'\n"},
+    {"BadHeader", "--material odd.krs", 1,
+     "odd.krs:2:13: error: expected the type of an argument, found 'wrong' "
+     "[unexpected-token]\n    uniform wrong,\n            ^~~~~\n"},
     {"UnknownName", "--material untyped.krs", 1, "untyped.krs:5:21: error: 'gLightDifuseColor' is not declared"},
     {"ErrorInALight", "--material typed.krs --lib lamp.krs", 1, "lamp.krs:3:28: error: 'colour' is not declared"},
     {"ErrorInAnInclude", "--material includes.krs", 1, "parts.krs:3:12: error: 'wite' is not declared"},
@@ -156,7 +158,7 @@ constexpr RejectedCommand kRejectedCommands[] = {
      "in line "},
     {"PlainEmptyStatement", "--plain --material broken.krs", 1, "broken.krs:3:17: error: Empty statement"},
     {"PlainHeaderWithoutAnEnd", "--plain --material unended.krs", 1,
-     "unended.krs:2:1: error: the source ends within this header\n"},
+     "unended.krs:2:1: error: the source ends within this header: a \";\" or a body is missing\nmaterial b(\n^\n"},
     {"PlainDriverError", "--plain --material untyped.krs --light a=headLight", 1,
      "<fragment program>:72:1: error: the driver rejects it: "},
     // Use
@@ -164,7 +166,7 @@ constexpr RejectedCommand kRejectedCommands[] = {
     {"UnknownOption", "--shap cube", 2, "krview: error: "},
     {"WrongSize", "--size big", 2, "krview: error: --size big: WxH is wanted"},
     {"TooSmall", "--size 8x7", 2, "krview: error: --size 8x7: WxH is wanted"},
-    {"WrongLight", "--light pointLight", 2, "krview: error: --light pointLight: KEY=FUNCTION is wanted"},
+    {"WrongLight", "--light pointLight", 2, "krview: error: --light pointLight: this is not KEY=[FILE:]FUNCTION with"},
     {"SameLightTwice", "--light a=headLight --light a=skyLight", 2, "krview: error: --light a=skyLight: another light"},
     {"NegativeFrames", "--frames -1", 2, "krview: error: --frames: Value -1 not in range 1 to 1000000000\n"},
     {"NoFrames", "--frames 0", 2, "krview: error: --frames: Value 0 not in range 1 to 1000000000\n"},

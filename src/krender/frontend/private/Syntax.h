@@ -35,6 +35,8 @@ struct Symbol
     bool isSet = false;        ///< while a body is walked: has a value by now
     std::uint8_t provided = 0; // of a provided value: its place in the table
     bool isWarned = false;     ///< reported as read before it is set
+    bool isInHead = false;     ///< declared in the head of a for
+    bool hidesHead = false;    ///< declared in the block behind the head that has its name already
     Type type;
     Name name = 0;
     SourceRange range;           ///< of the name

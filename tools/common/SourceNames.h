@@ -1,0 +1,29 @@
+#pragma once
+#include <string>
+
+namespace krTools
+{
+
+/// Which function of which file is the material.
+struct MaterialName
+{
+    std::string file;
+    std::string function; ///< empty: the first material
+};
+
+/// Takes FILE or FILE:NAME apart.
+[[nodiscard]] MaterialName materialName(const std::string& text);
+
+/// Which function is a light, and the light's own name.
+struct LightName
+{
+    std::string place; ///< where the user names it, for messages: "--light sun=directionalLight"
+    std::string key;   ///< its own name, ahead of its uniforms' names
+    std::string function;
+    std::string file; ///< empty: the function is in the material's file or a library
+};
+
+/// Takes KEY=FUNCTION or KEY=FILE:FUNCTION of an option --light apart. Throws a UsageError.
+[[nodiscard]] LightName lightName(const std::string& option);
+
+} // namespace krTools
