@@ -140,11 +140,12 @@ void setNumbers(GLint location, DataType type, const std::vector<double>& number
 {
     std::array<GLfloat, 16> floats{};
     std::array<GLint, 16> ints{};
+    const bool areFloats = dataTypeNumFloats(type) > 0;
     for (std::size_t i = 0; i < numbers.size(); ++i)
-    {
-        floats[i] = static_cast<GLfloat>(numbers[i]);
-        ints[i] = static_cast<GLint>(numbers[i]);
-    }
+        if (areFloats)
+            floats[i] = static_cast<GLfloat>(numbers[i]);
+        else
+            ints[i] = static_cast<GLint>(numbers[i]);
     switch (type)
     {
     case kFloat:

@@ -1,6 +1,7 @@
 #include "Material.h"
 
 #include <common/Diagnostics.h>
+#include <common/ProgramBounds.h>
 
 #include <krender/frontend/Interface.h>
 
@@ -94,7 +95,9 @@ std::optional<InputValue> defaultOf(const krFrontend::UniformInterface& uniform)
         return std::nullopt;
     const krFrontend::SourceLocation place = uniform.module->sources().location(uniform.range.begin);
     const std::string file(place.file);
-    InputValue value{{}, file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column), uniform.name};
+    InputValue value{{},
+                     {file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column), nullptr, 0},
+                     uniform.name};
     if (uniform.defaultValue.isSet())
     {
         value.value = numbersOf(uniform.defaultValue);
@@ -160,9 +163,15 @@ std::optional<Material> compileMaterial(const Scene& scene, std::vector<std::str
         printer.error("a program of " + inQuotes(name) + " has more than 1 MB and is not drawn");
         return std::nullopt;
     }
+    krTools::Source vertex = programSource("<vertex program>", program.vertex);
+    krTools::Source fragment = programSource("<fragment program>", program.fragment);
+    for (const krTools::Source* source : {&vertex, &fragment})
+        printer.add(*source, findUnbounded(*source));
+    if (printer.errorCount() > 0)
+        return std::nullopt;
     return Material{.name = name,
-                    .vertexProgram = programSource("<vertex program>", program.vertex),
-                    .fragmentProgram = programSource("<fragment program>", program.fragment),
+                    .vertexProgram = std::move(vertex),
+                    .fragmentProgram = std::move(fragment),
                     .inputs = inputsOf(program.interface),
                     .isChecked = !scene.plain,
                     .fragmentOrigins = std::move(program.fragmentOrigins),

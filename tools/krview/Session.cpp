@@ -151,8 +151,7 @@ private:
     {
         try
         {
-            const std::optional<Scene> scene = readScene(fOptions);
-            if (scene && fStage.load(*scene))
+            if (fStage.load(readScene(fOptions)))
             {
                 std::printf("krview: now showing %s\n", fStage.description().c_str());
                 std::fflush(stdout);
@@ -160,9 +159,9 @@ private:
         }
         catch (const InputError& error)
         {
-            krTools::printError(error.origin(), error.what());
+            error.print();
         }
-        catch (const krTools::FileError& error)
+        catch (const std::exception& error)
         {
             krTools::printError("krview", error.what());
         }
@@ -258,6 +257,6 @@ int showScene(const Options& options)
         throw DisplayError(name && *name ? "cannot open the display \"" + std::string(name) + "\""
                                          : std::string("there is no display: DISPLAY is not set"));
     }
-    const std::optional<Scene> scene = readScene(options);
-    return scene ? Session(options, *scene).run(*scene) : krTools::kInputHasErrors;
+    const Scene scene = readScene(options);
+    return Session(options, scene).run(scene);
 }
