@@ -16,8 +16,7 @@ void Findings::add(Finding finding)
 
 bool Findings::countInstead(Severity severity) noexcept
 {
-    const bool isFull =
-        (severity == Severity::Error ? fKeptErrors : fKept.size() - fKeptErrors) == kMaxKept;
+    const bool isFull = (severity == Severity::Error ? fKeptErrors : fKept.size() - fKeptErrors) == kMaxKept;
     fNotKept += isFull ? 1 : 0;
     return isFull;
 }

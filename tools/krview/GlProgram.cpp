@@ -27,10 +27,7 @@ std::string infoLog(GLuint object, decltype(glGetShaderiv) query, decltype(glGet
     return text;
 }
 
-void skipBlanks(std::string_view& text)
-{
-    text.remove_prefix(std::min(text.find_first_not_of(" \t\r"), text.size()));
-}
+void skipBlanks(std::string_view& text) { text.remove_prefix(std::min(text.find_first_not_of(" \t\r"), text.size())); }
 
 /// One message of the driver.
 struct DriverMessage
@@ -74,7 +71,8 @@ std::size_t takePlace(std::string_view& message)
     if (text.starts_with(':'))
     {
         text.remove_prefix(1);
-        if (!takeNumber(text, line) || (text.starts_with('(') && !(take(text, "(") && takeNumber(text, other) && take(text, ")"))))
+        if (!takeNumber(text, line) ||
+            (text.starts_with('(') && !(take(text, "(") && takeNumber(text, other) && take(text, ")"))))
             return 0;
     }
     else if (!take(text, "(") || !takeNumber(text, line) || !take(text, ")"))

@@ -95,9 +95,8 @@ std::optional<InputValue> defaultOf(const krFrontend::UniformInterface& uniform)
         return std::nullopt;
     const krFrontend::SourceLocation place = uniform.module->sources().location(uniform.range.begin);
     const std::string file(place.file);
-    InputValue value{{},
-                     {file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column), nullptr, 0},
-                     uniform.name};
+    InputValue value{
+        {}, {file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column), nullptr, 0}, uniform.name};
     if (uniform.defaultValue.isSet())
     {
         value.value = numbersOf(uniform.defaultValue);

@@ -65,7 +65,7 @@ std::size_t rowBytes(std::size_t width, std::size_t height, unsigned char depth,
 const char* whyNoPicture(std::string_view bytes)
 {
     constexpr std::size_t kSignature = 8;
-    constexpr std::size_t kAround = 12;      // the length, name and checksum of a chunk
+    constexpr std::size_t kAround = 12; // the length, name and checksum of a chunk
     constexpr std::size_t kHeader = 13;
     constexpr std::size_t kMostRatio = 1032; // of the compression
     std::size_t dataBytes = 0;

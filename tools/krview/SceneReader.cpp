@@ -5,8 +5,8 @@
 #include "SceneValue.h"
 
 #include <common/DataFiles.h>
-#include <common/PrintedMessage.h>
 #include <common/MaterialCompiler.h>
+#include <common/PrintedMessage.h>
 #include <common/UsageError.h>
 #include <common/Words.h>
 
@@ -264,7 +264,8 @@ void applyOptions(const Options& options, Scene& scene)
     if (options.grid != 0)
         scene.grid = options.grid;
     if (scene.shape == Shape::Particles && scene.grid > 1)
-        throw InputError({"krview", nullptr, 0}, "particles are sorted by depth as one object: a grid of them cannot be shown");
+        throw InputError({"krview", nullptr, 0},
+                         "particles are sorted by depth as one object: a grid of them cannot be shown");
     if (!options.size.empty())
         applySize(options.size, scene);
 }

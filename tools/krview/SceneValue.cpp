@@ -137,8 +137,8 @@ void SceneValue::readMembers(const std::map<std::string, Reader>& readers) const
             names.reserve(readers.size());
             for (const auto& [known, reader] : readers)
                 names.push_back(known);
-            throw InputError(placeOf(value.fValue.keyPosition),
-                             (fPath.empty() ? "" : fPath + ": ") + "unknown key " + krTools::inQuotes(name) +
-                                 krFrontend::didYouMean(name, names));
+            throw InputError(placeOf(value.fValue.keyPosition), (fPath.empty() ? "" : fPath + ": ") + "unknown key " +
+                                                                    krTools::inQuotes(name) +
+                                                                    krFrontend::didYouMean(name, names));
         });
 }

@@ -46,7 +46,10 @@ private:
     [[noreturn]] void failType(const char* expected) const;
     [[nodiscard]] bool isNumber() const noexcept;
     [[nodiscard]] InputPlace placeOf(std::size_t position) const { return {file(), fScene.source, position}; }
-    [[nodiscard]] std::string pathOf(const std::string& name) const { return fPath.empty() ? name : fPath + '.' + name; }
+    [[nodiscard]] std::string pathOf(const std::string& name) const
+    {
+        return fPath.empty() ? name : fPath + '.' + name;
+    }
 
     const SceneText& fScene;
     const PlacedValue& fValue;
