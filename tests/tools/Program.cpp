@@ -22,8 +22,6 @@
 namespace
 {
 
-constexpr rlim_t kMaxSeconds = 120;
-
 /// A file without a name, for what goes in and comes out.
 class PassingFile
 {
@@ -162,7 +160,9 @@ Outcome Workplace::run(const std::string& program, const std::vector<std::string
         ::dup2(terminal ? terminal->descriptor() : err.descriptor(), STDERR_FILENO);
         for (const auto& [name, value] : circumstances.environment)
             ::setenv(name.c_str(), value.c_str(), 1);
-        limit(RLIMIT_CPU, kMaxSeconds);
+        limit(RLIMIT_CPU, circumstances.secondsLimit);
+        if (circumstances.addressLimit)
+            limit(RLIMIT_AS, *circumstances.addressLimit);
         if (circumstances.fileSizeLimit)
             limit(RLIMIT_FSIZE, *circumstances.fileSizeLimit);
         if (::chdir(fPath.c_str()) != 0 || (circumstances.boundByModes && !obeyFileModes()))

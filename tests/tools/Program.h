@@ -22,8 +22,10 @@ struct Circumstances
     std::optional<std::size_t> fileSizeLimit = {}; ///< in bytes, for all that it writes into files
     std::string standardOutput = {};               ///< a file to write to instead of Outcome::out
     std::vector<std::pair<std::string, std::string>> environment = {};
-    bool onTerminal = false;   ///< what it prints as errors goes to a terminal
-    bool boundByModes = false; ///< files' modes count, for the super-user too
+    unsigned secondsLimit = 120;                  ///< of processor time
+    std::optional<std::size_t> addressLimit = {}; ///< in bytes
+    bool onTerminal = false;                      ///< what it prints as errors goes to a terminal
+    bool boundByModes = false;                    ///< files' modes count, for the super-user too
 };
 
 /// A directory of its own for a test, which is the programs' working directory and is gone afterwards.
@@ -42,7 +44,7 @@ public:
     /// The names of all that stands here, sorted.
     [[nodiscard]] std::vector<std::string> names() const;
 
-    /// Runs a program here. A run that takes more than two minutes of processor time is ended.
+    /// Runs a program here. A run that takes more than its processor time is ended.
     [[nodiscard]] Outcome run(const std::string& program, const std::vector<std::string>& arguments,
                               const Circumstances& circumstances = {}) const;
     /// Whether a program can be run on a terminal.

@@ -1,14 +1,23 @@
 #include <common/CommandLine.h>
 
 #include <common/ExitStatus.h>
+#include <common/PassingName.h>
 #include <common/PrintedMessage.h>
 #include <common/StandardOutput.h>
 #include <common/UsageError.h>
 
+#include <cxxabi.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <new>
 #include <string>
+#include <typeinfo>
 
 namespace krTools
 {
@@ -35,8 +44,38 @@ bool readCommandLine(CLI::App& app, int argc, char** argv)
     return false;
 }
 
+namespace
+{
+
+const char* gProgramName = "";
+
+/// Prints that there is no memory, and takes none for it.
+void reportNoMemory() noexcept
+{
+    std::array<char, 64> text;
+    const int length = std::snprintf(text.data(), text.size(), "%s: error: out of memory\n", gProgramName);
+    (void)writeAll(STDERR_FILENO, {text.data(), static_cast<std::size_t>(length)});
+}
+
+/// Destructors of the JSON library take memory, and when there is none, nothing can catch that.
+[[noreturn]] void endWithoutMemory() noexcept
+{
+    const std::type_info* const type = abi::__cxa_current_exception_type();
+    if (!type || *type != typeid(std::bad_alloc))
+        std::abort();
+    PassingName::removeAll();
+    reportNoMemory();
+    ::_exit(kCannotRun);
+}
+
+} // namespace
+
 int runProgram(const char* name, const std::function<int()>& run)
 {
+    gProgramName = name;
+    std::set_terminate(endWithoutMemory);
+    // A file past the limit for its size is then an error like any other, and leaves nothing behind.
+    std::signal(SIGXFSZ, SIG_IGN);
     try
     {
         return run();
@@ -48,7 +87,7 @@ int runProgram(const char* name, const std::function<int()>& run)
     }
     catch (const std::bad_alloc&)
     {
-        printError(name, "out of memory");
+        reportNoMemory();
     }
     catch (const std::exception& error)
     {

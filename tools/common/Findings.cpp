@@ -8,11 +8,17 @@ namespace krTools
 
 void Findings::add(Finding finding)
 {
-    fHasErrors |= finding.severity == Severity::Error;
-    if (fKept.size() < kMaxKept)
-        fKept.push_back(std::move(finding));
-    else
-        ++fNotKept;
+    if (countInstead(finding.severity))
+        return;
+    fKeptErrors += finding.severity == Severity::Error ? 1 : 0;
+    fKept.push_back(std::move(finding));
+}
+
+bool Findings::countInstead(Severity severity) noexcept
+{
+    const bool isFull = (severity == Severity::Error ? fKeptErrors : fKept.size() - fKeptErrors) == kMaxKept;
+    fNotKept += isFull ? 1 : 0;
+    return isFull;
 }
 
 void Findings::error(std::size_t position, std::string text) { add({position, Severity::Error, std::move(text)}); }

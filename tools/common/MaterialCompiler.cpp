@@ -372,8 +372,13 @@ void MaterialCompiler::addFile(const std::string& path)
 
 void MaterialCompiler::reportMissing(const LightName& light, const char* kind, const krFrontend::NearNames& near)
 {
-    fMessages.error(light.place + ": " + (light.file.empty() ? "there is" : light.file + " has") + " no " + kind + ' ' +
-                    inQuotes(light.function) + " with a body" + near.didYouMean());
+    const std::string text = light.place + ": " + (light.file.empty() ? "there is" : light.file + " has") + " no " +
+                             kind + ' ' + inQuotes(light.function) + " with a body" + near.didYouMean();
+    if (!light.source)
+        return fMessages.error(text);
+    Findings findings;
+    findings.error(light.position, text);
+    fMessages.add(*light.source, std::move(findings));
 }
 
 } // namespace krTools

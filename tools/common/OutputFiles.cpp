@@ -1,6 +1,9 @@
 #include <common/OutputFiles.h>
 
+#include <common/Descriptor.h>
+#include <common/PassingName.h>
 #include <common/Source.h>
+#include <common/StagedFile.h>
 #include <common/StandardOutput.h>
 
 #include <fcntl.h>
@@ -8,8 +11,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -24,71 +25,6 @@ namespace
     throw FileError("cannot write '" + path + "': " + std::strerror(error));
 }
 
-/// Writes, forces to the disk and closes.
-/// @return  0, or the first error number
-int writeAndClose(int descriptor, std::string_view text)
-{
-    int error = writeAll(descriptor, text);
-    // Pipes and devices have nothing to be forced.
-    if (error == 0 && ::fsync(descriptor) != 0 && errno != EINVAL && errno != EROFS && errno != ENOTSUP)
-        error = errno;
-    if (::close(descriptor) != 0 && error == 0)
-        error = errno;
-    return error;
-}
-
-/// A file under a passing name, which goes away unless it gets its own.
-class StagedFile
-{
-public:
-    StagedFile(const std::string& path, std::string_view text) : fPath(path), fTarget(path)
-    {
-        // The file that a link leads to is replaced, and the link stays.
-        const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(path.c_str(), nullptr), &std::free);
-        if (resolved)
-            fTarget = resolved.get();
-        const std::size_t slash = fTarget.rfind('/');
-        fStaged = (slash == std::string::npos ? "" : fTarget.substr(0, slash + 1)) + ".krender-XXXXXX";
-
-        struct stat status = {};
-        const bool exists = ::stat(fTarget.c_str(), &status) == 0;
-        if (exists && S_ISDIR(status.st_mode))
-            fail(fPath, EISDIR);
-        const int descriptor = ::mkostemp(fStaged.data(), O_CLOEXEC);
-        if (descriptor < 0)
-            fail(fPath, errno);
-        const mode_t mask = ::umask(0);
-        ::umask(mask);
-        int error = ::fchmod(descriptor, exists ? status.st_mode & 07777 : 0666 & ~mask) == 0 ? 0 : errno;
-        const int writeError = writeAndClose(descriptor, text);
-        error = error != 0 ? error : writeError;
-        if (error != 0)
-        {
-            ::unlink(fStaged.c_str());
-            fail(fPath, error);
-        }
-    }
-    StagedFile(const StagedFile&) = delete;
-    StagedFile& operator=(const StagedFile&) = delete;
-    ~StagedFile()
-    {
-        if (!fStaged.empty())
-            ::unlink(fStaged.c_str());
-    }
-
-    void publish()
-    {
-        if (std::rename(fStaged.c_str(), fTarget.c_str()) != 0)
-            fail(fPath, errno);
-        fStaged.clear();
-    }
-
-private:
-    std::string fPath; ///< as the user wrote it
-    std::string fTarget;
-    std::string fStaged;
-};
-
 /// Whether something stands at the path that must be written into and cannot be replaced: a device or a pipe.
 bool isStream(const std::string& path)
 {
@@ -98,14 +34,17 @@ bool isStream(const std::string& path)
 
 void writeStream(const std::string& path, std::string_view text)
 {
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
-    if (descriptor < 0)
+    Descriptor stream(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    if (stream.get() < 0)
         fail(path, errno);
-    if (const int error = writeAndClose(descriptor, text); error != 0)
+    if (const int error = writeToDisk(stream.get(), text); error != 0)
         fail(path, error);
+    if (stream.close() != 0)
+        fail(path, errno);
 }
 
-/// Folders that are made where they are missing. At the end those that are still empty are removed again.
+/// Folders that are made where they are missing. At the end those that are still empty are removed again, the inner ones
+/// first.
 class NewFolders
 {
 public:
@@ -114,8 +53,8 @@ public:
     NewFolders& operator=(const NewFolders&) = delete;
     ~NewFolders()
     {
-        for (; !fMade.empty(); fMade.pop_back())
-            ::rmdir(fMade.back().c_str());
+        while (!fMade.empty())
+            fMade.pop_back();
     }
 
     /// Makes the folders that lead to a file.
@@ -123,22 +62,31 @@ public:
     {
         for (std::size_t slash = path.find('/', 1); slash != std::string::npos; slash = path.find('/', slash + 1))
         {
-            std::string folder = path.substr(0, slash);
-            if (::mkdir(folder.c_str(), 0777) == 0)
+            const SignalsHeld held;
+            auto folder = std::make_unique<PassingName>(path.substr(0, slash), ::rmdir);
+            fMade.reserve(fMade.size() + 1);
+            if (::mkdir(folder->path().c_str(), 0777) == 0)
+            {
                 fMade.push_back(std::move(folder));
-            else if (errno != EEXIST)
-                fail(path, errno);
+                continue;
+            }
+            const int error = errno;
+            folder->keep();
+            if (error != EEXIST)
+                fail(path, error);
         }
     }
 
 private:
-    std::vector<std::string> fMade; ///< outer ones first
+    std::vector<std::unique_ptr<PassingName>> fMade;
 };
 
 } // namespace
 
 void OutputFiles::publish(MissingFolders missing) const
 {
+    constexpr std::size_t kMostOpen = 200; // a process has 1024 descriptors as a rule
+
     NewFolders folders;
     if (missing == MissingFolders::Make)
         for (const auto& [path, text] : fFiles)
@@ -147,7 +95,7 @@ void OutputFiles::publish(MissingFolders missing) const
     std::vector<std::unique_ptr<StagedFile>> staged;
     for (const auto& [path, text] : fFiles)
         if (path != "-" && !isStream(path))
-            staged.push_back(std::make_unique<StagedFile>(path, text));
+            staged.push_back(std::make_unique<StagedFile>(path, text, staged.size() < kMostOpen));
 
     StandardOutput output;
     for (const auto& [path, text] : fFiles)
@@ -157,6 +105,7 @@ void OutputFiles::publish(MissingFolders missing) const
             writeStream(path, text);
     output.finish();
 
+    const SignalsHeld held;
     for (const auto& file : staged)
         file->publish();
 }

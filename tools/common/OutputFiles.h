@@ -22,8 +22,8 @@ public:
 
     [[nodiscard]] const std::vector<std::pair<std::string, std::string>>& files() const noexcept { return fFiles; }
 
-    /// Writes all of them. Each is first written beside its place under another name; once all are on the disk they take
-    /// their names. Throws a FileError, and then no file has changed and no folder is new.
+    /// Writes all of them. Each is first written without its name; once all are on the disk they take their names. Throws
+    /// a FileError, and then no file has changed and no folder is new; likewise when a signal ends the program.
     void publish(MissingFolders missing = MissingFolders::Fail) const;
 
 private:

@@ -13,7 +13,7 @@ namespace krTools
 namespace
 {
 
-constexpr std::size_t kMaxShown = 400;   // bytes of a message
+constexpr std::size_t kMaxShown = 16384; // bytes of a message, of which a path may have 4096
 constexpr std::size_t kMaxContext = 100; // bytes of a source line on either side of the place
 
 struct KindStyle

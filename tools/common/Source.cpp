@@ -1,5 +1,7 @@
 #include <common/Source.h>
 
+#include <common/Descriptor.h>
+
 #include <krender/shading/MemMappedFile.h>
 
 #include <fcntl.h>
@@ -19,24 +21,6 @@ namespace
 /// Some editors begin UTF-8 files with it; it is no part of the text.
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
 
-class Descriptor
-{
-public:
-    explicit Descriptor(int descriptor) noexcept : fDescriptor(descriptor) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor()
-    {
-        if (fDescriptor > STDIN_FILENO)
-            ::close(fDescriptor);
-    }
-
-    [[nodiscard]] int get() const noexcept { return fDescriptor; }
-
-private:
-    int fDescriptor;
-};
-
 [[noreturn]] void fail(const std::string& name, const std::string& reason)
 {
     throw FileError("cannot read " + name + ": " + reason);
@@ -46,8 +30,6 @@ private:
 
 std::string readText(const std::string& path, std::size_t limit)
 {
-    // What is read without knowing its size may have no end.
-    constexpr std::size_t kMostStreamed = std::size_t{256} << 20;
     const std::string name = path == "-" ? "standard input" : "'" + path + "'";
     const Descriptor file(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     struct stat status = {};
@@ -56,7 +38,6 @@ std::string readText(const std::string& path, std::size_t limit)
     if (S_ISDIR(status.st_mode))
         fail(name, std::strerror(EISDIR));
     const bool sizeKnown = S_ISREG(status.st_mode);
-    limit = sizeKnown ? limit : std::min(limit, kMostStreamed);
     const std::string tooLarge = "it has more than " + std::to_string(limit >> 20) + " MB";
     if (sizeKnown && static_cast<std::size_t>(status.st_size) > limit)
         fail(name, tooLarge);
@@ -96,29 +77,37 @@ Source::Source(std::string name, std::string text) : fName(std::move(name)), fSi
     fContents = krString::CString(std::move(text));
 }
 
+void Source::toFirstLine() const noexcept
+{
+    fLine = 0;
+    fLineEnd = std::string_view::npos; // one before the first byte
+    toNextLine();
+}
+
+void Source::toNextLine() const noexcept
+{
+    ++fLine;
+    fLineBegin = fLineEnd + 1;
+    fLineEnd = std::min(text().find('\n', fLineBegin), fSize);
+}
+
 std::size_t Source::lineBegin(std::size_t line) const noexcept
 {
-    std::size_t begin = 0;
-    for (; line > 1 && begin < fSize; --line)
-        begin = std::min(text().find('\n', begin), fSize - 1) + 1;
-    return begin;
+    if (fLine == 0 || line < fLine)
+        toFirstLine();
+    while (fLine < line && fLineEnd < fSize)
+        toNextLine();
+    return fLine < line ? fSize : fLineBegin;
 }
 
 Source::Place Source::place(std::size_t position) const
 {
     const std::string_view bytes = text();
     position = std::min(position, bytes.size());
-    if (position < fLineBegin)
-    {
-        fLine = 0;
-        fLineEnd = std::string_view::npos; // one before the first byte
-    }
-    while (fLine == 0 || fLineEnd < position)
-    {
-        ++fLine;
-        fLineBegin = fLineEnd + 1;
-        fLineEnd = std::min(bytes.find('\n', fLineBegin), bytes.size());
-    }
+    if (fLine == 0 || position < fLineBegin)
+        toFirstLine();
+    while (fLineEnd < position)
+        toNextLine();
     std::string_view line = bytes.substr(fLineBegin, fLineEnd - fLineBegin);
     if (line.ends_with('\r'))
         line.remove_suffix(1);

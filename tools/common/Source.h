@@ -17,14 +17,13 @@ public:
 };
 
 /// The most bytes of a source that is read whole.
-inline constexpr std::size_t kMaxSourceSize = std::size_t{2047} << 20;
+inline constexpr std::size_t kMaxSourceSize = std::size_t{64} << 20;
 
 /// How messages call standard input.
 inline constexpr const char* kStandardInputName = "<stdin>";
 
 /// Reads a file, "-" being standard input, and drops a byte-order mark at its beginning. Throws a FileError when it is a
-/// directory, unreadable, or has more bytes than the limit, a whole number of megabytes; pipes and devices may not
-/// have more than 256.
+/// directory, unreadable, or has more bytes than the limit, which is a whole number of megabytes.
 [[nodiscard]] std::string readText(const std::string& path, std::size_t limit);
 
 /// A text that was read whole, and the places in it.
@@ -54,6 +53,7 @@ public:
     [[nodiscard]] std::size_t size() const noexcept { return fSize; }
 
     /// Where a line begins, counted from 1; the end for one past the last.
+    /// Like place(), cheap in rising order.
     [[nodiscard]] std::size_t lineBegin(std::size_t line) const noexcept;
     /// The place of a byte, or of the end. Asking in rising order costs one walk through the text in all.
     [[nodiscard]] Place place(std::size_t position) const;
@@ -62,6 +62,9 @@ private:
     std::string fName;
     krString::CString fContents;
     std::size_t fSize = 0;
+    void toFirstLine() const noexcept;
+    void toNextLine() const noexcept;
+
     // The last line asked for; none yet when its number is 0.
     mutable std::size_t fLine = 0;
     mutable std::size_t fLineBegin = 0;

@@ -1,4 +1,8 @@
 #pragma once
+#include <common/Source.h>
+
+#include <cstddef>
+#include <memory>
 #include <string>
 
 namespace krTools
@@ -21,6 +25,9 @@ struct LightName
     std::string key;   ///< its own name, ahead of its uniforms' names
     std::string function;
     std::string file; ///< empty: the function is in the material's file or a library
+    std::shared_ptr<const Source> source =
+        {};                   ///< the file that names it, not a KRSL source; null: the command line does
+    std::size_t position = 0; ///< byte index into that
 };
 
 /// Takes KEY=FUNCTION or KEY=FILE:FUNCTION of an option --light apart. Throws a UsageError.

@@ -8,6 +8,7 @@
 #include <common/ExitStatus.h>
 #include <common/MaterialCompiler.h>
 #include <common/OutputFiles.h>
+#include <common/StagedFile.h>
 #include <common/Targets.h>
 #include <common/UsageError.h>
 
@@ -75,7 +76,10 @@ void checkOverwriting(const krTools::OutputFiles& outputs, const std::vector<std
     const auto canonical = [](const std::string& path)
     {
         std::error_code failure;
-        return std::filesystem::weakly_canonical(std::filesystem::absolute(path), failure).string();
+        const std::filesystem::path target = std::filesystem::absolute(krTools::followLinks(path), failure);
+        const std::filesystem::path place = std::filesystem::weakly_canonical(target, failure);
+        // Why it cannot be reached is said when it is written.
+        return (failure ? target : place).string();
     };
     std::set<std::string> sourcePaths;
     for (const std::string& source : sources)

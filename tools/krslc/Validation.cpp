@@ -2,6 +2,8 @@
 
 #include "Report.h"
 
+#include <common/ExitStatus.h>
+#include <common/ProgramBounds.h>
 #include <common/StandardOutput.h>
 #include <validation/CgValidator.h>
 #include <validation/GlslValidator.h>
@@ -16,7 +18,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <exception>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -35,13 +37,14 @@ ordered_json jsonOf(const krTools::Findings& findings)
     ordered_json list = ordered_json::array();
     for (const krTools::Finding& finding : findings.kept())
         list.push_back({finding.position, finding.severity, finding.text});
-    return list;
+    return {{"kept", std::move(list)}, {"notKept", findings.notKept()}};
 }
 
-void addFindings(const ordered_json& list, krTools::Findings& findings)
+void addFindings(const ordered_json& answer, krTools::Findings& findings)
 {
-    for (const ordered_json& row : list)
+    for (const ordered_json& row : answer["kept"])
         findings.add({row[0], row[1], row[2]});
+    findings.countMore(answer["notKept"]);
 }
 
 [[noreturn]] void checkInChild(const Target& target, const krTools::Source& vertex, const krTools::Source& fragment,
@@ -55,19 +58,19 @@ void addFindings(const ordered_json& list, krTools::Findings& findings)
     ::setrlimit(RLIMIT_CORE, &noCore);
     // A stack that overflows ends this process without a word, in builds that watch over memory too.
     std::signal(SIGSEGV, SIG_DFL);
-    krTools::PairFindings findings;
     try
     {
-        findings = target.language == TargetLanguage::Cg ? krTools::validateCg(vertex, fragment)
-                                                         : krTools::validateGlsl(target, vertex, fragment);
+        const krTools::PairFindings findings = target.language == TargetLanguage::Cg
+                                                   ? krTools::validateCg(vertex, fragment)
+                                                   : krTools::validateGlsl(target, vertex, fragment);
+        const ordered_json answer{
+            {"vertex", jsonOf(findings.vertex)}, {"fragment", jsonOf(findings.fragment)}, {"pair", findings.pair}};
+        ::_exit(krTools::writeAll(output, textOf(answer)) == 0 ? krTools::kDone : krTools::kInputHasErrors);
     }
-    catch (const std::exception& error)
+    catch (const std::bad_alloc&)
     {
-        findings.pair.emplace_back(error.what());
+        ::_exit(krTools::kCannotRun);
     }
-    const ordered_json answer{
-        {"vertex", jsonOf(findings.vertex)}, {"fragment", jsonOf(findings.fragment)}, {"pair", findings.pair}};
-    ::_exit(krTools::writeAll(output, textOf(answer)));
 }
 
 std::string readAll(int input)
@@ -91,6 +94,10 @@ krTools::PairFindings validate(const Target& target, const krTools::Source& vert
         findings.pair.emplace_back("a program of more than 1 MB is not checked");
         return findings;
     }
+    findings.vertex = findUnbounded(vertex);
+    findings.fragment = findUnbounded(fragment);
+    if (findings.hasErrors())
+        return findings;
     // The checkers call themselves for each level of nesting and each term of a sum, so that a long program could take
     // krslc's whole stack: a process of its own may end as it likes.
     std::array<int, 2> pipe{};
@@ -109,7 +116,9 @@ krTools::PairFindings validate(const Target& target, const krTools::Source& vert
     int status = 0;
     if (child < 0 || ::waitpid(child, &status, 0) != child)
         throw krTools::FileError(std::string("cannot check the programs: ") + std::strerror(error));
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+    if (WIFEXITED(status) && WEXITSTATUS(status) == krTools::kCannotRun)
+        throw std::bad_alloc();
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != krTools::kDone)
     {
         findings.pair.push_back(std::string("the checker of ") + std::string(target.name) +
                                 " programs broke down: the material's code nests too deeply or is too long for it");

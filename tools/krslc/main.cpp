@@ -16,7 +16,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <csignal>
 #include <functional>
 #include <memory>
 #include <string>
@@ -219,7 +218,5 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    // A file past the limit for its size is then an error like any other, and leaves nothing behind.
-    std::signal(SIGXFSZ, SIG_IGN);
     return krTools::runProgram("krslc", [argc, argv] { return run(argc, argv); });
 }

@@ -4,12 +4,12 @@
 #include <common/Findings.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstddef>
-#include <regex>
 #include <set>
-#include <sstream>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -27,6 +27,8 @@ std::string infoLog(GLuint object, decltype(glGetShaderiv) query, decltype(glGet
     return text;
 }
 
+void skipBlanks(std::string_view& text) { text.remove_prefix(std::min(text.find_first_not_of(" \t\r"), text.size())); }
+
 /// One message of the driver.
 struct DriverMessage
 {
@@ -34,23 +36,69 @@ struct DriverMessage
     std::string text;
 };
 
-/// Splits a driver's log into messages. Drivers write "0:12(5): error: text", "0(12) : error C1: text" or
-/// "ERROR: 0:12: text".
-std::vector<DriverMessage> driverMessages(const std::string& log)
+/// Takes a number off the front of a text, with white space ahead of it.
+/// @return  whether there was one; one that is too large counts as 0
+bool takeNumber(std::string_view& text, std::size_t& number)
 {
-    static const std::regex kPlace(
-        R"(^\s*(?:ERROR:\s*)?\d+(?::(\d+)(?:\(\d+\))?|\((\d+)\))\s*:\s*(?:error\s*:?\s*)?(.*)$)");
-    std::vector<DriverMessage> messages;
-    std::istringstream lines(log);
-    for (std::string line; std::getline(lines, line);)
+    skipBlanks(text);
+    number = 0;
+    const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    text.remove_prefix(static_cast<std::size_t>(rest - text.data()));
+    return error != std::errc::invalid_argument;
+}
+
+/// Takes a sign or word off the front of a text, with white space ahead of it.
+bool take(std::string_view& text, std::string_view word)
+{
+    std::string_view rest = text;
+    skipBlanks(rest);
+    if (!rest.starts_with(word))
+        return false;
+    text = rest.substr(word.size());
+    return true;
+}
+
+/// Takes the place off the front of a driver's message: "0:12(5): error: ", "0(12) : error C1: " or "ERROR: 0:12: ".
+/// @return  the line; 0, and nothing is taken, when there is none
+std::size_t takePlace(std::string_view& message)
+{
+    std::string_view text = message;
+    std::size_t line = 0;
+    std::size_t other = 0;
+    (void)take(text, "ERROR:");
+    if (!takeNumber(text, other))
+        return 0;
+    if (text.starts_with(':'))
     {
-        std::smatch match;
-        if (line.find("warning") != std::string::npos)
+        text.remove_prefix(1);
+        if (!takeNumber(text, line) ||
+            (text.starts_with('(') && !(take(text, "(") && takeNumber(text, other) && take(text, ")"))))
+            return 0;
+    }
+    else if (!take(text, "(") || !takeNumber(text, line) || !take(text, ")"))
+        return 0;
+    if (!take(text, ":"))
+        return 0;
+    if (take(text, "error"))
+        (void)take(text, ":");
+    skipBlanks(text);
+    if (line > 0)
+        message = text;
+    return line;
+}
+
+/// Splits a driver's log into messages.
+std::vector<DriverMessage> driverMessages(std::string_view log)
+{
+    std::vector<DriverMessage> messages;
+    while (!log.empty())
+    {
+        std::string_view text = log.substr(0, log.find('\n'));
+        log.remove_prefix(std::min(text.size() + 1, log.size()));
+        if (text.empty() || text.find("warning") != std::string_view::npos)
             continue;
-        if (std::regex_match(line, match, kPlace))
-            messages.push_back({std::stoul(match[1].matched ? match[1] : match[2]), match[3]});
-        else if (!line.empty())
-            messages.push_back({0, line});
+        const std::size_t line = takePlace(text);
+        messages.push_back({line, std::string(text)});
     }
     return messages;
 }
@@ -64,10 +112,18 @@ void report(const Material& material, const krTools::Source& program, bool isFra
         material.isChecked ? "by a fault of krender's, the driver rejects " : "the driver rejects ";
     krTools::Findings withoutOrigin;
     std::set<std::pair<const void*, std::size_t>> places;
+    std::size_t shown = 0;
+    std::size_t left = 0;
     for (const DriverMessage& message : driverMessages(log))
     {
+        if (shown == krTools::Findings::kMaxKept)
+        {
+            ++left;
+            continue;
+        }
         if (message.line == 0)
         {
+            ++shown;
             krTools::printError("krview", program.name() + ": " + message.text);
             continue;
         }
@@ -75,6 +131,7 @@ void report(const Material& material, const krTools::Source& program, bool isFra
         const krFrontend::LineOrigin origin = isFragment ? material.origin(message.line) : krFrontend::LineOrigin();
         if (!places.emplace(origin.module, origin.module ? origin.offset : begin).second)
             continue;
+        ++shown;
         if (!origin.module)
         {
             withoutOrigin.error(begin, blame + "it: " + message.text);
@@ -89,6 +146,8 @@ void report(const Material& material, const krTools::Source& program, bool isFra
         krTools::print(origin.module->sources(), diagnostic);
     }
     krTools::print(program, withoutOrigin);
+    if (left > 0)
+        krTools::printError("krview", std::to_string(left) + " more messages of the driver are not shown");
 }
 
 } // namespace

@@ -1,17 +1,29 @@
 #pragma once
+#include <common/Source.h>
+
+#include <cstddef>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
-/// An error in the user's scene or options. The text says what is wrong; origin() is the scene file, or "krview" for the
-/// command line.
+/// Where the user wrote something.
+struct InputPlace
+{
+    std::string origin;                            ///< the file, or "krview" for the command line
+    std::shared_ptr<const krTools::Source> source; ///< the scene file; null: there is no more to say than the origin
+    std::size_t position = 0;                      ///< byte index into it
+};
+
+/// An error in the user's scene or options. The text says what is wrong.
 class InputError : public std::runtime_error
 {
 public:
-    InputError(std::string origin, const std::string& text) : std::runtime_error(text), fOrigin(std::move(origin)) {}
+    InputError(InputPlace place, const std::string& text) : std::runtime_error(text), fPlace(std::move(place)) {}
 
-    [[nodiscard]] const std::string& origin() const noexcept { return fOrigin; }
+    /// Prints it on standard error, with the line if there is one.
+    void print() const;
 
 private:
-    std::string fOrigin;
+    InputPlace fPlace;
 };

@@ -3,6 +3,7 @@
 #include "GlFeatures.h"
 
 #include <common/Diagnostics.h>
+#include <common/ProgramBounds.h>
 
 #include <krender/frontend/Interface.h>
 
@@ -100,7 +101,8 @@ std::optional<InputValue> defaultOf(const krFrontend::UniformInterface& uniform)
         return std::nullopt;
     const krFrontend::SourceLocation place = uniform.module->sources().location(uniform.range.begin);
     const std::string file(place.file);
-    InputValue value{{}, file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column), uniform.name};
+    InputValue value{
+        {}, {file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column), nullptr, 0}, uniform.name};
     if (uniform.defaultValue.isSet())
     {
         value.value = numbersOf(uniform.defaultValue);
@@ -171,6 +173,10 @@ std::optional<Material> compileMaterial(const Scene& scene, std::vector<std::str
                       .preambleLines = static_cast<std::size_t>(std::count(preamble.begin(), preamble.end(), '\n')),
                       .fragmentOrigins = {},
                       .compiler = std::move(compiler)};
+    for (const krTools::Source* source : {&material.vertexProgram, &material.fragmentProgram})
+        printer.add(*source, findUnbounded(*source));
+    if (printer.errorCount() > 0)
+        return std::nullopt;
     if (!program.translation) // whose lines are others
         material.fragmentOrigins = std::move(program.program.fragmentOrigins);
     return material;

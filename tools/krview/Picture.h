@@ -10,7 +10,7 @@
 /// A picture of uninitialised pixels, the lowest row first as in OpenGL.
 [[nodiscard]] Ref<PixelArray2D> newPicture(unsigned width, unsigned height);
 
-/// Reads a PNG file. Throws a krTools::FileError.
+/// Reads a PNG file of at most 256 MB, 16384 pixels on a side and 8192 times 8192 in all. Throws a krTools::FileError.
 [[nodiscard]] Ref<PixelArray2D> readPng(const std::string& path);
 
 /// Writes a PNG file without the picture's alpha, whole or not at all. Throws a krTools::FileError.

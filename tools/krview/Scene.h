@@ -1,4 +1,6 @@
 #pragma once
+#include "InputError.h"
+
 #include <common/SourceNames.h>
 
 #include <array>
@@ -39,8 +41,8 @@ struct NamedValue
 struct InputValue
 {
     std::variant<std::vector<double>, NamedValue> value;
-    std::string origin; ///< the scene file, or the program
-    std::string place;  ///< where the value stands in it, for messages
+    InputPlace origin;
+    std::string place; ///< where the value stands in the scene or the options, for messages
 };
 
 /// The lights of a scene that names none.

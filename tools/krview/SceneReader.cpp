@@ -1,16 +1,14 @@
 #include "SceneReader.h"
 
 #include "InputError.h"
+#include "SceneText.h"
 #include "SceneValue.h"
 
 #include <common/DataFiles.h>
-#include <common/Findings.h>
 #include <common/MaterialCompiler.h>
-#include <common/Source.h>
+#include <common/PrintedMessage.h>
 #include <common/UsageError.h>
 #include <common/Words.h>
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>
@@ -59,7 +57,7 @@ std::array<float, 3> colour(const SceneValue& value)
 InputValue inputValue(const SceneValue& value)
 {
     const std::string directory = std::filesystem::path(value.file()).parent_path().string();
-    InputValue input{{}, value.file(), value.path()};
+    InputValue input{{}, value.place(), value.path()};
     if (value.isText())
         input.value = NamedValue{value.text(), directory, 0};
     else if (value.isObject())
@@ -81,6 +79,8 @@ void readLight(const SceneValue& value, Scene& scene)
 {
     krTools::LightName light;
     light.place = value.path();
+    light.source = value.place().source;
+    light.position = value.place().position;
     std::map<std::string, InputValue> inputs;
     value.readMembers({
         {"key", [&](const SceneValue& key) { light.key = key.text(); }},
@@ -180,33 +180,11 @@ void readMembers(const SceneValue& file, Scene& scene)
         file.fail("a \"material\" is missing");
 }
 
-/// Reads a scene file. A syntax error is printed, and the answer is then false.
-bool readFile(const std::string& path, Scene& scene)
+void readFile(const std::string& path, Scene& scene)
 {
-    const krTools::Source source(path);
-    try
-    {
-        readMembers(SceneValue(source.name(), nlohmann::json::parse(source.text()), ""), scene);
-    }
-    catch (const nlohmann::json::parse_error& error)
-    {
-        // The text is "... at line 3, column 7: ..."; the place is printed already.
-        const std::string_view text = error.what();
-        const std::size_t place = text.find(": ");
-        krTools::Findings findings;
-        findings.error(error.byte > 0 ? error.byte - 1 : 0,
-                       std::string(place == std::string_view::npos ? text : text.substr(place + 2)));
-        krTools::print(source, findings);
-        return false;
-    }
-    catch (const nlohmann::json::out_of_range& error)
-    {
-        // The text begins with the name of the error in brackets.
-        const std::string_view text = error.what();
-        throw InputError(path, std::string(text.substr(std::min(text.find("] ") + 2, text.size()))));
-    }
+    const SceneText text = readSceneText(path);
+    readMembers(SceneValue(text, text.root, ""), scene);
     scene.files.push_back(path);
-    return true;
 }
 
 /// Numbers with commas between them, which may be NaN or infinite; nothing when the text is something else.
@@ -233,7 +211,7 @@ std::optional<std::vector<double>> numbersOf(const std::string& text)
 
 InputValue inputValue(const std::string& place, const std::string& text)
 {
-    InputValue input{{}, "krview", place};
+    InputValue input{{}, {"krview", nullptr, 0}, place};
     if (const auto numbers = numbersOf(text))
         input.value = *numbers;
     else if (text == "true" || text == "false")
@@ -286,21 +264,22 @@ void applyOptions(const Options& options, Scene& scene)
     if (options.grid != 0)
         scene.grid = options.grid;
     if (scene.shape == Shape::Particles && scene.grid > 1)
-        throw InputError("krview", "particles are sorted by depth as one object: a grid of them cannot be shown");
+        throw InputError({"krview", nullptr, 0},
+                         "particles are sorted by depth as one object: a grid of them cannot be shown");
     if (!options.size.empty())
         applySize(options.size, scene);
 }
 
 } // namespace
 
-std::optional<Scene> readScene(const Options& options)
+Scene readScene(const Options& options)
 {
     Scene scene;
     std::string file = options.scene;
     if (file.empty() && options.material.empty())
         file = krTools::dataFile("scenes/textured-sphere.json");
-    if (!file.empty() && !readFile(file, scene))
-        return std::nullopt;
+    if (!file.empty())
+        readFile(file, scene);
     applyOptions(options, scene);
     scene.files.push_back(krTools::materialName(scene.material).file);
     const std::vector<std::string> libraries = krTools::libraryFiles(scene.stdlib, scene.libraries);

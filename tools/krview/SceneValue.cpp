@@ -1,14 +1,17 @@
 #include "SceneValue.h"
 
-#include "InputError.h"
-
-#include <common/Findings.h>
+#include <common/PrintedMessage.h>
 
 #include <krender/frontend/NearNames.h>
 
 #include <nlohmann/json.hpp>
 
+#include <array>
+#include <set>
+#include <string_view>
 #include <utility>
+
+using Kind = PlacedValue::Kind;
 
 namespace
 {
@@ -16,82 +19,85 @@ namespace
 /// A number in as few digits as it needs.
 std::string written(double number) { return nlohmann::json(number).dump(); }
 
+/// What a value of each kind is called in messages.
+constexpr std::array kKindNames{"null", "true or false", "a number", "a number", "a text", "a list", "an object"};
+static_assert(kKindNames.size() == static_cast<std::size_t>(Kind::Object) + 1);
+
 } // namespace
 
-SceneValue::SceneValue(const std::string& file, const nlohmann::json& value, std::string path)
-    : fFile(file), fValue(value), fPath(std::move(path))
+SceneValue::SceneValue(const SceneText& scene, const PlacedValue& value, std::string path)
+    : fScene(scene), fValue(value), fPath(std::move(path))
 {
 }
 
 void SceneValue::fail(const std::string& text) const
 {
-    throw InputError(fFile, fPath.empty() ? text : fPath + ": " + text);
+    throw InputError(place(), fPath.empty() ? text : fPath + ": " + text);
 }
 
 void SceneValue::failType(const char* expected) const
 {
     fail(std::string(expected) + " is wanted here, and not " +
-         (fValue.is_null() ? "null" : std::string("a value of type ") + fValue.type_name()));
+         (isNumber() ? written(fValue.number) : kKindNames[static_cast<std::size_t>(fValue.kind)]));
 }
 
-bool SceneValue::isText() const noexcept { return fValue.is_string(); }
+bool SceneValue::isNumber() const noexcept { return fValue.kind == Kind::Number || fValue.kind == Kind::WholeNumber; }
 
-bool SceneValue::isObject() const noexcept { return fValue.is_object(); }
+bool SceneValue::isText() const noexcept { return fValue.kind == Kind::Text; }
+
+bool SceneValue::isObject() const noexcept { return fValue.kind == Kind::Object; }
 
 double SceneValue::number(double least, double greatest) const
 {
-    if (!fValue.is_number())
+    if (!isNumber())
         failType("a number");
-    const auto number = fValue.get<double>();
-    if (!(number >= least && number <= greatest))
+    if (!(fValue.number >= least && fValue.number <= greatest))
         fail("a number from " + written(least) + " to " + written(greatest) + " is wanted here, and not " +
-             written(number));
-    return number;
+             written(fValue.number));
+    return fValue.number;
 }
 
 unsigned SceneValue::wholeNumber(unsigned least, unsigned greatest) const
 {
-    if (!fValue.is_number_integer())
+    if (fValue.kind != Kind::WholeNumber)
         failType("a whole number");
     return static_cast<unsigned>(number(least, greatest));
 }
 
 bool SceneValue::truth() const
 {
-    if (!fValue.is_boolean())
+    if (fValue.kind != Kind::Truth)
         failType("true or false");
-    return fValue.get<bool>();
+    return fValue.number != 0;
 }
 
 std::string SceneValue::text() const
 {
-    if (!fValue.is_string())
+    if (!isText())
         failType("a text");
-    return fValue.get<std::string>();
+    return fValue.text;
 }
 
 std::vector<double> SceneValue::numbers() const
 {
-    if (fValue.is_number())
-        return {fValue.get<double>()};
-    if (fValue.is_boolean())
-        return {fValue.get<bool>() ? 1.0 : 0.0};
-    if (!fValue.is_array())
+    if (isNumber() || fValue.kind == Kind::Truth)
+        return {fValue.number};
+    if (fValue.kind != Kind::List)
         failType("a number or a list of numbers");
     std::vector<double> numbers;
     forEachItem(
         [&numbers](const SceneValue& item)
         {
-            if (!item.fValue.is_number())
+            if (!item.isNumber())
                 item.failType("a number");
-            numbers.push_back(item.fValue.get<double>());
+            numbers.push_back(item.fValue.number);
         });
     return numbers;
 }
 
 std::vector<double> SceneValue::numbers(std::size_t count) const
 {
-    if (!fValue.is_array() || fValue.size() != count)
+    if (fValue.kind != Kind::List || fValue.members.size() != count)
         fail("a list of " + std::to_string(count) + " numbers is wanted here");
     constexpr double kGreatest = 1000000;
     std::vector<double> numbers;
@@ -101,18 +107,23 @@ std::vector<double> SceneValue::numbers(std::size_t count) const
 
 void SceneValue::forEachItem(const Reader& read) const
 {
-    if (!fValue.is_array())
+    if (fValue.kind != Kind::List)
         failType("a list");
-    for (std::size_t i = 0; i < fValue.size(); ++i)
-        read(SceneValue(fFile, fValue[i], fPath + '[' + std::to_string(i) + ']'));
+    for (std::size_t i = 0; i < fValue.members.size(); ++i)
+        read(SceneValue(fScene, fValue.members[i].second, fPath + '[' + std::to_string(i) + ']'));
 }
 
 void SceneValue::forEachMember(const std::function<void(const std::string&, const SceneValue&)>& read) const
 {
-    if (!fValue.is_object())
+    if (!isObject())
         failType("an object");
-    for (const auto& [name, value] : fValue.items())
-        read(name, SceneValue(fFile, value, fPath.empty() ? name : fPath + '.' + name));
+    std::set<std::string_view> names;
+    for (const auto& [name, value] : fValue.members)
+    {
+        if (!names.insert(name).second)
+            throw InputError(placeOf(value.keyPosition), pathOf(name) + ": this is given twice");
+        read(name, SceneValue(fScene, value, pathOf(name)));
+    }
 }
 
 void SceneValue::readMembers(const std::map<std::string, Reader>& readers) const
@@ -126,6 +137,8 @@ void SceneValue::readMembers(const std::map<std::string, Reader>& readers) const
             names.reserve(readers.size());
             for (const auto& [known, reader] : readers)
                 names.push_back(known);
-            fail("unknown key " + krTools::inQuotes(name) + krFrontend::didYouMean(name, names));
+            throw InputError(placeOf(value.fValue.keyPosition), (fPath.empty() ? "" : fPath + ": ") + "unknown key " +
+                                                                    krTools::inQuotes(name) +
+                                                                    krFrontend::didYouMean(name, names));
         });
 }

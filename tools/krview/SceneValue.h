@@ -1,5 +1,6 @@
 #pragma once
-#include <nlohmann/json_fwd.hpp>
+#include "InputError.h"
+#include "SceneText.h"
 
 #include <cstddef>
 #include <functional>
@@ -14,13 +15,14 @@ public:
     /// Reads one value.
     using Reader = std::function<void(const SceneValue&)>;
 
-    /// @param file   name of the scene file; borrowed, as is the value
+    /// @param scene  borrowed, as is the value
     /// @param path   where the value stands, such as "lights[0].key"; empty for the whole file
-    SceneValue(const std::string& file, const nlohmann::json& value, std::string path);
+    SceneValue(const SceneText& scene, const PlacedValue& value, std::string path);
 
     [[noreturn]] void fail(const std::string& text) const;
-    [[nodiscard]] const std::string& file() const noexcept { return fFile; }
+    [[nodiscard]] const std::string& file() const noexcept { return fScene.source->name(); }
     [[nodiscard]] const std::string& path() const noexcept { return fPath; }
+    [[nodiscard]] InputPlace place() const { return placeOf(fValue.position); }
 
     [[nodiscard]] bool isText() const noexcept;
     [[nodiscard]] bool isObject() const noexcept;
@@ -42,8 +44,14 @@ public:
 
 private:
     [[noreturn]] void failType(const char* expected) const;
+    [[nodiscard]] bool isNumber() const noexcept;
+    [[nodiscard]] InputPlace placeOf(std::size_t position) const { return {file(), fScene.source, position}; }
+    [[nodiscard]] std::string pathOf(const std::string& name) const
+    {
+        return fPath.empty() ? name : fPath + '.' + name;
+    }
 
-    const std::string& fFile;
-    const nlohmann::json& fValue;
+    const SceneText& fScene;
+    const PlacedValue& fValue;
     std::string fPath;
 };

@@ -153,8 +153,7 @@ private:
         const FileWatch::Moment before = FileWatch::now();
         try
         {
-            const std::optional<Scene> scene = readScene(fOptions);
-            if (scene && fStage.load(*scene))
+            if (fStage.load(readScene(fOptions)))
             {
                 std::printf("krview: now showing %s\n", fStage.description().c_str());
                 std::fflush(stdout);
@@ -162,9 +161,9 @@ private:
         }
         catch (const InputError& error)
         {
-            krTools::printError(error.origin(), error.what());
+            error.print();
         }
-        catch (const krTools::FileError& error)
+        catch (const std::exception& error)
         {
             krTools::printError("krview", error.what());
         }
@@ -261,6 +260,6 @@ int showScene(const Options& options)
                                          : std::string("there is no display: DISPLAY is not set"));
     }
     const FileWatch::Moment before = FileWatch::now();
-    const std::optional<Scene> scene = readScene(options);
-    return scene ? Session(options, *scene).run(*scene, before) : krTools::kInputHasErrors;
+    const Scene scene = readScene(options);
+    return Session(options, scene).run(scene, before);
 }

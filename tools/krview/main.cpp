@@ -4,7 +4,6 @@
 
 #include <common/CommandLine.h>
 #include <common/ExitStatus.h>
-#include <common/PrintedMessage.h>
 
 #include <optional>
 
@@ -20,7 +19,7 @@ int run(int argc, char** argv)
     }
     catch (const InputError& error)
     {
-        krTools::printError(error.origin(), error.what());
+        error.print();
         return krTools::kInputHasErrors;
     }
 }

@@ -79,7 +79,7 @@ void addLog(std::string_view log, const Source& program, unsigned string, Findin
             if (!line)
                 return;
             std::string text = tidied(message);
-            if (text.ends_with("compilation terminated"))
+            if (text.ends_with("compilation terminated") || findings.countInstead(severity))
                 return;
             std::size_t position = itsString == string ? program.lineBegin(*line) : 0;
             const std::string_view word =

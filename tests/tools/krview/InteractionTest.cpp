@@ -336,4 +336,26 @@ TEST_F(Viewer, KeepsThePictureWhenASourceBreaks)
     EXPECT_LT(std::stol(out.substr(out.find("frames ") + 7)), 50) << "frames without anything new to see";
 }
 
+TEST_F(Viewer, KeepsItsPictureWhenASceneBreaks)
+{
+    const std::string good = R"({"material": "material.krs", "grid": 1)";
+    place.write("scene.json", good + "}");
+    place.write("broken.png", "no picture");
+    start({"scene.json", "--watch"});
+    const Image before = save();
+    const std::pair<std::string, const char*> broken[] = {
+        {good + ", \"spacing\": 1e999}", "scene.json:1:52: error: number overflow parsing '1e999'"},
+        {good + ", \"axes\": 1}", "scene.json:1:49: error: axes: true or false is wanted here"},
+        {good + ", \"inputs\": {\"none\": 1}}", "scene.json:1:60: error: inputs.none: neither"},
+        {std::string(2000000, ' '), "cannot read 'scene.json': it has more than 1 MB"}};
+    for (const auto& [text, message] : broken)
+    {
+        place.write("scene.json", text);
+        EXPECT_TRUE(says("err", message)) << place.read("err");
+    }
+    EXPECT_EQ(save().bytes, before.bytes);
+    place.write("scene.json", good + ", \"shape\": \"cube\"}");
+    EXPECT_TRUE(says("out", "on cube")) << place.read("err");
+}
+
 } // namespace

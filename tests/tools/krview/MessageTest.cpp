@@ -57,7 +57,7 @@ TEST_P(RejectedScenes, GetAMessage)
     const Workplace place;
     const std::string text = GetParam().text;
     place.write("scene.json",
-                text[0] == '{' ? text : R"({"material": ")" KRENDER_SHARE R"(/materials/phong.krs", )" + text + "}");
+                text[0] == '{' ? text : R"({"material": ")" KRENDER_SHARE "/materials/phong.krs\",\n" + text + "}");
     const Outcome outcome = krview(place, "scene.json --frames 1");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
@@ -66,25 +66,26 @@ TEST_P(RejectedScenes, GetAMessage)
 
 constexpr RejectedScene kRejectedScenes[] = {
     {"NotJson", "{\n  \"material\": \"a.krs\",\n  \"grid\": }\n", "3:11: error: syntax error"},
-    {"NumberTooLarge", R"({"material": "a.krs", "spacing": 1e999})", " error: number overflow parsing '1e999'"},
-    {"UnknownKey", R"("shap": "cube")", " error: unknown key \"shap\"; did you mean shape?"},
-    {"UnknownKeyWithin", R"("view": {"yw": 3})", " error: view: unknown key \"yw\"; did you mean yaw?"},
-    {"WrongType", R"("grid": "many")", " error: grid: a whole number is wanted here"},
-    {"WrongRange", R"("grid": 0)", " error: grid: a number from 1.0 to 200.0 is wanted here, and not 0"},
-    {"FarTarget", R"("view": {"target": [0, 1e100, 0]})", " error: view.target[1]: a number from -1000000.0 to"},
-    {"WrongShape", R"("shape": "torus")", " error: shape: a shape is wanted here: cube, sphere"},
-    {"NoMaterial", R"({"shape": "cube"})", " error: a \"material\" is missing"},
-    {"MissingMaterial", R"({"material": "gone.krs"})", " error: material: there is no file 'gone.krs'"},
+    {"NumberTooLarge", R"({"material": "a.krs", "spacing": 1e999})", "1:34: error: number overflow parsing '1e999'"},
+    {"UnknownKey", R"("shap": "cube")", "2:1: error: unknown key \"shap\"; did you mean shape?"},
+    {"UnknownKeyWithin", R"("view": {"yw": 3})", "2:10: error: view: unknown key \"yw\"; did you mean yaw?"},
+    {"WrongType", R"("grid": "many")", "2:9: error: grid: a whole number is wanted here"},
+    {"WrongRange", R"("grid": 0)", "2:9: error: grid: a number from 1.0 to 200.0 is wanted here, and not 0"},
+    {"FarTarget", R"("view": {"target": [0, 1e100, 0]})", "2:24: error: view.target[1]: a number from -1000000.0 to"},
+    {"WrongShape", R"("shape": "torus")", "2:10: error: shape: a shape is wanted here: cube, sphere"},
+    {"NoMaterial", R"({"shape": "cube"})", "1:1: error: a \"material\" is missing"},
+    {"MissingMaterial", R"({"material": "gone.krs"})", "1:14: error: material: there is no file 'gone.krs'"},
     {"MissingSourceOfALight", R"("lights": [{"key": "a", "function": "lamp", "source": "gone.krs"}])",
-     " error: lights[0].source: there is no file 'gone.krs'"},
-    {"LightWithoutFunction", R"("lights": [{"key": "a"}])", " error: lights[0]: a \"function\" is missing"},
+     "2:55: error: lights[0].source: there is no file 'gone.krs'"},
+    {"LightWithoutFunction", R"("lights": [{"key": "a"}])", "2:12: error: lights[0]: a \"function\" is missing"},
     {"SameKeyTwice", R"("lights": [{"key": "a", "function": "headLight"}, {"key": "a", "function": "skyLight"}])",
-     " error: lights[1]: another light has the key \"a\""},
+     "2:51: error: lights[1]: another light has the key \"a\""},
     {"UnknownInput", R"("inputs": {"difuseColor": [1, 1, 1]})",
-     " error: inputs.difuseColor: neither the material \"phong\" nor its lights have an input \"difuseColor\"; did you "
+     "2:27: error: inputs.difuseColor: neither the material \"phong\" nor its lights have an input \"difuseColor\"; "
+     "did you "
      "mean diffuseColor"},
     {"WrongNumberOfNumbers", R"("inputs": {"diffuseColor": [1, 1]})",
-     " error: inputs.diffuseColor: \"diffuseColor\" is of type float3 and wants 3 numbers"},
+     "2:28: error: inputs.diffuseColor: \"diffuseColor\" is of type float3 and wants 3 numbers"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Krview, RejectedScenes, testing::ValuesIn(kRejectedScenes),
@@ -139,7 +140,7 @@ constexpr RejectedCommand kRejectedCommands[] = {
      "krview: error: --set flag=2: \"flag\" is of type bool and cannot be 2\n"},
     // Sources
     {"UnknownLight", "scene.json", 1,
-     "krview: error: lights[0]: there is no light \"pointLigt\" with a body; did you mean pointLight?"},
+     "scene.json:1:38: error: lights[0]: there is no light \"pointLigt\" with a body; did you mean pointLight?"},
     {"LightOfAnotherFile", "--material typed.krs --light a=lamp.krs:lam", 1,
      "lamp.krs:3:28: error: 'colour' is not declared"},
     {"LightThatAFileHasNot", "--material typed.krs --light a=typed.krs:lamp", 1,
