@@ -31,6 +31,8 @@ public:
                                                                   std::vector<krFrontend::ProgramDiagnostic>& faults);
 
 private:
+#ifdef KRENDER_HAS_TARGETS
     std::optional<krTargets::SpirvProgram> fBinary;
     bool fIsFaulty = false;
+#endif
 };
