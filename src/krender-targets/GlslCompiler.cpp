@@ -7,7 +7,9 @@
 #include <glslang/SPIRV/GlslangToSpv.h>
 #include <spirv-tools/libspirv.hpp>
 
+#include <algorithm>
 #include <charconv>
+#include <memory>
 #include <system_error>
 
 namespace krTargets

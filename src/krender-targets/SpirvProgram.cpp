@@ -3,8 +3,10 @@
 #include "krender-targets/private/DeepStack.h"
 #include "krender-targets/private/GlslCompiler.h"
 #include "krender-targets/private/Translator.h"
+#include <krender/frontend/Diagnostic.h>
 #include <krender/frontend/Interface.h>
 #include <krender/frontend/Program.h>
+#include <krender/frontend/SourceSet.h>
 #include <krender/shadergen/Target.h>
 
 #include <exception>

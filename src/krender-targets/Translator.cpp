@@ -3,7 +3,6 @@
 #include <krender-targets/SpirvProgram.h>
 #include <krender/frontend/Interface.h>
 #include <krender/shadergen/Target.h>
-#include <krender/shading/DataType.h>
 
 #include <spirv_cross/spirv_glsl.hpp>
 #include <spirv_cross/spirv_hlsl.hpp>
@@ -11,8 +10,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <stdexcept>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace krTargets
 {

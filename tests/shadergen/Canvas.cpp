@@ -257,9 +257,8 @@ void putValue(Bytes& block, DataType type, const std::string& name, int offset, 
         return put(offset, vector[0] < 0.6f ? 1 : 2);
     for (int i = 0; i < rows; ++i)
         for (int column = 0; column < (matrixStride > 0 ? rows : 1); ++column)
-            put(offset + column * matrixStride + 4 * i, matrixStride > 0
-                                                            ? matrixFor(name)[static_cast<std::size_t>(4 * i + column)]
-                                                            : vector[static_cast<std::size_t>(i)]);
+            put(offset + column * matrixStride + 4 * i,
+                matrixStride > 0 ? *(matrixFor(name).begin() + 4 * i + column) : vector[static_cast<std::size_t>(i)]);
 }
 
 /// A buffer that holds the numbers, bound.

@@ -44,8 +44,10 @@ public:
                                                                   std::vector<krFrontend::ProgramDiagnostic>& faults);
 
 private:
+#ifdef KRENDER_HAS_TARGETS
     std::optional<krTargets::SpirvProgram> fBinary;
     bool fIsFaulty = false;
+#endif
 };
 
 } // namespace krTools

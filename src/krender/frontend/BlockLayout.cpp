@@ -5,7 +5,10 @@
 #include <krender/shadergen/VulkanGlslCompiler.h>
 #include <krender/shading/DataType.h>
 
+#include <array>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace krFrontend
 {

@@ -1,5 +1,6 @@
 #include "krender/frontend/private/LineDirectives.h"
 
+#include <krender/frontend/Module.h>
 #include <krender/frontend/Program.h>
 #include <krender/frontend/SourceSet.h>
 

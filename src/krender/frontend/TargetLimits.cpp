@@ -9,7 +9,10 @@
 #include "krender/frontend/private/SyntaxReader.h"
 #include "krender/frontend/private/Type.h"
 
+#include <krender/frontend/Module.h>
+#include <krender/frontend/SourceSet.h>
 #include <krender/shadergen/InterpolantBank.h>
+#include <krender/shadergen/Target.h>
 #include <krender/shading/ShadingAttribute.h>
 
 #include <string>

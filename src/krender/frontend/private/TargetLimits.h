@@ -1,4 +1,5 @@
 #pragma once
+#include "krender/frontend/private/Constant.h"
 #include "krender/frontend/private/ConstantFolder.h"
 #include "krender/frontend/private/ExprWalk.h"
 #include "krender/frontend/private/Message.h"
