@@ -34,11 +34,17 @@ constexpr const char* kMaterial =
     "material other(out float4 outRGBA) { outRGBA = float4(1.0, 0.0, 0.0, helper(1.0)); }\n"
     "material declared(out float4 outRGBA);\n";
 
+// A light's outputs, and values for those that these materials do not read.
+#define OUTPUTS                                                                                                        \
+    "out float3 outLightWorldDir, out float3 outLightAmbientColor, out float3 outLightSpecularColor, "                 \
+    "out float3 outLightDiffuseColor"
+#define OTHERS "outLightWorldDir = outLightAmbientColor = outLightSpecularColor = float3(0.0, 0.0, 0.0);"
+
 constexpr const char* kLights = "light declaredLight(out float3 outLightDiffuseColor);\n"
-                                "light redLight(uniform float strength, out float3 outLightDiffuseColor)\n"
-                                "{ outLightDiffuseColor = strength * float3(1.0, 0.0, 0.0); }\n"
-                                "light blueLight(out float3 outLightDiffuseColor)\n"
-                                "{ outLightDiffuseColor = float3(0.0, 0.0, 1.0); }\n";
+                                "light redLight(uniform float strength, " OUTPUTS ")\n"
+                                "{ " OTHERS " outLightDiffuseColor = strength * float3(1.0, 0.0, 0.0); }\n"
+                                "light blueLight(" OUTPUTS ")\n"
+                                "{ " OTHERS " outLightDiffuseColor = float3(0.0, 0.0, 1.0); }\n";
 
 /// A workplace with the sources above.
 class CompileTest : public testing::Test

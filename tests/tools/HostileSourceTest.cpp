@@ -117,14 +117,14 @@ TEST(LargeSources, OfTwoGigabytesAreRefusedUnread)
     place.write("x.krs", "float f(float a);\n");
     std::filesystem::resize_file(place.path() / "x.krs", std::uintmax_t{2} << 30); // without taking room on the disk
     for (const auto& [command, limit] :
-         {std::pair{"check", "16"}, {"interface", "16"}, {"tokens", "2047"}, {"specs", "2047"}})
+         {std::pair{"check", "16"}, {"interface", "16"}, {"tokens", "64"}, {"specs", "64"}})
     {
         const Outcome outcome = place.krslc({command, "x.krs"});
         EXPECT_EQ(outcome.status, 2) << command;
         EXPECT_EQ(outcome.err, std::string("krslc: error: cannot read 'x.krs': it has more than ") + limit + " MB\n");
     }
     EXPECT_EQ(place.krslc({"tokens", "/dev/zero"}).err,
-              "krslc: error: cannot read '/dev/zero': it has more than 256 MB\n");
+              "krslc: error: cannot read '/dev/zero': it has more than 64 MB\n");
 }
 
 TEST(Sources, ThatCannotBeOpenedGetTheReason)

@@ -250,14 +250,17 @@ void Checker::checkShaderHeader(Function& function)
 
 void Checker::checkLightOutputs(const Function& light)
 {
+    std::string missing;
     for (const std::string_view name : kLightOutputs)
     {
         const Symbol* output = light.arguments;
         while (output && fStore.names.text(output->name) != name)
             output = output->next;
         if (!output)
-            fDiagnostics.report(Message::OutputNotSet, light.range, {name});
+            missing.append(missing.empty() ? "" : "', '").append(name);
     }
+    if (!missing.empty())
+        fDiagnostics.report(Message::OutputNotSet, light.range, {missing});
 }
 
 void Checker::checkOutput(const Function& function, const Symbol& argument)
