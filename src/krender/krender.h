@@ -56,6 +56,7 @@
 #include <krender/shadergen/InterpolantBank.h>
 #include <krender/shadergen/LightSpec.h>
 #include <krender/shadergen/Target.h>
+#include <krender/shadergen/VulkanGlslCompiler.h>
 #include <krender/shading/DataType.h>
 #include <krender/shading/FunctionType.h>
 #include <krender/shading/IHWShaderManager.h>

@@ -66,8 +66,9 @@ INSTANTIATE_TEST_SUITE_P(Kinds, DiagnosticSource, testing::ValuesIn(sources()),
 TEST(DiagnosticKinds, HaveASourceEach)
 {
     // These need more than one source: files that are not there, too many of them, or a target.
-    const std::set<std::string_view> others{"file-failed",   "too-many-files",     "no-such-shader", "no-interpolant",
-                                            "large-program", "no-vertex-register", "plain"};
+    const std::set<std::string_view> others{"file-failed",     "too-many-files", "no-such-shader",
+                                            "no-interpolant",  "large-program",  "no-vertex-register",
+                                            "no-uniform-room", "target-lacks",   "plain"};
     for (const krFrontend::DiagnosticKind& kind : krFrontend::diagnosticKinds())
     {
         const std::string file = std::string(KRENDER_DIAGNOSTICS "/") + std::string(kind.name) + ".krs";

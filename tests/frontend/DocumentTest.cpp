@@ -66,6 +66,8 @@ std::vector<std::string> namesOf(const Module& module)
     for (const std::string& material : materials)
         for (const Target& target : targets())
         {
+            if (target.isTranslated)
+                continue;
             std::vector<krFrontend::ProgramDiagnostic> problems;
             (void)compileProgram({&module, material, lights}, target, problems);
             for (const krFrontend::ProgramDiagnostic& problem : problems)

@@ -93,7 +93,7 @@ CompiledSource compileSource(const GeneratedProgram& sources)
     }
     if (!request.lights.empty()) // a light may shine twice, with uniforms of its own each time
         request.lights.push_back({request.lights[0].module, request.lights[0].function, "again"});
-    for (const Target& target : targets())
+    for (const Target& target : scenes::plainTargets())
     {
         std::vector<krFrontend::ProgramDiagnostic> problems;
         if (auto program = krFrontend::compileProgram(request, target, problems))

@@ -11,11 +11,12 @@
 /// A source and what each target makes of it.
 struct CompiledSource
 {
-    std::vector<krFrontend::Program> programs; ///< in the order of targets(); fewer where there are problems
-    std::string problems;                      ///< what the front end says against the source, a line each
+    std::vector<krFrontend::Program>
+        programs;         ///< in the order of scenes::plainTargets(); fewer where there are problems
+    std::string problems; ///< what the front end says against the source, a line each
 };
 
-/// Compiles the first material of a source with all lights, for every target.
+/// Compiles the first material of a source with all lights, for every target that plain KRSL has too.
 [[nodiscard]] CompiledSource compileSource(const GeneratedProgram& sources);
 
 /// What a target's own compiler says against a program; empty when nothing.

@@ -6,13 +6,6 @@
 namespace generator
 {
 
-namespace
-{
-
-bool has(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
-
-} // namespace
-
 unsigned ProgramWriter::below(std::size_t end)
 {
     fState += 0x9E3779B97F4A7C15u;
@@ -68,8 +61,8 @@ bool ProgramWriter::isUsable(std::string_view chosen) const
         while (begin > 0 && (std::isalnum(static_cast<unsigned char>(chosen[begin - 1])) || chosen[begin - 1] == '$'))
             --begin;
         const std::string_view name = chosen.substr(begin, open - begin);
-        const bool isType = has(name, "$") || name == "float" || name == "int" || name == "bool" || name.empty() ||
-                            (name.starts_with("float") && name.size() == 6);
+        const bool isType = name.starts_with('$') || name == "float" || name == "int" || name == "bool" ||
+                            name.empty() || (name.starts_with("float") && name.size() == 6);
         if (!isType && (fConstantOnly || visible(name)))
             return false;
     }
@@ -114,14 +107,11 @@ std::string ProgramWriter::operand(char letter, unsigned least, Frame& frame)
                                   : kind->isOwn             ? frame.own
                                                             : size},
                      depth, least);
+    for (const Production& macro : productions("macro"))
+        if (macro.letter == letter)
+            return fill(choose(macro.text), frame);
     switch (letter)
     {
-    case 'S':
-        return value({'f', chance(50) ? 1 : size}, depth, least);
-    case 'L':
-        return choose("@(0.5@|1.25@|2.0@|0.75@)");
-    case 'P':
-        return std::to_string(from(1, 4));
     case 's':
         return nameOf(frame.type);
     case 'c':
@@ -141,6 +131,8 @@ std::string ProgramWriter::operand(char letter, unsigned least, Frame& frame)
 
 std::string ProgramWriter::part(char letter, Frame& frame)
 {
+    if (const auto known = frame.names.find(letter); known != frame.names.end())
+        return known->second;
     switch (letter)
     {
     case '[':
@@ -149,27 +141,12 @@ std::string ProgramWriter::part(char letter, Frame& frame)
     case ']':
         closeScope();
         return "";
-    case 't':
-        return nameOf(frame.type);
     case 'v':
         return tame(frame.type);
     case 'w':
         return tame({'m', frame.type.size});
     case 'r':
         return tame(fResult);
-    case 'x':
-    case 'z':
-        return frame.first;
-    case 'y':
-        return frame.second;
-    case 'e':
-        return frame.last;
-    case 'j':
-        return frame.counter;
-    case 'n':
-        return choose("@(1@|2@|3@|4@|kCount@)");
-    case 'l':
-        return chance(35) ? "if (" + value(kBool, 2) + ") " + choose("@(break@|continue@)") + ";\n" : "";
     case 's':
         return statements(frame.depth - 1);
     case 'b': // a declaration would be of no use where there are no braces
@@ -288,199 +265,6 @@ std::string ProgramWriter::callOf(const Function& function, unsigned depth, cons
                                                      : function.isOverloaded ? value(parameter.type, depth)
                                                                              : wanted(parameter.type, depth));
     return text + ")";
-}
-
-// Statements.
-
-void ProgramWriter::beginBody(char kind, Type result, unsigned statements)
-{
-    fKind = kind;
-    fResult = result;
-    fBudget = statements;
-}
-
-std::string ProgramWriter::statements(unsigned depth)
-{
-    static const std::vector<const Production*> weighted = []
-    {
-        std::vector<const Production*> forms;
-        for (const Production& form : productions("statement"))
-            forms.insert(forms.end(), form.number, &form);
-        return forms;
-    }();
-    std::string text;
-    for (unsigned i = from(1, depth > 1 ? 6 : 3); i > 0 && fBudget > 0;)
-    {
-        const Production& form = *pick(weighted);
-        const std::string chosen = choose(form.text);
-        const bool isNested = has(chosen, "@s") || has(chosen, "@b");
-        Frame frame{anyType(), from(2, 4), depth};
-        if ((form.bodies == "*" || has(form.bodies, {&fKind, 1})) && (depth > 0 || !isNested) &&
-            (fLoops < 2 || !has(chosen, "@i")) && isUsable(chosen) && choosePlaces(chosen, form.letter, frame))
-        {
-            --i;
-            --fBudget;
-            text += statement(form, chosen, frame);
-        }
-        for (const std::string& name : frame.locked)
-            fLocked.erase(name);
-    }
-    return text;
-}
-
-std::string ProgramWriter::statement(const Production& form, const std::string& chosen, Frame& frame)
-{
-    const bool isLoop = has(chosen, "@i") || form.bodies == "m";
-    fIsHiding = false;
-    fLoops += isLoop ? 1 : 0;
-    const char kind = std::exchange(fKind, form.bodies == "m" ? 'i' : fKind);
-    frame.depth += has(chosen, "@s") || has(chosen, "@b") ? 0 : 3 - frame.depth;
-    const std::string text = fill(chosen, frame);
-    fKind = kind;
-    fLoops -= isLoop ? 1 : 0;
-    endDeclarator(frame);
-    return text.ends_with('\n') ? text : text + "\n";
-}
-
-/// Chooses what a statement sets.
-/// @return  whether it has a type of the letter's, and what it needs
-bool ProgramWriter::choosePlaces(std::string_view chosen, char letter, Frame& frame)
-{
-    const auto fits = [&](Type type) { return letter == '*' || kindOf(letter)->has(type); };
-    if (has(chosen, "@z"))
-    {
-        const auto list =
-            readable([&](const Variable& v) { return v.isWritable && v.length == 0 && v.type == frame.type; });
-        frame.first = list.empty() ? "" : pick(list)->name;
-        lock(frame.first, frame);
-        return !list.empty() && fits(frame.type);
-    }
-    if (!has(chosen, "@x"))
-        return fits(frame.type);
-    const auto to = place();
-    const auto other = place();
-    if (!to || !fits(to->type))
-        return false;
-    frame.type = to->type;
-    frame.first = to->text;
-    frame.second = other->text;
-    return !has(chosen, "@y") ||
-           (other->type == to->type && !has(to->text, other->root) && !has(other->text, to->root));
-}
-
-std::optional<ProgramWriter::Place> ProgramWriter::place()
-{
-    const auto list = readable([](const Variable& v) { return v.isWritable; });
-    if (list.empty())
-        return std::nullopt;
-    const Variable& v = *pick(list);
-    Place found{v.name, v.type, v.name};
-    const auto takeElement = [&](unsigned size) { found.text += "[" + index(size, chance(60)) + "]"; };
-    if (v.length > 0)
-        takeElement(v.length);
-    if (v.type.base == 'm' && chance(70))
-    {
-        takeElement(v.type.size);
-        found.type = {'f', v.type.size};
-        found.isColumn = true;
-    }
-    if (found.type.base == 'm' || found.type.size == 1 || chance(40))
-        return found;
-    if (chance(40))
-    {
-        takeElement(found.type.size);
-        found.type.size = 1;
-        return found;
-    }
-    const unsigned count = from(1, found.type.size);
-    found.text += "." + letters(found.type.size, count, true);
-    found.type.size = count;
-    return found;
-}
-
-/// A call of a function that has outputs, all of them different variables that nothing else in the statement reads.
-std::string ProgramWriter::callWithOutputs(Frame& frame)
-{
-    const std::vector<const Function*> fitting = callable(true);
-    if (fitting.empty())
-        return ";\n";
-    const Function& function = *pick(fitting);
-    std::string text;
-    std::vector<std::string> outputs;
-    for (const Parameter& parameter : function.parameters)
-    {
-        if (parameter.mode == 'i')
-            continue;
-        const auto to = place();
-        const auto reads = [&](const std::string& output) { return has(output, to->root); };
-        const bool isFound =
-            to && to->type == parameter.type && !to->isColumn && std::none_of(outputs.begin(), outputs.end(), reads);
-        outputs.push_back(isFound ? to->text : freshName("o"));
-        if (!isFound)
-        {
-            text += nameOf(parameter.type) + " " + outputs.back() + " = " + tame(parameter.type) + ";\n";
-            declare(outputs.back(), parameter.type, true);
-        }
-        lock(isFound ? to->root : outputs.back(), frame);
-    }
-    const std::string call = callOf(function, 2, outputs) + ";\n";
-    if (function.result.base == 'v' || chance(20))
-        return text + call;
-    frame.type = function.result;
-    return text + nameOf(frame.type) + " " + newName('d', frame) + " = " + call;
-}
-
-// Names.
-
-const Variable* ProgramWriter::visible(std::string_view name) const
-{
-    const auto found =
-        std::find_if(fVariables.rbegin(), fVariables.rend(), [&](const Variable& v) { return v.name == name; });
-    return found == fVariables.rend() ? nullptr : &*found;
-}
-
-std::string ProgramWriter::declare(const std::string& name, Type type, bool isWritable)
-{
-    fVariables.push_back({name, type, 0, isWritable, fScopes.size()});
-    return name;
-}
-
-void ProgramWriter::closeScope()
-{
-    fVariables.resize(fScopes.back());
-    fScopes.pop_back();
-}
-
-std::string ProgramWriter::newName(char letter, Frame& frame)
-{
-    const bool isCounter = letter == 'i';
-    std::string name = freshName(isCounter ? "i" : "v");
-    if (const bool hides = chance(50) && fScopes.size() > 1; !isCounter && !fIsHiding && chance(30))
-    {
-        const std::string found = hides ? pick(fVariables).name : pick(words("name"));
-        const Variable* outer = visible(found);
-        fIsHiding = !fLocked.contains(found) && !found.starts_with("out") && found != "kCount" &&
-                    (!outer || outer->scope < fScopes.size());
-        name = fIsHiding ? found : name;
-    }
-    (isCounter ? frame.counter : frame.last) = name;
-    const Type type = isCounter ? kInt : letter == 'D' ? kBool : frame.type;
-    frame.pending = Variable{name, type, letter == 'a' ? 3u : 0u, letter != 'c' && !isCounter, fScopes.size()};
-    if (letter == 'u' || letter == 'a')
-        lock(name, frame);
-    return name;
-}
-
-void ProgramWriter::endDeclarator(Frame& frame)
-{
-    if (frame.pending)
-        fVariables.push_back(*std::exchange(frame.pending, std::nullopt));
-}
-
-void ProgramWriter::lock(const std::string& name, Frame& frame)
-{
-    if (fLocked.insert(name).second)
-        frame.locked.push_back(name);
 }
 
 } // namespace generator

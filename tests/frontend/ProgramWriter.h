@@ -2,6 +2,7 @@
 #include "Grammar.h"
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -101,11 +102,8 @@ private:
         Type type;
         unsigned own; ///< the size that it has beside the type's
         unsigned depth;
-        std::string first;  ///< @x or @z
-        std::string second; ///< @y
-        std::string last;   ///< the last new name
-        std::string counter;
-        std::optional<Variable> pending; ///< a new name that is known when its declarator ends
+        std::map<char, std::string> names; ///< what an @ and the letter stand for
+        std::optional<Variable> pending;   ///< a new name that is known when its declarator ends
         std::vector<std::string> locked;
     };
 

@@ -39,7 +39,7 @@ TEST_P(ShippedMaterial, CompilesToTheSameBytesByBothRoads)
     const scenes::Spec material = scenes::parseMaterial(GetParam());
     // The front end declares the uniforms of lights once, which a material of several blocks would show.
     for (const unsigned count : GetParam() == "lacquer" ? std::vector{0u} : std::vector{0u, 1u, 3u})
-        for (const Target& target : targets())
+        for (const Target& target : scenes::plainTargets())
         {
             const std::vector<LightSpec> lights = scenes::lightsFor(GetParam(), count);
             krFrontend::ProgramRequest request{&module, "", {}, false};

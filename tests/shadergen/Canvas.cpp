@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <map>
 #include <memory>
@@ -78,7 +79,7 @@ const std::array<float, 16>& matrixFor(const std::string& name)
         return kObjectToWorld;
     if (name == "objToWorldMatrix_invtrans")
         return kInverseTransposed;
-    return name.ends_with("mvp") ? kProjection : kPattern;
+    return name.ends_with("mvp") || name.ends_with("ModelViewProjectionMatrix") ? kProjection : kPattern;
 }
 
 /// An 8 x 8 picture of slopes that serve as colours and as normals alike.
@@ -243,20 +244,55 @@ GLuint link(const scenes::Programs& programs)
     return program;
 }
 
+using Bytes = std::vector<std::uint8_t>;
+
+/// Puts a value into a uniform block, a matrix column by column.
+void putValue(Bytes& block, DataType type, const std::string& name, int offset, int matrixStride)
+{
+    const auto put = [&block](int at, const auto& number)
+    { std::memcpy(&block.at(static_cast<std::size_t>(at)), &number, sizeof number); };
+    const std::array<float, 4> vector = vectorFor(name);
+    const int rows = type == kMatrix2 ? 2 : static_cast<int>(maxDim(type));
+    if (type == kInt)
+        return put(offset, vector[0] < 0.6f ? 1 : 2);
+    for (int i = 0; i < rows; ++i)
+        for (int column = 0; column < (matrixStride > 0 ? rows : 1); ++column)
+            put(offset + column * matrixStride + 4 * i,
+                matrixStride > 0 ? matrixFor(name)[static_cast<std::size_t>(4 * i + column)]
+                                 : vector[static_cast<std::size_t>(i)]);
+}
+
+/// A buffer that holds the numbers, bound.
+template <class Number>
+GLuint bufferOf(GLenum target, const std::vector<Number>& numbers)
+{
+    GLuint buffer = 0;
+    glGenBuffers(1, &buffer);
+    glBindBuffer(target, buffer);
+    glBufferData(target, static_cast<GLsizeiptr>(numbers.size() * sizeof numbers[0]), numbers.data(), GL_STATIC_DRAW);
+    return buffer;
+}
+
 } // namespace
 
-Canvas::Canvas()
+Canvas::Canvas(Api api) : fApi(api)
 {
     setenv("EGL_PLATFORM", "surfaceless", 1);
     setenv("LIBGL_ALWAYS_SOFTWARE", "1", 1);
+    const bool isEmbedded = api == Api::Embedded;
     fDisplay = eglGetPlatformDisplayEXT(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
-    require(eglInitialize(fDisplay, nullptr, nullptr) && eglBindAPI(EGL_OPENGL_API), "no EGL display");
-    const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_NONE};
+    require(eglInitialize(fDisplay, nullptr, nullptr) && eglBindAPI(isEmbedded ? EGL_OPENGL_ES_API : EGL_OPENGL_API),
+            "no EGL display");
+    const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE,
+                             isEmbedded ? EGL_OPENGL_ES3_BIT : EGL_OPENGL_BIT, EGL_NONE};
+    const EGLint core[] = {EGL_CONTEXT_MAJOR_VERSION, 3, EGL_CONTEXT_MINOR_VERSION, 3, EGL_NONE};
+    const EGLint embedded[] = {EGL_CONTEXT_MAJOR_VERSION, 3, EGL_NONE};
     EGLConfig config = nullptr;
     EGLint configs = 0;
     require(eglChooseConfig(fDisplay, wanted, &config, 1, &configs) && configs == 1, "no EGL configuration");
-    fContext = eglCreateContext(fDisplay, config, EGL_NO_CONTEXT, nullptr);
-    require(eglMakeCurrent(fDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, fContext), "no OpenGL context");
+    fContext = eglCreateContext(fDisplay, config, EGL_NO_CONTEXT,
+                                isEmbedded ? embedded : api == Api::Core ? core : nullptr);
+    makeCurrent();
 
     GLuint framebuffer = 0;
     glGenFramebuffers(1, &framebuffer);
@@ -273,8 +309,19 @@ Canvas::Canvas()
     require(glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE, "no framebuffer");
     glViewport(0, 0, kSize, kSize);
     glEnable(GL_DEPTH_TEST);
+    if (!isEmbedded)
+        glEnable(GL_TEXTURE_CUBE_MAP_SEAMLESS); // as ESSL 3.00 always has it
+    if (api != Api::Compatibility)
+        return;
     glMatrixMode(GL_PROJECTION);
     glLoadTransposeMatrixf(kProjection.data());
+}
+
+void Canvas::makeCurrent()
+{
+    require(eglBindAPI(fApi == Api::Embedded ? EGL_OPENGL_ES_API : EGL_OPENGL_API) &&
+                eglMakeCurrent(fDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, fContext),
+            "no OpenGL context");
 }
 
 Canvas::~Canvas()
@@ -286,6 +333,7 @@ Canvas::~Canvas()
 
 std::vector<std::uint8_t> Canvas::draw(const scenes::Programs& programs, const Names& names)
 {
+    makeCurrent();
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     const GLuint program = link(programs);
     glUseProgram(program);
@@ -309,11 +357,63 @@ std::vector<std::uint8_t> Canvas::draw(const scenes::Programs& programs, const N
 
     const std::vector<GLuint> indices = triangles();
     glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(indices.size()), GL_UNSIGNED_INT, indices.data());
-    std::vector<std::uint8_t> pixels(std::size_t{4} * kSize * kSize);
-    glReadPixels(0, 0, kSize, kSize, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
     for (const auto& input : inputs)
         glDisableVertexAttribArray(input.first);
     glDeleteProgram(program);
+    return pixels();
+}
+
+std::vector<std::uint8_t> Canvas::pixels()
+{
+    std::vector<std::uint8_t> pixels(std::size_t{4} * kSize * kSize);
+    glReadPixels(0, 0, kSize, kSize, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
     require(glGetError() == GL_NO_ERROR, "OpenGL reports an error");
     return pixels;
+}
+
+std::vector<std::uint8_t> Canvas::draw(const scenes::Programs& programs,
+                                       const krFrontend::ProgramInterface& interface)
+{
+    makeCurrent();
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    const GLuint program = link(programs);
+    glUseProgram(program);
+
+    Bytes block(static_cast<std::size_t>(interface.block.size));
+    for (const krFrontend::FrameUniformInterface& uniform : interface.block.frameUniforms)
+        putValue(block, uniform.type, uniform.programName, uniform.offset, uniform.matrixStride);
+    GLint unit = 0;
+    for (const krFrontend::UniformInterface& uniform : interface.uniforms)
+        if (isSampler(uniform.type))
+            setSampler(glGetUniformLocation(program, uniform.programName.c_str()),
+                       uniform.type == kSamplerCube ? GL_SAMPLER_CUBE : GL_SAMPLER_2D, uniform.light + uniform.name,
+                       unit++);
+        else
+            putValue(block, uniform.type, uniform.light + uniform.name, uniform.offset, uniform.matrixStride);
+    std::vector<GLuint> buffers{bufferOf(GL_UNIFORM_BUFFER, block)};
+    glUniformBlockBinding(program, glGetUniformBlockIndex(program, interface.block.name.c_str()), 0);
+    glBindBufferBase(GL_UNIFORM_BUFFER, 0, buffers[0]);
+
+    GLuint array = 0;
+    glGenVertexArrays(1, &array);
+    glBindVertexArray(array);
+    const auto bind = [&](int location, const std::string& name, GLint size)
+    {
+        buffers.push_back(bufferOf(GL_ARRAY_BUFFER, stream(name)));
+        glVertexAttribPointer(static_cast<GLuint>(location), size, GL_FLOAT, GL_FALSE, 4 * sizeof(float), nullptr);
+        glEnableVertexAttribArray(static_cast<GLuint>(location));
+    };
+    for (const krFrontend::FrameInputInterface& input : interface.block.frameInputs)
+        bind(input.location, input.location < 2 ? "gObjPos" : input.programName, 4);
+    for (const krFrontend::VertexInputInterface& input : interface.vertexInputs)
+        bind(input.location, input.name, 4);
+
+    const std::vector<GLuint> indices = triangles();
+    buffers.push_back(bufferOf(GL_ELEMENT_ARRAY_BUFFER, indices));
+    glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(indices.size()), GL_UNSIGNED_INT, nullptr);
+    glBindVertexArray(0);
+    glDeleteVertexArrays(1, &array);
+    glDeleteBuffers(static_cast<GLsizei>(buffers.size()), buffers.data());
+    glDeleteProgram(program);
+    return pixels();
 }

@@ -1,6 +1,8 @@
 #pragma once
 #include "Scenes.h"
 
+#include <krender/frontend/Interface.h>
+
 #include <cstdint>
 #include <map>
 #include <vector>
@@ -12,8 +14,16 @@ class Canvas
 public:
     static constexpr int kSize = 96;
 
+    /// What the programs are written for: GLSL 1.20, GLSL 3.30 without what is older, or ESSL 3.00.
+    enum class Api
+    {
+        Compatibility,
+        Core,
+        Embedded,
+    };
+
     /// Throws std::runtime_error when there is no OpenGL to be had.
-    Canvas();
+    explicit Canvas(Api api = Api::Compatibility);
     ~Canvas();
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
@@ -24,7 +34,15 @@ public:
     [[nodiscard]] std::vector<std::uint8_t> draw(const scenes::Programs& programs,
                                                  const std::map<std::string, std::string>& names = {});
 
+    /// The same of programs with a uniform block, which gets its bytes as the interface says.
+    [[nodiscard]] std::vector<std::uint8_t> draw(const scenes::Programs& programs,
+                                                 const krFrontend::ProgramInterface& interface);
+
 private:
+    void makeCurrent();
+    [[nodiscard]] static std::vector<std::uint8_t> pixels();
+
+    Api fApi;
     void* fDisplay = nullptr;
     void* fContext = nullptr;
 };

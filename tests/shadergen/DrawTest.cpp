@@ -103,7 +103,7 @@ TEST_P(DrawnFullMaterial, LooksTheSameInBothTargets)
         &material, "", {{&library, "pointLight", "key"}, {&library, "ambientLight", "room"}}, false};
     Canvas canvas;
     std::vector<Pixels> pictures;
-    for (const Target& target : targets())
+    for (const Target& target : scenes::plainTargets())
     {
         std::vector<krFrontend::ProgramDiagnostic> problems;
         const auto program = krFrontend::compileProgram(request, target, problems);

@@ -124,7 +124,7 @@ TEST_P(FullMaterial, IsAcceptedWithEveryLight)
         const krFrontend::Module library = shipped("lights/" + name + ".krs");
         const krFrontend::ProgramRequest request{
             &material, "", {{&library, name + "Light", "first"}, {&library, name + "Light", "second"}}, false};
-        for (const Target& target : targets())
+        for (const Target& target : scenes::plainTargets())
         {
             std::vector<krFrontend::ProgramDiagnostic> problems;
             const auto program = krFrontend::compileProgram(request, target, problems);

@@ -97,7 +97,12 @@ std::string nameUniforms(const std::string& program, const std::string& name)
 
 } // namespace
 
-std::string glslFaults(const scenes::Programs& programs) { return faults(krTools::validateGlsl, programs); }
+std::string glslFaults(const scenes::Programs& programs)
+{
+    return faults([](const krTools::Source& vertex, const krTools::Source& fragment)
+                  { return krTools::validateGlsl(*findTarget("glsl"), vertex, fragment); },
+                  programs);
+}
 
 std::string cgFaults(const scenes::Programs& programs) { return faults(krTools::validateCg, programs); }
 

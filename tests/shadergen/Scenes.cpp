@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <span>
 #include <string_view>
 
 namespace scenes
@@ -88,6 +89,12 @@ std::vector<LightSpec> lightsFor(const std::string& material, unsigned count)
         lights = {light("ambientLight", "room"), light("pointLight", "lamp"), light("pointLight", "fill")};
     lights.resize(count);
     return lights;
+}
+
+std::span<const Target> plainTargets()
+{
+    const auto isOther = [](const Target& target) { return target.language == TargetLanguage::VulkanGlsl; };
+    return {targets().begin(), std::find_if(targets().begin(), targets().end(), isOther)};
 }
 
 Programs compile(Compile compiler, const krShadingDag::ShadingNodeSpec& material, const std::vector<LightSpec>* lights)

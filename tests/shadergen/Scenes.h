@@ -1,9 +1,11 @@
 #pragma once
 #include <krender/platform/String.h>
 #include <krender/shadergen/LightSpec.h>
+#include <krender/shadergen/Target.h>
 #include <krender/shading/ShadingNodeSpec.h>
 
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -25,6 +27,9 @@ using Spec = std::unique_ptr<krShadingDag::ShadingNodeSpec>;
 [[nodiscard]] const krShadingDag::ShadingNodeSpec* lightFunction(const char* name);
 /// 0, 1 or 3 lights that suit a shipped material.
 [[nodiscard]] std::vector<LightSpec> lightsFor(const std::string& material, unsigned count);
+
+/// The targets that plain KRSL can be compiled for as well.
+[[nodiscard]] std::span<const Target> plainTargets();
 
 struct Programs
 {

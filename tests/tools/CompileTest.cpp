@@ -169,7 +169,7 @@ TEST_F(CompileTest, ReadsPlainSourcesToTheSameBytes)
 {
     for (const char* option : {"--light", "--keep-illuminance"})
     {
-        Names arguments{"--target", "all", "--preamble", "glsl120", "-o", "-", option};
+        Names arguments{"--target", "glsl", "--target", "cg", "--preamble", "glsl120", "-o", "-", option};
         if (std::string(option) == "--light")
             arguments.insert(arguments.end(), {"k=redLight", "--light", "f=blueLight"});
         const std::string full = compile(arguments).out;
@@ -205,22 +205,75 @@ TEST_F(CompileTest, WritesTheInterfaceOfThePrograms)
                  "uv,\nfloat3 gWorldPos, out float4 outRGBA)\n{ outRGBA = float4(gWorldPos, half + uv.x);\n"
                  "illuminance { outRGBA.xyz += gLightDiffuseColor; } }\n");
     const Outcome outcome = compile(
-        {"--material", "d.krs", "--target", "all", "--light", "k=redLight", "-o", "x", "--interface", "i.json"});
+        {"--material", "d.krs", "--target", "cg,hlsl,glsl,glsl450", "--light", "k=redLight", "-o", "x", "--interface", "i.json"});
     ASSERT_EQ(outcome.status, 0) << outcome.err;
     const std::string text = fPlace.read("i.json");
     EXPECT_EQ(schemaFault(text, "krslc-program"), "");
     const auto list = nlohmann::json::parse(text);
-    ASSERT_EQ(list.size(), 2u);
-    EXPECT_EQ(list[0], nlohmann::json::parse(R"({"material": "d", "target": "glsl", "vertexFile": "x.vert",
-        "fragmentFile": "x.frag", "uniforms": [
+    ASSERT_EQ(list.size(), 4u);
+    EXPECT_EQ(list[0]["target"], "cg");
+    EXPECT_EQ(list[0]["vertexInputs"][0]["texCoord"], 1);
+    auto expected = nlohmann::json::parse(R"({"material": "d", "target": "glsl", "vertexFile": "x.vert",
+        "fragmentFile": "x.frag", "entryPoint": "main", "uniforms": [
             {"programName": "half_1", "name": "half", "light": null, "type": "float", "default": 0.1,
-             "metadata": {"label": "Half", "max": 1.0}},
+             "metadata": {"label": "Half", "max": 1.0}, "offset": null, "matrixStride": null, "binding": null,
+             "texture": null, "sampler": null},
             {"programName": "kstrength", "name": "strength", "light": "k", "type": "float", "default": null,
-             "metadata": {}}],
-        "vertexInputs": [{"programName": "uv", "name": "uv", "type": "float2", "texCoord": null, "metadata": {}}],
-        "providedValues": ["gWorldPos"]})"));
-    EXPECT_EQ(list[1]["target"], "cg");
-    EXPECT_EQ(list[1]["vertexInputs"][0]["texCoord"], 1);
+             "metadata": {}, "offset": null, "matrixStride": null, "binding": null, "texture": null,
+             "sampler": null}],
+        "vertexInputs": [{"programName": "uv", "name": "uv", "type": "float2", "texCoord": null, "location": null,
+                          "metadata": {}}],
+        "providedValues": ["gWorldPos"], "block": null, "frameUniforms": [], "frameInputs": []})");
+    EXPECT_EQ(list[2], expected);
+    expected["target"] = "glsl450";
+    expected["vertexFile"] = "x.glsl450.vert";
+    expected["fragmentFile"] = "x.glsl450.frag";
+    expected["uniforms"][0]["offset"] = 208;
+    expected["uniforms"][1]["offset"] = 212;
+    expected["vertexInputs"][0]["location"] = 3;
+    expected["block"] = {{"name", "kr_Uniforms"}, {"size", 224}, {"set", 0}, {"binding", 0}, {"index", nullptr}};
+    expected["frameUniforms"] = list[3]["frameUniforms"];
+    expected["frameInputs"] = list[3]["frameInputs"];
+    EXPECT_EQ(list[3], expected);
+    EXPECT_EQ(list[3]["frameUniforms"][1], nlohmann::json::parse(R"({"programName": "objToWorldMatrix",
+        "type": "matrix4", "offset": 64, "matrixStride": 16})"));
+    EXPECT_EQ(list[3]["frameInputs"][0], nlohmann::json::parse(R"({"programName": "kr_Vertex", "type": "float4",
+        "texCoord": null, "location": 0})"));
+    EXPECT_EQ(list[1]["block"]["index"], 0);
+    EXPECT_EQ(list[1]["vertexInputs"][0]["texCoord"], 3);
+}
+
+// One run writes what several do, and what stands beside a target does not change its bytes.
+TEST_F(CompileTest, WritesAllTargetsThatTheMaterialCanBeWrittenFor)
+{
+    fPlace.write("s.krs", "material s(uniform sampler3D fog, uniform sampler2D dust, out float4 outRGBA)\n"
+                          "{ outRGBA = texture3D(fog, gWorldPos) + texture2D(dust, gWorldPos.xy); }\n");
+    const Outcome all =
+        compile({"--material", "s.krs", "--target", "all", "-o", "x", "--validate", "--interface", "i.json"});
+    ASSERT_EQ(all.status, 0) << all.err;
+    EXPECT_EQ(all.err.substr(0, all.err.find('\n')),
+              "s.krs:1:30: note: essl100 is left out: essl100 cannot do this: it has no sampler3D");
+    const std::string interface = fPlace.read("i.json");
+    EXPECT_EQ(schemaFault(interface, "krslc-program"), "");
+    for (const auto& program : nlohmann::json::parse(interface))
+    {
+        const std::string target = program["target"];
+        ASSERT_EQ(compile({"--material", "s.krs", "--target", target, "-o", "one"}).status, 0) << target;
+        for (const char* file : {"vertexFile", "fragmentFile"})
+        {
+            const std::string path = program[file];
+            EXPECT_EQ(fPlace.read(path), fPlace.read("one" + path.substr(1))) << path;
+        }
+        if (target == "msl")
+        {
+            EXPECT_EQ(program["entryPoint"], "main0");
+            EXPECT_EQ(program["uniforms"][1]["texture"], 1);
+        }
+    }
+    const Outcome named = compile({"--material", "s.krs", "--target", "all,essl100", "-o", "y"});
+    EXPECT_EQ(named.status, 1);
+    EXPECT_EQ(named.err.substr(0, named.err.find('\n')),
+              "s.krs:1:30: error: essl100 cannot do this: it has no sampler3D [target-lacks]");
 }
 
 // Several materials
@@ -339,8 +392,8 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"unknown plain name", "--plain --material m.krs:plane -o x", 1,
                 "krslc: error: \"m.krs\" has no function \"plane\" with a body; did you mean plain?"},
         Refused{
-            "unknown light", "--light k=readlight -o x", 1,
-            "krslc: error: --light k=readlight: there is no light \"readlight\" with a body; did you mean redLight?"},
+            "unknown light", "--light k=READLIGHT -o x", 1,
+            "krslc: error: --light k=READLIGHT: there is no light \"READLIGHT\" with a body; did you mean redLight?"},
         Refused{
             "unknown plain light", "--plain --light k=redLigh -o x", 1,
             "krslc: error: --light k=redLigh: there is no function \"redLigh\" with a body; did you mean redLight?"},
@@ -349,7 +402,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"warning as an error", "-Werror --material unused.krs -o x", 1,
                 "unused.krs:1:38: error: 'i' is not read [-Wunused-variable]"},
         Refused{
-            "input past the last register", "--material wide.krs --target all -o x", 1,
+            "input past the last register", "--material wide.krs --target glsl,cg -o x", 1,
             "wide.krs:2:69: error: there is no room left for 'f': cg carries 5 registers of four components from the "
             "vertex to the pixel [no-interpolant]"},
         Refused{"missing material", "--material none.krs -o x", 2,
@@ -374,8 +427,13 @@ INSTANTIATE_TEST_SUITE_P(
                 "krslc: error: --light =redLight: this is not KEY=[FILE:]FUNCTION with a name for its key"},
         Refused{"light without a function", "--light k -o x", 2,
                 "krslc: error: --light k: this is not KEY=[FILE:]FUNCTION with a name for its key"},
-        Refused{"unknown target", "--target hlsl -o x", 2,
-                "krslc: error: there is no target \"hlsl\": there are glsl, cg and all"},
+        Refused{"unknown target", "--target glsl,metal -o x", 2,
+                "krslc: error: there is no target \"metal\": there are glsl, cg, spirv, glsl330, glsl450, essl300, "
+                "essl100, hlsl, msl and all"},
+        Refused{"full target of a plain source", "--plain --target glsl,msl -o x", 2,
+                "krslc: error: --target msl: it takes full KRSL, which --plain does not read"},
+        Refused{"translation of what is kept", "--keep-illuminance --target spirv -o x", 2,
+                "krslc: error: --target spirv: what --keep-illuminance leaves in a program cannot be translated"},
         Refused{"several materials in one place", "--material m.krs --material m.krs:other -o x", 2,
                 "krslc: error: several materials need a folder for their programs: give -o FOLDER/"},
         Refused{"two materials of one name", "--material m.krs --material m.krs:plain -o new/", 2,
@@ -433,7 +491,7 @@ INSTANTIATE_TEST_SUITE_P(
                 "material m(out float4 outRGBA) { outRGBA.x = " + std::string(200000, '(') + "1.0" +
                     std::string(200000, ')') + "; }\n",
                 "cg",
-                "krslc: error: the checker of Cg programs broke down: the material's code nests too deeply or is too "
+                "krslc: error: the checker of cg programs broke down: the material's code nests too deeply or is too "
                 "long for it"},
         Invalid{"cut condition", "material m(out float4 outRGBA) { if (sin(1.0) > 0.0) outRGBA.x = 1.0; }\n", "glsl",
                 "x.frag:36:2: error: syntax error, unexpected LEFT_BRACE, expecting RIGHT_PAREN or COMMA"},
@@ -473,9 +531,9 @@ TEST_F(CompileTest, ValidatesSeveralBlocksAndLights)
 {
     fPlace.write("two.krs", "material m(uniform float b, out float4 outRGBA) { outRGBA = float4(b);\n"
                             "illuminance { outRGBA.x += gLightDiffuseColor.x; } illuminance { outRGBA.y += 1.0; } }\n");
-    for (const char* mode : {"--plain", "-Werror"})
+    for (const auto& [mode, targets] : {std::pair{"--plain", "glsl,cg"}, {"-Werror", "all"}})
         EXPECT_EQ(compile({"--material", "two.krs", mode, "--light", "k=redLight", "--light", "f=redLight", "--target",
-                           "all", "-o", "x", "--validate"})
+                           targets, "-o", "x", "--validate"})
                       .err,
                   "");
 }

@@ -123,6 +123,8 @@ TEST(LargeSources, OfTwoGigabytesAreRefusedUnread)
         EXPECT_EQ(outcome.status, 2) << command;
         EXPECT_EQ(outcome.err, std::string("krslc: error: cannot read 'x.krs': it has more than ") + limit + " MB\n");
     }
+    EXPECT_EQ(place.krslc({"tokens", "/dev/zero"}).err,
+              "krslc: error: cannot read '/dev/zero': it has more than 256 MB\n");
 }
 
 TEST(Sources, ThatCannotBeOpenedGetTheReason)

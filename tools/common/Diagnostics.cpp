@@ -1,7 +1,13 @@
 #include <common/Diagnostics.h>
 
+#include <common/PrintedMessage.h>
+
+#include <krender/frontend/Module.h>
+
 #include <algorithm>
 #include <cstdio>
+#include <string>
+#include <string_view>
 
 using krFrontend::Diagnostic;
 using krFrontend::DiagnosticFix;
@@ -67,9 +73,14 @@ void print(const SourceSet& sources, const Diagnostic& diagnostic)
     message.name = name;
     print(message);
     for (const DiagnosticNote& note : diagnostic.notes)
-        print(messageAt(sources, note.range, MessageKind::Note, note.text));
+        print(sources, note);
     for (const DiagnosticFix& fix : diagnostic.fixes)
         print(messageAt(sources, fix.range, MessageKind::Fix, describe(sources, fix)));
+}
+
+void print(const SourceSet& sources, const DiagnosticNote& note)
+{
+    print(messageAt(sources, note.range, MessageKind::Note, note.text));
 }
 
 void printHidden(const krFrontend::Module& module)

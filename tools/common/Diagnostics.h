@@ -1,10 +1,9 @@
 #pragma once
-#include <common/PrintedMessage.h>
-
+#include <krender/frontend/Diagnostic.h>
 #include <krender/frontend/Module.h>
+#include <krender/frontend/SourceSet.h>
 
 #include <cstddef>
-#include <string>
 
 namespace krTools
 {
@@ -14,6 +13,8 @@ namespace krTools
 
 /// Prints a diagnostic on standard error.
 void print(const krFrontend::SourceSet& sources, const krFrontend::Diagnostic& diagnostic);
+/// Prints a note on standard error.
+void print(const krFrontend::SourceSet& sources, const krFrontend::DiagnosticNote& note);
 /// Prints on standard error how many errors of a module are not shown, if there are any.
 void printHidden(const krFrontend::Module& module);
 

@@ -1,13 +1,21 @@
 #include <common/MaterialCompiler.h>
 
 #include <common/DataFiles.h>
+#include <common/Findings.h>
 #include <common/PlainReading.h>
+#include <common/PrintedMessage.h>
+#include <common/Source.h>
 
-#include <krender/frontend/NearNames.h>
+#include <krender/frontend/Interface.h>
+#include <krender/platform/String.h>
+#include <krender/shadergen/FragmentExtras.h>
+#include <krender/shadergen/LightSpec.h>
+#include <krender/shading/ShadingAttribute.h>
+#include <krender/shading/ShadingNodeSpec.h>
 
 #include <algorithm>
 #include <map>
-#include <optional>
+#include <string_view>
 #include <utility>
 
 using krFrontend::Module;
@@ -56,18 +64,49 @@ private:
         if (fMessages.errorCount() != errorsBefore)
             return {};
 
+        return compileTargets(request);
+    }
+
+    using Problems = std::vector<krFrontend::ProgramDiagnostic>;
+
+    std::vector<CompiledProgram> compileTargets(const krFrontend::ProgramRequest& request)
+    {
         std::vector<CompiledProgram> programs;
-        std::vector<krFrontend::ProgramDiagnostic> problems;
-        for (const Target* target : fOptions.targets)
-            if (std::optional<krFrontend::Program> program = compileProgram(request, *target, problems))
-                programs.push_back({target, request.material, std::move(*program)});
-        // What is wrong for several targets is reported once.
-        for (auto problem = problems.begin(); problem != problems.end(); ++problem)
-            if (std::none_of(problems.begin(), problem,
-                             [problem](const krFrontend::ProgramDiagnostic& before)
-                             { return before.diagnostic.text == problem->diagnostic.text; }))
-                fMessages.add(problem->module->sources(), problem->diagnostic);
+        TargetTranslator translator;
+        Problems problems;
+        std::vector<std::pair<const Target*, Problems>> leftOut;
+        for (const TargetChoice& choice : fOptions.targets)
+        {
+            Problems own;
+            std::optional<krFrontend::Program> program = compileProgram(request, *choice.target, own);
+            const bool isLeftOut = !program && !choice.isNamed;
+            std::optional<krTargets::Translation> translation;
+            if (program && choice.target->isTranslated)
+                translation = translator.translate(*choice.target, *program, own);
+            if (program && translation.has_value() == choice.target->isTranslated)
+                programs.push_back({choice.target, request.material, std::move(*program), std::move(translation)});
+            if (isLeftOut)
+                leftOut.emplace_back(choice.target, std::move(own));
+            else
+                problems.insert(problems.end(), own.begin(), own.end());
+        }
+        if (programs.empty() && problems.empty())
+            for (const auto& [target, own] : leftOut)
+                problems.insert(problems.end(), own.begin(), own.end());
+        else
+            noteLeftOut(leftOut);
+        fMessages.add(problems);
         return programs;
+    }
+
+    void noteLeftOut(const std::vector<std::pair<const Target*, Problems>>& leftOut)
+    {
+        for (const auto& [target, problems] : leftOut)
+            for (krFrontend::ProgramDiagnostic problem : problems)
+            {
+                problem.diagnostic.text.insert(0, std::string(target->name) + " is left out: ");
+                fMessages.note(problem.module->sources(), problem.diagnostic);
+            }
     }
 
     Module read(const std::string& path)
@@ -159,7 +198,7 @@ private:
                 }
 
         std::vector<CompiledProgram> programs;
-        for (const Target* target : fOptions.targets)
+        for (const auto& [target, isNamed] : fOptions.targets)
         {
             if (fMessages.errorCount() != errorsBefore)
                 return {};
@@ -237,10 +276,19 @@ private:
         for (const krShadingDag::ShadingAttribute& input : spec.inputs())
         {
             const std::string name(input.name().view());
+            const auto describe = [&](auto& described)
+            {
+                described.programName = light + name;
+                described.name = name;
+                described.type = input.dataType();
+            };
             if (input.range() == krShadingDag::kUniformRange)
-                interface.uniforms.push_back({light + name, name, light, input.dataType(), {}, {}, nullptr, {}});
+            {
+                describe(interface.uniforms.emplace_back());
+                interface.uniforms.back().light = light;
+            }
             else if (light.empty() && input.range() == krShadingDag::kVertexRange)
-                interface.vertexInputs.push_back({name, name, input.dataType(), -1, {}});
+                describe(interface.vertexInputs.emplace_back());
         }
     }
 

@@ -1,9 +1,12 @@
 #pragma once
 #include <common/Messages.h>
 #include <common/SourceNames.h>
+#include <common/Targets.h>
 
+#include <krender/frontend/Module.h>
 #include <krender/frontend/NearNames.h>
 #include <krender/frontend/Program.h>
+#include <krender/frontend/SourceSet.h>
 #include <krender/shadergen/Target.h>
 
 #include <memory>
@@ -21,8 +24,8 @@ struct CompilerOptions
     std::vector<std::string> libraries;           ///< the files that lights are looked for in, in order
     std::vector<std::string> includeFolders;      ///< after the folder of the including file
     std::optional<std::vector<LightName>> lights; ///< nothing: illuminance blocks stay as they are
-    std::vector<const Target*> targets;
-    krFrontend::SourceReader* reader = nullptr; ///< of included files, borrowed; null reads files
+    std::vector<TargetChoice> targets;            ///< in the order in which they are written
+    krFrontend::SourceReader* reader = nullptr;   ///< of included files, borrowed; null reads files
 };
 
 /// A material's programs for one target.
@@ -31,6 +34,11 @@ struct CompiledProgram
     const Target* target;
     std::string material;
     krFrontend::Program program; ///< without origins, defaults and metadata where the source was read as plain KRSL
+    /// What stands for the program's texts where the target is translated; else nothing.
+    std::optional<krTargets::Translation> translation = {};
+
+    [[nodiscard]] const std::string& vertex() const { return translation ? translation->vertex : program.vertex; }
+    [[nodiscard]] const std::string& fragment() const { return translation ? translation->fragment : program.fragment; }
 };
 
 /// The libraries of a standard library and further ones. Without a name the standard library is the one that comes with
@@ -55,7 +63,8 @@ public:
     virtual ~MaterialCompiler() = default;
 
     /// Compiles a material for all targets. Throws a FileError.
-    /// @return  one for each target, valid until the next call; none when there is an error
+    /// @return  one for each target but those that "all" stands for and that cannot be, valid until the next call; none
+    ///          when there is an error
     [[nodiscard]] std::vector<CompiledProgram> compile(const MaterialName& name);
 
     /// The files that were read, in order, each once.

@@ -4,10 +4,12 @@
 
 #include <krender/frontend/Diagnostic.h>
 #include <krender/frontend/Module.h>
+#include <krender/frontend/Program.h>
 #include <krender/frontend/SourceSet.h>
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace krTools
 {
@@ -28,6 +30,12 @@ public:
     virtual void add(const Source& source, Findings findings) = 0;
     /// Takes an error that has no place in a source.
     virtual void error(const std::string& text) = 0;
+    /// Takes something that is neither wrong nor suspicious.
+    virtual void note(const krFrontend::SourceSet& sources, const krFrontend::Diagnostic& diagnostic) = 0;
+    virtual void note(const std::string& text) = 0;
+
+    /// Takes what was found while programs were made, once where several targets have it in common.
+    void add(const std::vector<krFrontend::ProgramDiagnostic>& problems);
 
     [[nodiscard]] std::size_t errorCount() const noexcept { return fErrorCount; }
 

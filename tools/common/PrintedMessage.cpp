@@ -131,6 +131,14 @@ Colours coloursOf(const KindStyle& style)
     return wantsColour ? Colours{style.colour, "\033[1m", "\033[0m"} : Colours{"", "", ""};
 }
 
+void printWithoutPlace(MessageKind kind, std::string_view program, std::string_view text)
+{
+    const KindStyle& style = styleOf(kind);
+    const auto [kindColour, bold, plain] = coloursOf(style);
+    const std::string shown = std::string(program) + ": " + kindColour + style.word + plain + printable(text) + '\n';
+    std::fputs(shown.c_str(), stderr);
+}
+
 } // namespace
 
 void print(const PrintedMessage& message)
@@ -150,11 +158,10 @@ void print(const PrintedMessage& message)
 
 void printError(std::string_view program, std::string_view text)
 {
-    const KindStyle& style = styleOf(MessageKind::Error);
-    const auto [kindColour, bold, plain] = coloursOf(style);
-    const std::string shown = std::string(program) + ": " + kindColour + style.word + plain + printable(text) + '\n';
-    std::fputs(shown.c_str(), stderr);
+    printWithoutPlace(MessageKind::Error, program, text);
 }
+
+void printNote(std::string_view program, std::string_view text) { printWithoutPlace(MessageKind::Note, program, text); }
 
 std::string printable(std::string_view text)
 {

@@ -44,6 +44,8 @@ void print(const PrintedMessage& message);
 
 /// Prints "program: error: text" on standard error, for what has no place in a source.
 void printError(std::string_view program, std::string_view text);
+/// Prints "program: note: text" likewise.
+void printNote(std::string_view program, std::string_view text);
 
 /// Makes any bytes fit to be shown: control bytes and broken UTF-8 become \xNN, and what is long is cut.
 [[nodiscard]] std::string printable(std::string_view text);

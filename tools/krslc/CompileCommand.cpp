@@ -8,7 +8,9 @@
 #include <common/ExitStatus.h>
 #include <common/MaterialCompiler.h>
 #include <common/OutputFiles.h>
+#include <common/ProgramBounds.h>
 #include <common/StagedFile.h>
+#include <common/Targets.h>
 #include <common/UsageError.h>
 
 #include <nlohmann/json.hpp>
@@ -97,13 +99,14 @@ void checkOverwriting(const krTools::OutputFiles& outputs, const std::vector<std
     }
 }
 
-krTools::CompilerOptions compilerOptions(const CompileOptions& options)
+krTools::CompilerOptions compilerOptions(const CompileOptions& options, krTools::Messages& messages)
 {
     krTools::CompilerOptions result{.asPlain = options.asPlain,
                                     .libraries = krTools::libraryFiles(options.stdlib, options.libraries),
                                     .includeFolders = options.includeFolders,
                                     .lights = std::nullopt,
                                     .targets = options.targets};
+    settleTargets(result.targets, options.asPlain, options.keepIlluminance, messages);
     if (!options.keepIlluminance)
         std::transform(options.lights.begin(), options.lights.end(), std::back_inserter(result.lights.emplace()),
                        krTools::lightName);
@@ -128,8 +131,8 @@ ProgramFiles filesOf(const CompiledProgram& compiled, const CompileOptions& opti
         std::string whole(options.withPreamble ? compiled.target->preamble : std::string_view());
         return krTools::Source(path, whole.append(text));
     };
-    return {file(compiled.program.vertex, compiled.target->vertexEnding, options.vertexFile),
-            file(compiled.program.fragment, compiled.target->fragmentEnding, options.fragmentFile)};
+    return {file(compiled.vertex(), compiled.target->vertexEnding, options.vertexFile),
+            file(compiled.fragment(), compiled.target->fragmentEnding, options.fragmentFile)};
 }
 
 /// Reports what the checker of a target found in a program. Where the front end accepted the source, the fault is
@@ -154,14 +157,9 @@ void reportFaults(const krTools::Source& program, const char* nameOnOutput, krTo
             withoutOrigin.add({finding.position, finding.severity, prefix + finding.text});
             continue;
         }
-        const krFrontend::SourceFile& file = origin.module->sources().fileAt(origin.offset);
-        const std::string_view rest = file.text().substr(origin.offset - file.begin());
-        const std::size_t indent = std::min(rest.find_first_not_of(" \t"), rest.size());
-        const std::size_t end = std::min(rest.find_first_of("\r\n"), rest.size());
         Diagnostic diagnostic;
         diagnostic.severity = finding.severity;
-        diagnostic.range.begin = origin.offset + static_cast<krFrontend::Offset>(std::min(indent, end));
-        diagnostic.range.end = origin.offset + static_cast<krFrontend::Offset>(end);
+        diagnostic.range = krFrontend::lineRange(origin);
         diagnostic.text = prefix + finding.text + ", in line " + std::to_string(line) + " of " + shown.name();
         report.add(origin.module->sources(), std::move(diagnostic));
     }
@@ -170,12 +168,21 @@ void reportFaults(const krTools::Source& program, const char* nameOnOutput, krTo
 
 void validate(const CompiledProgram& compiled, const ProgramFiles& files, const CompileOptions& options, Report& report)
 {
-    krTools::PairFindings findings = validate(*compiled.target, files.vertex, files.fragment);
+    krTools::PairFindings findings;
+    if (options.asPlain)
+    {
+        findings.vertex = findUnbounded(files.vertex);
+        findings.fragment = findUnbounded(files.fragment);
+    }
+    if (!findings.hasErrors())
+        findings = validate(*compiled.target, files.vertex, files.fragment);
     const std::string_view preamble = options.withPreamble ? compiled.target->preamble : std::string_view();
     const auto lines = static_cast<std::size_t>(std::count(preamble.begin(), preamble.end(), '\n'));
     reportFaults(files.vertex, "<vertex program>", std::move(findings.vertex), {}, lines, options.asPlain, report);
-    reportFaults(files.fragment, "<fragment program>", std::move(findings.fragment), compiled.program.fragmentOrigins,
-                 lines, options.asPlain, report);
+    // Lines of a translation came from none.
+    reportFaults(files.fragment, "<fragment program>", std::move(findings.fragment),
+                 compiled.translation ? std::vector<LineOrigin>() : compiled.program.fragmentOrigins, lines,
+                 options.asPlain, report);
     for (const std::string& error : findings.pair)
         report.error(error);
 }
@@ -218,7 +225,7 @@ bool addMaterial(const krTools::MaterialName& name, MaterialCompiler& compiler, 
                 "fragmentFile", files[i].fragment.name()
             }
         };
-        interface.update(jsonOf(programs[i].program.interface));
+        interface.update(jsonOf(programs[i]));
         outputs.interfaces.push_back(std::move(interface));
     }
     return true;
@@ -239,7 +246,7 @@ void publish(const CompileOptions& options, const MaterialCompiler& compiler, Ou
 int compileAll(const CompileOptions& options, Report& report)
 {
     int status = krTools::kDone;
-    const std::unique_ptr<MaterialCompiler> compiler = MaterialCompiler::make(compilerOptions(options), report);
+    const std::unique_ptr<MaterialCompiler> compiler = MaterialCompiler::make(compilerOptions(options, report), report);
     Outputs outputs;
     const std::size_t count = options.materials.size();
     std::size_t done = 0;

@@ -1,7 +1,7 @@
 #pragma once
 #include "WarningOptions.h"
 
-#include <krender/shadergen/Target.h>
+#include <common/Targets.h>
 
 #include <string>
 #include <vector>
@@ -12,13 +12,13 @@ struct CompileOptions
     std::string stdlib;                 ///< empty: the one that comes with krslc; "none": none
     std::vector<std::string> libraries;
     std::vector<std::string> includeFolders;
-    std::vector<std::string> lights;    ///< KEY=FUNCTION or KEY=FILE:FUNCTION
-    std::vector<const Target*> targets; ///< in the order in which they are written
-    std::string base;                   ///< of the output files' names, or "-"
-    std::string vertexFile;             ///< instead of a base
-    std::string fragmentFile;           ///< likewise
-    std::string interfaceFile;          ///< empty: none is written
-    std::string depfile;                ///< likewise
+    std::vector<std::string> lights;            ///< KEY=FUNCTION or KEY=FILE:FUNCTION
+    std::vector<krTools::TargetChoice> targets; ///< in the order in which they are written
+    std::string base;                           ///< of the output files' names, or "-"
+    std::string vertexFile;                     ///< instead of a base
+    std::string fragmentFile;                   ///< likewise
+    std::string interfaceFile;                  ///< empty: none is written
+    std::string depfile;                        ///< likewise
     WarningOptions warnings;
     bool keepIlluminance = false;
     bool withPreamble = false;

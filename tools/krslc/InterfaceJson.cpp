@@ -43,28 +43,126 @@ ordered_json jsonOf(const std::vector<MetadataItem>& metadata)
     return object;
 }
 
+/// A number, or null where it is negative.
+ordered_json numberOrNull(int number) { return number < 0 ? ordered_json() : ordered_json(number); }
+
+/// How a target's programs reach what the host gives them.
+class Addresses
+{
+public:
+    explicit Addresses(const krTools::CompiledProgram& compiled) : fBlock(compiled.program.interface.block)
+    {
+        if (compiled.translation)
+            fTranslation = &*compiled.translation;
+        const bool isFree = fTranslation && !fTranslation->uniformPrefix.empty();
+        fHasBlock = !fBlock.name.empty() && !isFree;
+        fAddressing = fTranslation ? fTranslation->addressing : krTargets::Addressing::Binding;
+    }
+
+    [[nodiscard]] std::string uniformName(const std::string& name) const
+    {
+        return fTranslation ? fTranslation->uniformPrefix + name : name;
+    }
+
+    /// Adds where a uniform stands in the block.
+    void addPlace(ordered_json& json, DataType type, int offset, int matrixStride) const
+    {
+        const bool isInBlock = fHasBlock && !isSampler(type);
+        json["offset"] = isInBlock ? numberOrNull(offset) : ordered_json();
+        json["matrixStride"] = isInBlock && matrixStride > 0 ? ordered_json(matrixStride) : ordered_json();
+    }
+
+    [[nodiscard]] ordered_json binding(int number) const
+    {
+        return fAddressing == krTargets::Addressing::Binding ? numberOrNull(number) : ordered_json();
+    }
+
+    [[nodiscard]] const krTargets::SamplerPlace* sampler(unsigned index) const
+    {
+        return fTranslation && index < fTranslation->samplers.size() ? &fTranslation->samplers[index] : nullptr;
+    }
+
+    [[nodiscard]] ordered_json location(int number) const
+    {
+        const bool hasLocations = fHasBlock && !(fTranslation && fTranslation->hasSemantics);
+        return hasLocations ? numberOrNull(number) : ordered_json();
+    }
+
+    [[nodiscard]] ordered_json texCoord(int ofRegister, int location) const
+    {
+        return numberOrNull(fTranslation && fTranslation->hasSemantics ? location : ofRegister);
+    }
+
+    [[nodiscard]] ordered_json block() const
+    {
+        if (!fHasBlock)
+            return nullptr;
+        const bool isBound = fAddressing == krTargets::Addressing::Binding;
+        const bool isIndexed = fAddressing == krTargets::Addressing::Index;
+        return {{"name", fBlock.name},
+                {"size", fBlock.size},
+                {"set", isBound ? ordered_json(0) : ordered_json()},
+                {"binding", isBound ? ordered_json(0) : ordered_json()},
+                {"index", isIndexed ? ordered_json(0) : ordered_json()}};
+    }
+
+private:
+    const krFrontend::UniformBlockInterface& fBlock;
+    const krTargets::Translation* fTranslation = nullptr; ///< null: the target's programs are krender's own
+    krTargets::Addressing fAddressing = krTargets::Addressing::Binding;
+    bool fHasBlock = false;
+};
+
 } // namespace
 
-ordered_json jsonOf(const krFrontend::ProgramInterface& interface)
+ordered_json jsonOf(const krTools::CompiledProgram& compiled)
 {
+    const krFrontend::ProgramInterface& interface = compiled.program.interface;
+    const Addresses addresses(compiled);
     ordered_json uniforms = ordered_json::array();
+    unsigned samplers = 0;
     for (const krFrontend::UniformInterface& uniform : interface.uniforms)
-        uniforms.push_back({{"programName", uniform.programName},
-                            {"name", uniform.name},
-                            {"light", uniform.light.empty() ? ordered_json() : ordered_json(uniform.light)},
-                            {"type", dataTypeName(uniform.type)},
-                            {"default", jsonOf(uniform.defaultValue)},
-                            {"metadata", jsonOf(uniform.metadata)}});
+    {
+        ordered_json& json = uniforms.emplace_back(ordered_json{
+            {"programName", isSampler(uniform.type) ? uniform.programName : addresses.uniformName(uniform.programName)},
+            {"name", uniform.name},
+            {"light", uniform.light.empty() ? ordered_json() : ordered_json(uniform.light)},
+            {"type", dataTypeName(uniform.type)},
+            {"default", jsonOf(uniform.defaultValue)},
+            {"metadata", jsonOf(uniform.metadata)}});
+        addresses.addPlace(json, uniform.type, uniform.offset, uniform.matrixStride);
+        json["binding"] = addresses.binding(uniform.binding);
+        const krTargets::SamplerPlace* place = isSampler(uniform.type) ? addresses.sampler(samplers++) : nullptr;
+        json["texture"] = place ? ordered_json(place->texture) : ordered_json();
+        json["sampler"] = place ? ordered_json(place->sampler) : ordered_json();
+    }
     ordered_json inputs = ordered_json::array();
     for (const krFrontend::VertexInputInterface& input : interface.vertexInputs)
         inputs.push_back({{"programName", input.programName},
                           {"name", input.name},
                           {"type", dataTypeName(input.type)},
-                          {"texCoord", input.texCoord < 0 ? ordered_json() : ordered_json(input.texCoord)},
+                          {"texCoord", addresses.texCoord(input.texCoord, input.location)},
+                          {"location", addresses.location(input.location)},
                           {"metadata", jsonOf(input.metadata)}});
-    return {{"uniforms", std::move(uniforms)},
+    ordered_json frameUniforms = ordered_json::array();
+    for (const krFrontend::FrameUniformInterface& uniform : interface.block.frameUniforms)
+        addresses.addPlace(
+            frameUniforms.emplace_back(ordered_json{{"programName", addresses.uniformName(uniform.programName)},
+                                                    {"type", dataTypeName(uniform.type)}}),
+            uniform.type, uniform.offset, uniform.matrixStride);
+    ordered_json frameInputs = ordered_json::array();
+    for (const krFrontend::FrameInputInterface& input : interface.block.frameInputs)
+        frameInputs.push_back({{"programName", input.programName},
+                               {"type", dataTypeName(input.type)},
+                               {"texCoord", addresses.texCoord(-1, input.location)},
+                               {"location", addresses.location(input.location)}});
+    return {{"entryPoint", compiled.translation ? compiled.translation->entryPoint : "main"},
+            {"uniforms", std::move(uniforms)},
             {"vertexInputs", std::move(inputs)},
-            {"providedValues", interface.providedValues}};
+            {"providedValues", interface.providedValues},
+            {"block", addresses.block()},
+            {"frameUniforms", std::move(frameUniforms)},
+            {"frameInputs", std::move(frameInputs)}};
 }
 
 ordered_json jsonOf(const krFrontend::SourceSet& sources, const krFrontend::ShaderInterface& shader)

@@ -1,4 +1,6 @@
 #pragma once
+#include <common/MaterialCompiler.h>
+
 #include <krender/frontend/Interface.h>
 
 #include <nlohmann/json_fwd.hpp>
@@ -6,7 +8,7 @@
 #include <string>
 
 /// What a host has to give a program, as docs/schema/krslc-program.schema.json describes it.
-[[nodiscard]] nlohmann::ordered_json jsonOf(const krFrontend::ProgramInterface& interface);
+[[nodiscard]] nlohmann::ordered_json jsonOf(const krTools::CompiledProgram& compiled);
 /// A function, material or light, as docs/schema/krslc-interface.schema.json describes it.
 [[nodiscard]] nlohmann::ordered_json jsonOf(const krFrontend::SourceSet& sources,
                                             const krFrontend::ShaderInterface& shader);

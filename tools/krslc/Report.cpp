@@ -23,6 +23,8 @@ namespace
 
 const char* severityName(Severity severity) { return severity == Severity::Error ? "error" : "warning"; }
 
+constexpr const char* kNote = "note";
+
 ordered_json jsonOf(const SourceSet& sources, SourceRange range)
 {
     const krFrontend::SourceFile& file = sources.fileAt(range.begin);
@@ -35,7 +37,7 @@ ordered_json jsonOf(const SourceSet& sources, SourceRange range)
             {"endColumn", end.column}};
 }
 
-ordered_json jsonOf(const SourceSet& sources, const Diagnostic& diagnostic)
+ordered_json jsonOf(const SourceSet& sources, const Diagnostic& diagnostic, const char* severity)
 {
     ordered_json notes = ordered_json::array();
     for (const krFrontend::DiagnosticNote& note : diagnostic.notes)
@@ -50,7 +52,7 @@ ordered_json jsonOf(const SourceSet& sources, const Diagnostic& diagnostic)
         fixes.back()["replacement"] = fix.replacement;
     }
     ordered_json json = jsonOf(sources, diagnostic.range);
-    json["severity"] = severityName(diagnostic.severity);
+    json["severity"] = severity;
     json["name"] = diagnostic.name.empty() ? ordered_json() : ordered_json(diagnostic.name);
     json["message"] = diagnostic.text;
     json["notes"] = std::move(notes);
@@ -59,15 +61,15 @@ ordered_json jsonOf(const SourceSet& sources, const Diagnostic& diagnostic)
 }
 
 /// A message of something else than the front end, which has neither a name nor a range.
-ordered_json jsonOf(const ordered_json& file, const ordered_json& line, const ordered_json& column, Severity severity,
-                    const std::string& text)
+ordered_json jsonOf(const ordered_json& file, const ordered_json& line, const ordered_json& column,
+                    const char* severity, const std::string& text)
 {
     return {{"file", file},
             {"line", line},
             {"column", column},
             {"endLine", line},
             {"endColumn", column},
-            {"severity", severityName(severity)},
+            {"severity", severity},
             {"name", nullptr},
             {"message", text},
             {"notes", ordered_json::array()},
@@ -112,7 +114,7 @@ void Report::add(const SourceSet& sources, Diagnostic diagnostic)
     fErrorCount += diagnostic.severity == Severity::Error ? 1 : 0;
     clearProgress();
     if (fJson)
-        fJson->push_back(jsonOf(sources, diagnostic));
+        fJson->push_back(jsonOf(sources, diagnostic, severityName(diagnostic.severity)));
     else
         krTools::print(sources, diagnostic);
 }
@@ -127,7 +129,7 @@ void Report::add(const krTools::Source& source, krTools::Findings findings)
     for (const krTools::Finding& finding : findings.kept())
     {
         const krTools::Source::Place place = source.place(finding.position);
-        fJson->push_back(jsonOf(source.name(), place.line, place.column, finding.severity, finding.text));
+        fJson->push_back(jsonOf(source.name(), place.line, place.column, severityName(finding.severity), finding.text));
     }
 }
 
@@ -136,9 +138,27 @@ void Report::error(const std::string& text)
     ++fErrorCount;
     clearProgress();
     if (fJson)
-        fJson->push_back(jsonOf(nullptr, nullptr, nullptr, Severity::Error, text));
+        fJson->push_back(jsonOf(nullptr, nullptr, nullptr, severityName(Severity::Error), text));
     else
         krTools::printError("krslc", text);
+}
+
+void Report::note(const SourceSet& sources, const Diagnostic& diagnostic)
+{
+    clearProgress();
+    if (fJson)
+        fJson->push_back(jsonOf(sources, diagnostic, kNote));
+    else
+        krTools::print(sources, krFrontend::DiagnosticNote{diagnostic.range, diagnostic.text});
+}
+
+void Report::note(const std::string& text)
+{
+    clearProgress();
+    if (fJson)
+        fJson->push_back(jsonOf(nullptr, nullptr, nullptr, kNote, text));
+    else
+        krTools::printNote("krslc", text);
 }
 
 void Report::showProgress(const std::string& text)

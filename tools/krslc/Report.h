@@ -20,6 +20,9 @@ public:
     void add(const krFrontend::SourceSet& sources, krFrontend::Diagnostic diagnostic) override;
     void add(const krTools::Source& source, krTools::Findings findings) override;
     void error(const std::string& text) override;
+    void note(const krFrontend::SourceSet& sources, const krFrontend::Diagnostic& diagnostic) override;
+    void note(const std::string& text) override;
+    using Messages::add;
 
     /// Shows on a terminal what is being done; the next message takes its place.
     void showProgress(const std::string& text);

@@ -3,7 +3,6 @@
 #include "Report.h"
 
 #include <common/ExitStatus.h>
-#include <common/ProgramBounds.h>
 #include <common/StandardOutput.h>
 #include <validation/CgValidator.h>
 #include <validation/GlslValidator.h>
@@ -27,19 +26,6 @@ using nlohmann::ordered_json;
 namespace
 {
 
-struct Validator
-{
-    TargetLanguage language;
-    const char* name;
-    krTools::PairFindings (*validate)(const krTools::Source& vertex, const krTools::Source& fragment);
-};
-
-constexpr std::array<Validator, kTargetLanguageCount> kValidators{{
-    {TargetLanguage::Glsl120, "GLSL", krTools::validateGlsl},
-    {TargetLanguage::Cg, "Cg", krTools::validateCg},
-}};
-static_assert(kValidators.back().language == static_cast<TargetLanguage>(kTargetLanguageCount - 1));
-
 /// The bytes of a program past which its checker would take too long.
 constexpr std::size_t kMostBytes = std::size_t{1} << 20;
 
@@ -60,8 +46,8 @@ void addFindings(const ordered_json& answer, krTools::Findings& findings)
     findings.countMore(answer["notKept"]);
 }
 
-[[noreturn]] void checkInChild(const Validator& validator, const krTools::Source& vertex,
-                               const krTools::Source& fragment, int output)
+[[noreturn]] void checkInChild(const Target& target, const krTools::Source& vertex, const krTools::Source& fragment,
+                               int output)
 {
     constexpr rlim_t kMaxSeconds = 60;
     const rlimit seconds{kMaxSeconds, kMaxSeconds};
@@ -73,7 +59,9 @@ void addFindings(const ordered_json& answer, krTools::Findings& findings)
     std::signal(SIGSEGV, SIG_DFL);
     try
     {
-        const krTools::PairFindings findings = validator.validate(vertex, fragment);
+        const krTools::PairFindings findings = target.language == TargetLanguage::Cg
+                                                   ? krTools::validateCg(vertex, fragment)
+                                                   : krTools::validateGlsl(target, vertex, fragment);
         const ordered_json answer{
             {"vertex", jsonOf(findings.vertex)}, {"fragment", jsonOf(findings.fragment)}, {"pair", findings.pair}};
         ::_exit(krTools::writeAll(output, textOf(answer)) == 0 ? krTools::kDone : krTools::kInputHasErrors);
@@ -97,24 +85,21 @@ std::string readAll(int input)
 
 krTools::PairFindings validate(const Target& target, const krTools::Source& vertex, const krTools::Source& fragment)
 {
-    const Validator& validator = kValidators[static_cast<std::size_t>(target.language)];
     krTools::PairFindings findings;
+    if (target.language != TargetLanguage::Cg && !krTools::canValidateGlsl(target))
+        return findings;
     if (vertex.size() > kMostBytes || fragment.size() > kMostBytes)
     {
         findings.pair.emplace_back("a program of more than 1 MB is not checked");
         return findings;
     }
-    findings.vertex = findUnbounded(vertex);
-    findings.fragment = findUnbounded(fragment);
-    if (findings.hasErrors())
-        return findings;
     // The checkers call themselves for each level of nesting and each term of a sum, so that a long program could take
     // krslc's whole stack: a process of its own may end as it likes.
     std::array<int, 2> pipe{};
     const bool hasPipe = ::pipe(pipe.data()) == 0;
     const pid_t child = hasPipe ? ::fork() : -1;
     if (child == 0)
-        checkInChild(validator, vertex, fragment, pipe[1]);
+        checkInChild(target, vertex, fragment, pipe[1]);
     const int error = errno;
     std::string answer;
     if (hasPipe)
@@ -130,7 +115,7 @@ krTools::PairFindings validate(const Target& target, const krTools::Source& vert
         throw std::bad_alloc();
     if (!WIFEXITED(status) || WEXITSTATUS(status) != krTools::kDone)
     {
-        findings.pair.push_back(std::string("the checker of ") + validator.name +
+        findings.pair.push_back(std::string("the checker of ") + std::string(target.name) +
                                 " programs broke down: the material's code nests too deeply or is too long for it");
         return findings;
     }

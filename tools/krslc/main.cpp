@@ -8,6 +8,7 @@
 #include <common/ExitStatus.h>
 #include <common/PrintedMessage.h>
 #include <common/StandardOutput.h>
+#include <common/Targets.h>
 #include <common/UsageError.h>
 
 #include <krender/shadergen/Target.h>
@@ -26,35 +27,14 @@ namespace
 /// What is left to do once the command line is understood.
 using Command = std::function<int()>;
 
-/// The targets of a list such as "glsl,cg"; "all" stands for all of them.
-std::vector<const Target*> targetsOf(const std::string& list)
+/// The files that a pair of programs makes, for each target.
+std::string endings()
 {
-    std::vector<const Target*> found;
-    const auto add = [&found](const Target& target)
-    {
-        if (std::find(found.begin(), found.end(), &target) == found.end())
-            found.push_back(&target);
-    };
-    std::vector<std::string> names;
+    std::string text;
     for (const Target& target : targets())
-        names.emplace_back(target.name);
-    for (std::size_t begin = 0, end = 0; end <= list.size(); begin = end + 1)
-    {
-        end = std::min(list.find(',', begin), list.size());
-        const std::string name = list.substr(begin, end - begin);
-        const Target* const target = findTarget(name);
-        if (name == "all")
-            for (const Target& each : targets())
-                add(each);
-        else if (target)
-            add(*target);
-        else
-            throw krTools::UsageError("there is no target " + krTools::inQuotes(name) + ": there are " +
-                                      CLI::detail::join(names, ", ") + " and all");
-        if (end == list.size())
-            break;
-    }
-    return found;
+        text += std::string(text.empty() ? "" : ", ") + std::string(target.name) + " BASE" +
+                std::string(target.vertexEnding) + " and BASE" + std::string(target.fragmentEnding);
+    return text;
 }
 
 /// What compile and check share: where sources come from, how they are read, and what is reported.
@@ -91,7 +71,7 @@ void addCompile(CLI::App& app, Command& command)
     struct Arguments : ReadArguments
     {
         CompileOptions options;
-        std::string target = "glsl";
+        std::vector<std::string> targets;
         std::string preamble = "none";
     };
     const auto arguments = std::make_shared<Arguments>();
@@ -113,13 +93,16 @@ void addCompile(CLI::App& app, Command& command)
         ->type_name("KEY=[FILE:]FUNCTION")
         ->allow_extra_args(false);
     compileApp
-        ->add_option("--target", arguments->target,
-                     "which programs to write: names between commas, or all; glsl if not given")
-        ->type_name("TARGETS");
+        ->add_option("--target", arguments->targets,
+                     "which programs to write: names between commas, may be repeated; " + krTools::targetNames() +
+                         ", or all that this build has and the material can be written for; glsl if not given")
+        ->type_name("TARGETS")
+        ->allow_extra_args(false);
     compileApp
         ->add_option("-o", options.base,
-                     "write BASE.vert and BASE.frag, for cg BASE.vert.cg and BASE.frag.cg; with a slash at its end "
-                     "BASE is a folder, and the files take the material's name; \"-\" for standard output")
+                     "write " + endings() +
+                         "; with a slash at its end BASE is a folder, and the files take the "
+                         "material's name; \"-\" for standard output")
         ->type_name("BASE");
     compileApp->add_option("--vertex", options.vertexFile, "where the vertex program goes")->type_name("FILE");
     compileApp->add_option("--fragment", options.fragmentFile, "where the fragment program goes")->type_name("FILE");
@@ -140,7 +123,10 @@ void addCompile(CLI::App& app, Command& command)
     compileApp->final_callback(
         [&command, arguments]
         {
-            arguments->options.targets = targetsOf(arguments->target);
+            for (const std::string& list : arguments->targets)
+                krTools::addTargets(list, arguments->options.targets);
+            if (arguments->targets.empty())
+                krTools::addTargets("glsl", arguments->options.targets);
             arguments->options.withPreamble = arguments->preamble == "glsl120";
             applyWarnings(*arguments, arguments->options.warnings);
             command = [arguments] { return compile(arguments->options); };

@@ -1,4 +1,5 @@
 #pragma once
+#include <chrono>
 #include <map>
 #include <string>
 #include <vector>
@@ -7,8 +8,13 @@
 class FileWatch
 {
 public:
-    /// Watches these files instead of the former ones; changes of those that are among both are not lost.
-    void watch(const std::vector<std::string>& files);
+    /// When files are about to be read; what changes from then on is a change.
+    using Moment = std::chrono::system_clock::time_point;
+    [[nodiscard]] static Moment now() { return std::chrono::system_clock::now(); }
+
+    /// Watches these files instead of the former ones. No change is lost: neither of those that were watched before, nor
+    /// of those that were first read at some time after the given moment.
+    void watch(const std::vector<std::string>& files, Moment before);
     /// Whether a file has changed, appeared or disappeared since the last call or watch().
     [[nodiscard]] bool hasChanged();
 
@@ -19,6 +25,7 @@ private:
         long long seconds = 0;
         long nanoseconds = 0;
         unsigned long node = 0;
+        Moment changed; ///< its contents or its place
         friend bool operator==(const State&, const State&) = default;
     };
 

@@ -183,7 +183,10 @@ std::unique_ptr<GlProgram> GlProgram::link(const Material& material)
     GLint ok = GL_FALSE;
     glGetProgramiv(program->fId, GL_LINK_STATUS, &ok);
     if (ok != GL_FALSE)
+    {
+        program->fUniforms.emplace(program->fId, material);
         return program;
+    }
     for (const DriverMessage& message : driverMessages(infoLog(program->fId, glGetProgramiv, glGetProgramInfoLog)))
         krTools::printError("krview", "the driver cannot link the programs: " + message.text);
     return nullptr;

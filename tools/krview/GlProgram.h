@@ -1,9 +1,11 @@
 #pragma once
+#include "GlUniforms.h"
 #include "Material.h"
 
 #include <epoxy/gl.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 /// A material's vertex and fragment programs, compiled and linked by the driver.
@@ -18,8 +20,7 @@ public:
     ~GlProgram();
 
     [[nodiscard]] GLuint id() const noexcept { return fId; }
-    /// The location of a uniform; -1 when the program does not use it, and OpenGL then ignores its value.
-    [[nodiscard]] GLint uniform(const std::string& name) const { return glGetUniformLocation(fId, name.c_str()); }
+    [[nodiscard]] GlUniforms& uniforms() noexcept { return *fUniforms; }
     /// The location of an attribute; -1 when the program does not use it.
     [[nodiscard]] GLint attribute(const std::string& name) const { return glGetAttribLocation(fId, name.c_str()); }
 
@@ -28,4 +29,5 @@ private:
     [[nodiscard]] bool attach(const Material& material, const krTools::Source& text, GLenum stage) const;
 
     GLuint fId;
+    std::optional<GlUniforms> fUniforms; ///< once it is linked
 };

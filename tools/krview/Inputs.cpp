@@ -136,47 +136,6 @@ std::vector<double> numbersOf(const InputValue& value, const ProgramInput& input
     return *numbers;
 }
 
-void setNumbers(GLint location, DataType type, const std::vector<double>& numbers)
-{
-    std::array<GLfloat, 16> floats{};
-    std::array<GLint, 16> ints{};
-    const bool areFloats = dataTypeNumFloats(type) > 0;
-    for (std::size_t i = 0; i < numbers.size(); ++i)
-        if (areFloats)
-            floats[i] = static_cast<GLfloat>(numbers[i]);
-        else
-            ints[i] = static_cast<GLint>(numbers[i]);
-    switch (type)
-    {
-    case kFloat:
-        return glUniform1fv(location, 1, floats.data());
-    case kFloat2:
-        return glUniform2fv(location, 1, floats.data());
-    case kFloat3:
-        return glUniform3fv(location, 1, floats.data());
-    case kFloat4:
-        return glUniform4fv(location, 1, floats.data());
-    case kBool:
-    case kInt:
-        return glUniform1iv(location, 1, ints.data());
-    case kInt2:
-        return glUniform2iv(location, 1, ints.data());
-    case kInt3:
-        return glUniform3iv(location, 1, ints.data());
-    case kInt4:
-        return glUniform4iv(location, 1, ints.data());
-    // Scenes give matrices row by row, and they multiply column vectors.
-    case kMatrix2:
-        return glUniformMatrix2fv(location, 1, GL_TRUE, floats.data());
-    case kMatrix3:
-        return glUniformMatrix3fv(location, 1, GL_TRUE, floats.data());
-    case kMatrix4:
-        return glUniformMatrix4fv(location, 1, GL_TRUE, floats.data());
-    default:
-        return;
-    }
-}
-
 /// Turns heights into normals. The slopes of the last row and column need neighbours, so the heights are first extended
 /// by their first row and column and the map is cut back afterwards: it then tiles without a seam.
 Ref<PixelArray2D> normalMap(const PixelArray2D& heights, float scale)
@@ -229,6 +188,9 @@ Inputs::Inputs(const Scene& scene, const Material& material, std::vector<std::st
             addUniform(input, value, files);
     }
     fAttributes.push_back({"gObjTangent", "tangent", {1, 0, 0}});
+    // OpenGL 2.1 has names of its own for these.
+    fAttributes.push_back({"kr_Vertex", "position", {}});
+    fAttributes.push_back({"kr_Normal", "normal", {}});
 }
 
 void Inputs::addUniform(const ProgramInput& input, const InputValue* value, std::vector<std::string>& files)
@@ -306,20 +268,19 @@ Ref<Texture> Inputs::texture(const ProgramInput& input, const InputValue* value,
     return Texture::upload(IHWTexture::kTexture2D, *pixels);
 }
 
-void Inputs::setUniforms(const GlProgram& program) const
+void Inputs::setUniforms(GlUniforms& uniforms) const
 {
     GLint unit = 0;
     for (const Uniform& uniform : fUniforms)
     {
-        const GLint location = program.uniform(uniform.name);
         if (!uniform.texture)
         {
-            setNumbers(location, uniform.type, uniform.numbers);
+            uniforms.set(uniform.name, uniform.type, uniform.numbers);
             continue;
         }
         glActiveTexture(static_cast<GLenum>(GL_TEXTURE0 + unit));
         uniform.texture->bind();
-        glUniform1i(location, unit++);
+        uniforms.setSampler(uniform.name, unit++);
     }
     glActiveTexture(GL_TEXTURE0);
 }

@@ -20,8 +20,8 @@ public:
     /// @param files  the picture files that are read or missing are appended
     Inputs(const Scene& scene, const Material& material, std::vector<std::string>& files);
 
-    /// Sets the uniforms of the program, which must be in use.
-    void setUniforms(const GlProgram& program) const;
+    /// Sets the uniforms of a program that is in use.
+    void setUniforms(GlUniforms& uniforms) const;
     /// Binds the attributes to the streams of a shape, which must have their device copies.
     void bindAttributes(const GlProgram& program, const Geometry& geometry) const;
     /// Disables the attributes again.

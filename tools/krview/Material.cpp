@@ -1,5 +1,7 @@
 #include "Material.h"
 
+#include "GlFeatures.h"
+
 #include <common/Diagnostics.h>
 #include <common/ProgramBounds.h>
 
@@ -7,9 +9,9 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
 #include <filesystem>
 #include <utility>
+#include <variant>
 
 using krFrontend::Diagnostic;
 using krFrontend::Module;
@@ -22,7 +24,8 @@ namespace
 /// Drivers take programs of many times the length of any that people write, but the time for it has no bound.
 constexpr std::size_t kMostDrawnBytes = std::size_t{1} << 20;
 
-const Target& glslTarget() { return *findTarget("glsl"); }
+/// What the current context draws.
+const Target& drawnTarget() { return *findTarget(hasFixedFunctions() ? "glsl" : "glsl330"); }
 
 /// Prints errors; the warnings are for whoever checks the source.
 class ErrorPrinter : public krTools::Messages
@@ -55,6 +58,9 @@ public:
         ++fErrorCount;
         krTools::printError("krview", text);
     }
+
+    void note(const krFrontend::SourceSet&, const Diagnostic&) override {}
+    void note(const std::string&) override {}
 };
 
 /// Reads included files, and notes where they were looked for.
@@ -125,20 +131,13 @@ std::vector<ProgramInput> inputsOf(const krFrontend::ProgramInterface& interface
     return inputs;
 }
 
-/// A program with what GLSL 1.20 needs ahead of it.
-krTools::Source programSource(const char* name, std::string_view program)
-{
-    return {name, std::string(glslTarget().preamble).append(program)};
-}
-
 } // namespace
 
 krFrontend::LineOrigin Material::origin(std::size_t line) const
 {
-    const std::string_view preamble = glslTarget().preamble;
-    const auto ahead = static_cast<std::size_t>(std::count(preamble.begin(), preamble.end(), '\n'));
-    return line <= ahead || line - ahead > fragmentOrigins.size() ? krFrontend::LineOrigin()
-                                                                  : fragmentOrigins[line - ahead - 1];
+    return line > preambleLines && line - preambleLines <= fragmentOrigins.size()
+               ? fragmentOrigins[line - preambleLines - 1]
+               : krFrontend::LineOrigin();
 }
 
 std::optional<Material> compileMaterial(const Scene& scene, std::vector<std::string>& files)
@@ -150,29 +149,38 @@ std::optional<Material> compileMaterial(const Scene& scene, std::vector<std::str
                                          .libraries = krTools::libraryFiles(scene.stdlib, scene.libraries),
                                          .includeFolders = scene.includeFolders,
                                          .lights = scene.lights.value_or(defaultLights()),
-                                         .targets = {&glslTarget()},
+                                         .targets = {{&drawnTarget()}},
                                          .reader = &reader},
                                         printer);
     std::vector<krTools::CompiledProgram> compiled = compiler->compile(krTools::materialName(scene.material));
     if (compiled.empty())
         return std::nullopt;
-    auto& [target, name, program] = compiled.front();
-    if (std::max(program.vertex.size(), program.fragment.size()) > kMostDrawnBytes)
+    krTools::CompiledProgram& program = compiled.front();
+    if (std::max(program.vertex().size(), program.fragment().size()) > kMostDrawnBytes)
     {
-        printer.error("a program of " + inQuotes(name) + " has more than 1 MB and is not drawn");
+        printer.error("a program of " + inQuotes(program.material) + " has more than 1 MB and is not drawn");
         return std::nullopt;
     }
-    krTools::Source vertex = programSource("<vertex program>", program.vertex);
-    krTools::Source fragment = programSource("<fragment program>", program.fragment);
-    for (const krTools::Source* source : {&vertex, &fragment})
-        printer.add(*source, findUnbounded(*source));
+    const std::string_view preamble = program.target->preamble;
+    const auto withPreamble = [preamble](const char* name, const std::string& text)
+    { return krTools::Source(name, std::string(preamble).append(text)); };
+    krTools::Source vertex = withPreamble("<vertex program>", program.vertex());
+    krTools::Source fragment = withPreamble("<fragment program>", program.fragment());
+    if (scene.plain)
+        for (const krTools::Source* source : {&vertex, &fragment})
+            printer.add(*source, findUnbounded(*source));
     if (printer.errorCount() > 0)
         return std::nullopt;
-    return Material{.name = name,
-                    .vertexProgram = std::move(vertex),
-                    .fragmentProgram = std::move(fragment),
-                    .inputs = inputsOf(program.interface),
-                    .isChecked = !scene.plain,
-                    .fragmentOrigins = std::move(program.fragmentOrigins),
-                    .compiler = std::move(compiler)};
+    Material material{.name = program.material,
+                      .vertexProgram = std::move(vertex),
+                      .fragmentProgram = std::move(fragment),
+                      .inputs = inputsOf(program.program.interface),
+                      .interface = std::move(program.program.interface),
+                      .isChecked = !scene.plain,
+                      .preambleLines = static_cast<std::size_t>(std::count(preamble.begin(), preamble.end(), '\n')),
+                      .fragmentOrigins = {},
+                      .compiler = std::move(compiler)};
+    if (!program.translation) // whose lines are others
+        material.fragmentOrigins = std::move(program.program.fragmentOrigins);
+    return material;
 }

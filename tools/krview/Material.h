@@ -24,7 +24,7 @@ struct ProgramInput
     std::optional<InputValue> defaultValue; ///< as its source gives it
 };
 
-/// A material with the lights of a scene, compiled to GLSL.
+/// A material with the lights of a scene, compiled to the GLSL of the context.
 struct Material
 {
     /// Where a line of the fragment program came from; nowhere for a line that the compiler made up, or when the
@@ -35,13 +35,16 @@ struct Material
     std::string name;
     krTools::Source vertexProgram; ///< with the preamble, like the other one
     krTools::Source fragmentProgram;
-    std::vector<ProgramInput> inputs; ///< the material's first
-    bool isChecked = false;           ///< whether the front end has checked the sources: the programs are then valid
+    std::vector<ProgramInput> inputs;       ///< the material's first
+    krFrontend::ProgramInterface interface; ///< of the programs
+    bool isChecked = false;        ///< whether the front end has checked the sources: the programs are then valid
+    std::size_t preambleLines = 0; ///< ahead of the lines of the origins
     std::vector<krFrontend::LineOrigin> fragmentOrigins;
     std::unique_ptr<krTools::MaterialCompiler> compiler; ///< holds the sources of the origins
 };
 
-/// Reads the sources of a scene and compiles them. Errors are printed. Throws a krTools::FileError.
+/// Reads the sources of a scene and compiles them for the current context. Errors are printed. Throws a
+/// krTools::FileError.
 /// @param files  the files that includes may come from are appended, whether or not they exist
 /// @return  nothing when there are errors
 [[nodiscard]] std::optional<Material> compileMaterial(const Scene& scene, std::vector<std::string>& files);

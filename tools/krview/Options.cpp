@@ -3,6 +3,7 @@
 #include "Scene.h"
 
 #include <common/CommandLine.h>
+#include <common/Targets.h>
 #include <common/UsageError.h>
 
 #include <algorithm>
@@ -83,7 +84,14 @@ std::optional<Options> readOptions(int argc, char** argv)
     app.add_flag("--stats", options.stats, "print at the end what was drawn, culled and uploaded");
     if (!krTools::readCommandLine(app, argc, argv))
         return std::nullopt;
-    options.api = api == kCoreApi ? GraphicsApi::Gl33 : GraphicsApi::Gl21;
+    if (api == kCoreApi)
+    {
+        if (!krTools::canTranslate())
+            throw krTools::UsageError("--api gl3.3: this krview was built without krender-targets");
+        if (options.plain)
+            throw krTools::UsageError("--api gl3.3 takes full KRSL, which --plain does not read");
+        options.api = GraphicsApi::Gl33;
+    }
     if (app.count("--screenshot") != 0)
     {
         checkPictureName(options.screenshot);

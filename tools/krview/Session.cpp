@@ -22,7 +22,6 @@
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <system_error>
 
@@ -48,11 +47,12 @@ public:
     {
     }
 
-    int run(const Scene& scene)
+    /// @param before  a moment before the scene's file was read
+    int run(const Scene& scene, FileWatch::Moment before)
     {
         if (!fStage.load(scene))
             return krTools::kInputHasErrors;
-        fWatch.watch(fStage.files());
+        fWatch.watch(fStage.files(), before);
         while (drawFrame())
             if (!fWindow.processEvents(waitingTime()))
                 break;
@@ -149,6 +149,7 @@ private:
 
     void reload()
     {
+        const FileWatch::Moment before = FileWatch::now();
         try
         {
             if (fStage.load(readScene(fOptions)))
@@ -166,7 +167,7 @@ private:
             krTools::printError("krview", error.what());
         }
         // Also after an error: it may stand in a file that is included for the first time.
-        fWatch.watch(fStage.files());
+        fWatch.watch(fStage.files(), before);
         fView.windowMoved();
     }
 
@@ -257,6 +258,7 @@ int showScene(const Options& options)
         throw DisplayError(name && *name ? "cannot open the display \"" + std::string(name) + "\""
                                          : std::string("there is no display: DISPLAY is not set"));
     }
+    const FileWatch::Moment before = FileWatch::now();
     const Scene scene = readScene(options);
-    return Session(options, scene).run(scene);
+    return Session(options, scene).run(scene, before);
 }

@@ -1,7 +1,7 @@
 #include "Stage.h"
 
 #include "DeviceBuffer.h"
-#include "GlMatrix.h"
+#include "GlFeatures.h"
 #include "GlProgram.h"
 #include "Material.h"
 #include "ShapeJoiner.h"
@@ -13,12 +13,22 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 #include <utility>
 
 namespace
 {
 
 constexpr double kNearest = 0.02; // the nearest front plane, as a share of the distance
+
+/// The rows of the matrix that does the same to column vectors.
+std::array<double, 16> rowsOf(const krLinear::ProjMatrix& matrix)
+{
+    std::array<double, 16> rows{};
+    for (unsigned i = 0; i < rows.size(); ++i)
+        rows[i] = matrix(i % 4, i / 4);
+    return rows;
+}
 
 } // namespace
 
@@ -109,7 +119,6 @@ void Stage::aim(View& view, double aspect)
     const double reach = fGrid->radius() + view.translation().length();
     fCamera.setPerspective(view.opening(), aspect, std::max(kNearest * distance, distance - reach), distance + reach);
     fCamera.setViewMatrix(view.viewMatrix());
-    fCamera.bind();
 }
 
 void Stage::drawBackground() const
@@ -126,21 +135,14 @@ void Stage::drawBackground() const
 
 void Stage::drawObjects()
 {
-    const auto bindPointer = [this](StreamSlot slot, auto setPointer)
-    {
-        DeviceBuffer::of(*findStream(fGeometry, kStreamKinds[slot].name)).bind();
-        setPointer();
-    };
-    bindPointer(kPositions, [] { glVertexPointer(3, GL_FLOAT, 0, nullptr); });
-    bindPointer(kNormals, [] { glNormalPointer(GL_FLOAT, 0, nullptr); });
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_NORMAL_ARRAY);
+    if (hasFixedFunctions())
+        bindFixedInputs();
     glUseProgram(fProgram->id());
-    fInputs->setUniforms(*fProgram);
+    GlUniforms& uniforms = fProgram->uniforms();
+    fInputs->setUniforms(uniforms);
     fInputs->bindAttributes(*fProgram, fGeometry);
     const krLinear::Point eye = fCamera.eye();
-    glUniform4f(fProgram->uniform("gEyePos"), static_cast<GLfloat>(eye.x), static_cast<GLfloat>(eye.y),
-                static_cast<GLfloat>(eye.z), 1);
+    uniforms.set("gEyePos", kFloat4, std::array{eye.x, eye.y, eye.z, 1.0});
 
     // Particles are sorted from back to front and blended.
     if (fFountain)
@@ -153,14 +155,8 @@ void Stage::drawObjects()
     fGrid->forEachVisible(
         [&](const krLinear::AffineMatrix& placement)
         {
-            const krLinear::ProjMatrix toWorld(placement);
-            const krLinear::ProjMatrix fromWorld(placement.inverse());
-            glPushMatrix();
-            glMultMatrixd(toWorld.elements());
-            glUniformMatrix4fv(fProgram->uniform("objToWorldMatrix"), 1, GL_FALSE, asFloats(toWorld).data());
-            glUniformMatrix4fv(fProgram->uniform("objToWorldMatrix_invtrans"), 1, GL_TRUE, asFloats(fromWorld).data());
+            place(placement);
             glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(surface.count()), GL_UNSIGNED_INT, nullptr);
-            glPopMatrix();
         });
     glDisable(GL_BLEND);
     glDepthMask(GL_TRUE);
@@ -169,6 +165,34 @@ void Stage::drawObjects()
     glBindBuffer(GL_ARRAY_BUFFER, 0);
     fInputs->unbindAttributes(*fProgram);
     glUseProgram(0);
-    glDisableClientState(GL_NORMAL_ARRAY);
-    glDisableClientState(GL_VERTEX_ARRAY);
+    if (hasFixedFunctions())
+        for (const GLenum array : {GL_NORMAL_ARRAY, GL_VERTEX_ARRAY})
+            glDisableClientState(array);
+}
+
+void Stage::bindFixedInputs() const
+{
+    DeviceBuffer::of(*findStream(fGeometry, kStreamKinds[kPositions].name)).bind();
+    glVertexPointer(3, GL_FLOAT, 0, nullptr);
+    DeviceBuffer::of(*findStream(fGeometry, kStreamKinds[kNormals].name)).bind();
+    glNormalPointer(GL_FLOAT, 0, nullptr);
+    for (const GLenum array : {GL_VERTEX_ARRAY, GL_NORMAL_ARRAY})
+        glEnableClientState(array);
+}
+
+void Stage::place(const krLinear::AffineMatrix& placement)
+{
+    const krLinear::ProjMatrix toWorld(placement);
+    const krLinear::ProjMatrix fromWorld(placement.inverse());
+    const krLinear::ProjMatrix toClip = toWorld * fCamera.worldToClip();
+    GlUniforms& uniforms = fProgram->uniforms();
+    uniforms.set("kr_ModelViewProjectionMatrix", kMatrix4, rowsOf(toClip));
+    uniforms.set("objToWorldMatrix", kMatrix4, rowsOf(toWorld));
+    // The rows of the inverse are those of the matrix for normals, whose vectors are columns.
+    uniforms.set("objToWorldMatrix_invtrans", kMatrix4, std::span(fromWorld.elements(), 16));
+    uniforms.flush();
+    if (!hasFixedFunctions())
+        return;
+    fCamera.bind();
+    glMultMatrixd(toWorld.elements());
 }

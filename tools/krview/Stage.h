@@ -46,6 +46,10 @@ private:
     void aim(View& view, double aspect);
     void drawBackground() const;
     void drawObjects();
+    /// Binds what OpenGL 2.1 has names of its own for.
+    void bindFixedInputs() const;
+    /// Sets the matrices of the program for an object.
+    void place(const krLinear::AffineMatrix& placement);
 
     Scene fScene;
     std::vector<std::string> fFiles;

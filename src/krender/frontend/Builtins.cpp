@@ -11,17 +11,19 @@ namespace krFrontend
 namespace
 {
 
-// Spellings: GLSL, Cg. An empty one is the KRSL name.
+// Spellings: GLSL 1.20, Cg, Vulkan GLSL. An empty one is the KRSL name.
 using Spellings = std::array<BuiltinSpelling, kTargetLanguageCount>;
 
 constexpr Spellings kSame{};
 
-constexpr Spellings named(std::string_view glsl, std::string_view cg) { return {{{glsl}, {cg}}}; }
+constexpr Spellings named(std::string_view glsl, std::string_view cg) { return {{{glsl}, {cg}, {glsl}}}; }
 
-constexpr Spellings cgHelper(std::string_view name, std::string_view text) { return {{{}, {name, {}, text}}}; }
+constexpr Spellings cgHelper(std::string_view name, std::string_view text) { return {{{}, {name, {}, text}, {}}}; }
 
-constexpr Spellings kSaturate{{{"clamp", ", 0.0, 1.0"}, {}}};
-constexpr Spellings kShadow1D{{{"shadow1DProj", ".x"}, {}}};
+constexpr Spellings kSaturate{{{"clamp", ", 0.0, 1.0"}, {}, {"clamp", ", 0.0, 1.0"}}};
+constexpr Spellings kTexture{{{}, {}, {"texture"}}};
+constexpr Spellings kTextureProj{{{}, {}, {"textureProj"}}};
+constexpr Spellings kShadow1D{{{"shadow1DProj", ".x"}, {}, {"textureProj"}}};
 constexpr Spellings kMod = cgHelper("kr_mod", R"(T kr_mod(T x, T y)
 {
 	return x - y * floor(x / y);
@@ -128,22 +130,22 @@ constexpr std::array kBuiltins{
     Builtin{"rsqrt", "T:T", named("inversesqrt", "rsqrt")},
     Builtin{"saturate", "T:T", kSaturate},
     Builtin{"shadow1DProj", "f:S4", kShadow1D},
-    Builtin{"shadow2DProj", "f:W4", kSame},
+    Builtin{"shadow2DProj", "f:W4", kTextureProj},
     Builtin{"sign", "T:T", kSame},
     Builtin{"sin", "T:T", kSame},
     Builtin{"smoothstep", "T:TTT", kSame, kSpreads, 0b011},
     Builtin{"sqrt", "T:T", kSame},
     Builtin{"step", "T:TT", kSame, kSpreads, 0b01},
     Builtin{"tan", "T:T", kSame},
-    Builtin{"texture1D", "4:Af", kSame},
-    Builtin{"texture1DProj", "4:A2", kSame},
-    Builtin{"texture1DProj", "4:A4", kSame},
-    Builtin{"texture2D", "4:D2", kSame},
-    Builtin{"texture2DProj", "4:D3", kSame},
-    Builtin{"texture2DProj", "4:D4", kSame},
-    Builtin{"texture3D", "4:E3", kSame},
-    Builtin{"texture3DProj", "4:E4", kSame},
-    Builtin{"textureCube", "4:C3", kSame},
+    Builtin{"texture1D", "4:Af", kTexture},
+    Builtin{"texture1DProj", "4:A2", kTextureProj},
+    Builtin{"texture1DProj", "4:A4", kTextureProj},
+    Builtin{"texture2D", "4:D2", kTexture},
+    Builtin{"texture2DProj", "4:D3", kTextureProj},
+    Builtin{"texture2DProj", "4:D4", kTextureProj},
+    Builtin{"texture3D", "4:E3", kTexture},
+    Builtin{"texture3DProj", "4:E4", kTextureProj},
+    Builtin{"textureCube", "4:C3", kTexture},
     Builtin{"transpose", "M:M", kSame},
 };
 static_assert(std::is_sorted(kBuiltins.begin(), kBuiltins.end(),
@@ -161,15 +163,11 @@ std::span<const Builtin> findBuiltins(std::string_view name) noexcept
     return {first, last};
 }
 
-bool isBuiltinWord(std::string_view word) noexcept
+bool isBuiltinWord(std::string_view word, TargetLanguage language) noexcept
 {
     return std::any_of(kBuiltins.begin(), kBuiltins.end(),
-                       [word](const Builtin& row)
-                       {
-                           return row.name == word ||
-                                  std::any_of(row.spellings.begin(), row.spellings.end(),
-                                              [word](const BuiltinSpelling& s) { return s.name == word; });
-                       });
+                       [word, language](const Builtin& row)
+                       { return row.name == word || row.spellings[static_cast<unsigned>(language)].name == word; });
 }
 
 Type signatureType(char letter, unsigned size) noexcept

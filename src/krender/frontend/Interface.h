@@ -74,6 +74,12 @@ struct UniformInterface
     std::vector<MetadataItem> metadata;
     const Module* module = nullptr; ///< that declares it
     SourceRange range;              ///< of the name in that module
+    /// The byte of the uniform block at which it begins; -1: it stands in none.
+    int offset = -1;
+    /// Of a matrix in a block: the bytes from one column to the next; else 0.
+    int matrixStride = 0;
+    /// Of a sampler of a program with a block: its binding; else -1.
+    int binding = -1;
 };
 
 struct VertexInputInterface
@@ -83,7 +89,36 @@ struct VertexInputInterface
     DataType type = kInvalidType;
     /// The register that brings it, where the target has registers: n is TEXCOORDn; -1 elsewhere.
     int texCoord = -1;
+    /// The location that brings it, where the target has locations; -1 elsewhere.
+    int location = -1;
     std::vector<MetadataItem> metadata;
+};
+
+/// A member of the uniform block that every program has.
+struct FrameUniformInterface
+{
+    std::string programName;
+    DataType type = kInvalidType;
+    int offset = 0;
+    int matrixStride = 0;
+};
+
+/// A vertex input that every program has.
+struct FrameInputInterface
+{
+    std::string programName;
+    DataType type = kInvalidType;
+    int location = 0;
+};
+
+/// The uniform block of a program in Vulkan GLSL, and of what is translated from it: set 0, binding 0, laid out as
+/// std140 says. A bool is an int of 0 or 1 there.
+struct UniformBlockInterface
+{
+    std::string name; ///< empty: the target has no block
+    int size = 0;     ///< in bytes, a multiple of 16
+    std::vector<FrameUniformInterface> frameUniforms;
+    std::vector<FrameInputInterface> frameInputs;
 };
 
 /// What a host has to give a program.
@@ -92,6 +127,7 @@ struct ProgramInterface
     std::vector<UniformInterface> uniforms;
     std::vector<VertexInputInterface> vertexInputs;
     std::vector<std::string> providedValues; ///< of gWorldPos, gWorldNormal, gWorldTangent and gEyePos, those in use
+    UniformBlockInterface block;
 };
 
 } // namespace krFrontend

@@ -62,13 +62,6 @@ void capture(std::vector<Captured>& captured, const Symbol& symbol, bool isChang
         known->isChanged |= isChanged;
 }
 
-const Symbol& rootOf(const Expr* target)
-{
-    while (target->kind == ExprKind::Index || target->kind == ExprKind::Swizzle)
-        target = target->first;
-    return *target->symbol;
-}
-
 } // namespace
 
 const Expr& withoutSwizzles(const Expr& expr) noexcept
@@ -91,17 +84,9 @@ std::string Lowering::outlineChoice(Expr* expr)
          {
              if (e->kind == ExprKind::Variable)
                  capture(captured, *e->symbol, false);
-             const bool steps = e->op == TokenKind::PlusPlus || e->op == TokenKind::MinusMinus;
-             if (e->kind == ExprKind::Assign || ((e->kind == ExprKind::Unary || e->kind == ExprKind::Postfix) && steps))
-                 capture(captured, rootOf(e->first), true);
-             if (e->kind != ExprKind::Call || e->isBuiltin)
-                 return;
-             provided |= e->function->provided;
-             const Expr* value = e->first;
-             for (const Symbol* argument = e->function->arguments; argument;
-                  argument = argument->next, value = value->next)
-                 if (argument->kind != SymbolKind::Input)
-                     capture(captured, rootOf(value), true);
+             forEachChanged(*e, [&](const Symbol& symbol) { capture(captured, symbol, true); });
+             if (e->kind == ExprKind::Call && !e->isBuiltin)
+                 provided |= e->function->provided;
          });
     for (const Captured& c : captured)
         if (c.symbol->kind == SymbolKind::Provided && c.symbol->provided < kPassedValues)

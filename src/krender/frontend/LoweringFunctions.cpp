@@ -112,7 +112,7 @@ const std::string& ProgramFunctions::nameOf(const Function& function, const Modu
         return place->second;
     // A function that replaces a built-in has another name in the program: whether a target allows that differs.
     const std::string_view name = module.store.names.text(function.name);
-    place->second = isBuiltinWord(name) ? fNames.invent(name) : fNames.claim(name);
+    place->second = isBuiltinWord(name, fTarget.language) ? fNames.invent(name) : fNames.claim(name);
     fUsed.insert(place->second);
     return place->second;
 }
@@ -350,7 +350,7 @@ LoweredShader Lowering::lowerMaterial(const Function& material, const ShadingNam
     LoweredShader lowered;
     lowerHeader(material, lowered);
     nameLocals(material, names.hiding);
-    fReturnText = isCg() ? "return outRGBA;" : "{ gl_FragColor = outRGBA; return; }";
+    fReturnText = fProgram.target().earlyResult;
     lowerShaderBody(material, lowered);
     return lowered;
 }

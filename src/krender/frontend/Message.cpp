@@ -127,6 +127,8 @@ constexpr std::array kRows{
     Row{Message::NoInterpolant,
         {"no-interpolant", kError,
          "there is no room left for '%1': %2 carries %3 registers of four components from the vertex to the pixel"}},
+    Row{Message::NoUniformRoom, {"no-uniform-room", kError, "there is no room left for '%1': %2 takes %3"}},
+    Row{Message::TargetLacks, {"target-lacks", kError, "%1 cannot do this: %2"}},
     Row{Message::ProgramTooLarge, {"large-program", kError, "the program of '%1' would have more than %2 MB"}},
     Row{Message::PlainReadsOther,
         {"plain", kWarning, "a host that uses ShadingParser reads this otherwise: it finds '%1'"}},

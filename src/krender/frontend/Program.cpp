@@ -1,15 +1,19 @@
 #include <krender/frontend/Program.h>
 
+#include "krender/frontend/private/BlockLayout.h"
 #include "krender/frontend/private/DiagnosticList.h"
 #include "krender/frontend/private/InterfaceParts.h"
+#include "krender/frontend/private/LineDirectives.h"
 #include "krender/frontend/private/Lowering.h"
 #include "krender/frontend/private/Message.h"
 #include "krender/frontend/private/ModuleContents.h"
 #include "krender/frontend/private/NameTable.h"
 #include "krender/frontend/private/ProgramNames.h"
 #include "krender/frontend/private/Provided.h"
+#include "krender/frontend/private/ShaderWalk.h"
 #include "krender/frontend/private/Syntax.h"
 #include "krender/frontend/private/SyntaxReader.h"
+#include "krender/frontend/private/TargetLimits.h"
 #include "krender/frontend/private/Type.h"
 #include <krender/frontend/Interface.h>
 #include <krender/frontend/Module.h>
@@ -17,7 +21,6 @@
 #include <krender/frontend/SourceSet.h>
 #include <krender/platform/String.h>
 #include <krender/shadergen/FragmentExtras.h>
-#include <krender/shadergen/InterpolantBank.h>
 #include <krender/shadergen/LightSpec.h>
 #include <krender/shadergen/Target.h>
 #include <krender/shading/ShadingAttribute.h>
@@ -49,7 +52,7 @@ public:
     {
         if (!findShaders())
             return std::nullopt;
-        checkRegisters();
+        checkLimits();
         if (fFailed)
             return std::nullopt;
         nameAll();
@@ -120,40 +123,20 @@ private:
         return !fFailed;
     }
 
-    /// What a target has no register for is an error at the input that comes too late.
-    void checkRegisters()
+    void checkLimits()
     {
-        if (fTarget.interpolants == 0)
-            return;
-        InterpolantBank bank(fTarget.interpolants, true);
-        unsigned count = 0;
-        forEachCarried(
-            [&](const Symbol& input)
-            {
-                bool ok = false;
-                (void)bank.allocateInterpolant(input.type.size, ok, nullptr, nullptr);
-                ++count;
-                if (!ok)
-                    report(*fRequest.module, Message::NoInterpolant, input.range,
-                           {text(*fRequest.module, input.name), fTarget.name, std::to_string(fTarget.interpolants)});
-                else if (count > fTarget.vertexInputs)
-                    report(*fRequest.module, Message::NoVertexRegister, input.range,
-                           {text(*fRequest.module, input.name), fTarget.name, std::to_string(fTarget.vertexInputs)});
-            });
+        std::vector<ShaderUse> shaders{{fRequest.module, fMaterial}};
+        for (const Light& light : fLights)
+            shaders.push_back({light.use->module, light.function});
+        TargetLimits(fTarget,
+                     [this](const Module& module, Message message, SourceRange range,
+                            std::initializer_list<std::string_view> words) { report(module, message, range, words); })
+            .check(shaders);
     }
 
     [[nodiscard]] static std::string_view text(const Module& module, Name name)
     {
         return module.contents().store.names.text(name);
-    }
-
-    template <class Visitor>
-    void forEachCarried(Visitor visit) const
-    {
-        for (const Symbol* input = fMaterial->arguments; input; input = input->next)
-            if (input->kind == SymbolKind::Input && input->frequencies == krShadingDag::kVertexRange &&
-                !isProvidedName(text(*fRequest.module, input->name)))
-                visit(*input);
     }
 
     [[nodiscard]] Lowering& loweringOf(const Module& module)
@@ -247,16 +230,16 @@ private:
         krString::CString vertex;
         krString::CString fragment;
         fTarget.compile(*fLowered.spec, fRequest.keepIlluminance ? nullptr : &lights, extras, vertex, fragment);
-        if (extras.isTooLarge)
-        {
-            report(*fRequest.module, Message::ProgramTooLarge, fMaterial->range,
-                   {text(*fRequest.module, fMaterial->name), std::to_string(kMostProgramBytes >> 20)});
-            return false;
-        }
         program.vertex = vertex.view();
         program.fragment = fragment.view();
         trace(extras, program);
-        return true;
+        if (fTarget.language == TargetLanguage::VulkanGlsl)
+            addLineDirectives(program);
+        if (!extras.isTooLarge && program.fragment.size() <= kMostProgramBytes)
+            return true;
+        report(*fRequest.module, Message::ProgramTooLarge, fMaterial->range,
+               {text(*fRequest.module, fMaterial->name), std::to_string(kMostProgramBytes >> 20)});
+        return false;
     }
 
     [[nodiscard]] const Module* moduleOf(const TextOrigin& origin) const
@@ -315,39 +298,44 @@ private:
         for (const Light& light : fLights)
             describeUniforms(interface, *light.use->module, *light.function, light.use->key, light.key);
         Lowering& lowering = *fLowerings.at(fRequest.module);
-        forEachCarried(
-            [&](const Symbol& input)
-            {
-                VertexInputInterface& described = interface.vertexInputs.emplace_back();
-                described.name = text(*fRequest.module, input.name);
-                described.programName = lowering.nameOf(input);
-                described.type = dataType(input.type);
-                described.metadata = metadataOf(fRequest.module->contents(), input);
-                if (fTarget.vertexInputs != 0)
-                    described.texCoord = static_cast<int>(interface.vertexInputs.size());
-            });
+        forEachInput(*fRequest.module, *fMaterial, krShadingDag::kVertexRange,
+                     [&](const Symbol& input)
+                     {
+                         VertexInputInterface& described = interface.vertexInputs.emplace_back();
+                         described.name = text(*fRequest.module, input.name);
+                         described.programName = lowering.nameOf(input);
+                         described.type = dataType(input.type);
+                         described.metadata = metadataOf(fRequest.module->contents(), input);
+                         if (fTarget.interpolants != 0)
+                             described.texCoord = static_cast<int>(interface.vertexInputs.size());
+                     });
         std::uint8_t provided = fMaterial->provided;
         for (const Light& light : fLights)
             provided |= light.function->provided;
         for (unsigned i = 0; i < kPassedValues; ++i)
             if ((provided >> i & 1u) != 0)
                 interface.providedValues.emplace_back(kProvidedValues[i].name);
+        if (fTarget.language == TargetLanguage::VulkanGlsl)
+            layOut(interface);
     }
 
     void describeUniforms(ProgramInterface& interface, const Module& module, const Function& shader,
                           const std::string& key, const std::string& prefix) const
     {
         Lowering& lowering = *fLowerings.at(&module);
-        for (const Symbol* input = shader.arguments; input; input = input->next)
-        {
-            const std::string_view name = text(module, input->name);
-            if (input->kind != SymbolKind::Input || input->frequencies != krShadingDag::kUniformRange ||
-                isProvidedName(name))
-                continue;
-            interface.uniforms.push_back({prefix + lowering.nameOf(*input), std::string(name), key,
-                                          dataType(input->type), input->value ? valueOf(*input->value) : Value(),
-                                          metadataOf(module.contents(), *input), &module, input->range});
-        }
+        forEachInput(module, shader, krShadingDag::kUniformRange,
+                     [&](const Symbol& input)
+                     {
+                         UniformInterface& uniform = interface.uniforms.emplace_back();
+                         uniform.programName = prefix + lowering.nameOf(input);
+                         uniform.name = text(module, input.name);
+                         uniform.light = key;
+                         uniform.type = dataType(input.type);
+                         uniform.defaultValue = input.value ? valueOf(*input.value) : Value();
+                         uniform.metadata = metadataOf(module.contents(), input);
+                         uniform.module = &module;
+                         uniform.range = input.range;
+                     });
     }
 
     const ProgramRequest& fRequest;
@@ -364,6 +352,15 @@ private:
 };
 
 } // namespace
+
+SourceRange lineRange(const LineOrigin& origin)
+{
+    const SourceFile& file = origin.module->sources().fileAt(origin.offset);
+    const std::string_view rest = file.text().substr(origin.offset - file.begin());
+    const std::size_t end = std::min(rest.find_first_of("\r\n"), rest.size());
+    const std::size_t indent = std::min(rest.find_first_not_of(" \t"), end);
+    return {origin.offset + static_cast<Offset>(indent), origin.offset + static_cast<Offset>(end)};
+}
 
 std::optional<Program> compileProgram(const ProgramRequest& request, const Target& target,
                                       std::vector<ProgramDiagnostic>& problems)

@@ -34,7 +34,7 @@ struct ProgramRequest
 /// A diagnostic with the module whose sources its ranges count in.
 struct ProgramDiagnostic
 {
-    const Module* module = nullptr;
+    const Module* module = nullptr; ///< null: it has no place in a source
     Diagnostic diagnostic;
 };
 
@@ -44,6 +44,9 @@ struct LineOrigin
     const Module* module = nullptr; ///< null: the line is the program's own
     Offset offset = 0;
 };
+
+/// What stands at the origin of a line, which has one: from its first word to the end of the source's line.
+[[nodiscard]] KRENDER_EXPORT SourceRange lineRange(const LineOrigin& origin);
 
 /// A material with its lights, written for a target.
 struct Program

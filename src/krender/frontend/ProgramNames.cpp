@@ -10,6 +10,16 @@ namespace krFrontend
 namespace
 {
 
+/// The name without what makes a target keep whole families of names for itself: underscores at its begin, two in a row.
+std::string plainStem(std::string_view name)
+{
+    std::string stem;
+    for (const char c : name)
+        if (c != '_' || (!stem.empty() && stem.back() != '_'))
+            stem += c;
+    return stem;
+}
+
 /// What the frame of a program declares or gives a meaning to, whatever the material.
 constexpr std::array<std::string_view, 30> kFrameWords{
     "IN",
@@ -71,17 +81,22 @@ std::string ProgramNames::claim(std::string_view name)
 
 std::string ProgramNames::invent(std::string_view like)
 {
-    std::string_view stem = like.substr(0, kLongestProgramName);
+    std::string_view rest = like.substr(0, kLongestProgramName);
     for (const std::string_view prefix : kFramePrefixes)
-        if (stem.starts_with(prefix))
-            stem.remove_prefix(prefix.size());
-    while (stem.ends_with('_'))
-        stem.remove_suffix(1);
+        if (rest.starts_with(prefix))
+            rest.remove_prefix(prefix.size());
+    while (rest.ends_with('_'))
+        rest.remove_suffix(1);
+    std::string stem(rest);
+    if (fTarget.isReserved(stem + "_1"))
+        stem = plainStem(stem);
     if (stem.empty() || (stem[0] >= '0' && stem[0] <= '9'))
         stem = "value";
-    for (unsigned& number = fNumbers[std::string(stem)];;)
+    if (isReserved(stem + "_1"))
+        stem.insert(0, "value_");
+    for (unsigned& number = fNumbers[stem];;)
     {
-        std::string name = std::string(stem) + "_" + std::to_string(++number);
+        std::string name = stem + "_" + std::to_string(++number);
         if (isReserved(name) || isTaken(name) || fWords.contains(name))
             continue;
         take(name);

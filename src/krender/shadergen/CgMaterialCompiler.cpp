@@ -123,6 +123,7 @@ float3 gLightSpecularColor = outLightSpecularColor;
     .uniformEnd = ",\n",
     .lightCommentNamesFunction = true,
     .samplerAliasIsMacro = false,
+    .boolUniformIsInt = false,
 };
 
 /// The number of texture-coordinate registers of either stage.
@@ -198,11 +199,12 @@ void compile(const krShadingDag::ShadingNodeSpec& material, const std::vector<Li
         join({"// CONNECTORS\n//\n", kAppToVertHead, connections.appToVert, "};\n\n", kVertToFragHead,
               completeInterpolantsGeneration(connections.vertToFragBank).view(), kPrologue});
     const FragmentSections sections = writeFragment(kCg, material, lights, connections.aliases, extras);
+    const UniformSections uniforms = declareUniforms(kCg, material, lights, sections, extras);
 
     vertexProgram = join({connectors.view(), kVertexHead, connections.copies, kVertexTail});
     fragmentProgram = joinFragment({connectors.view()},
-                                   {kFragmentHead, sections.lightUniforms, "\n\t// MATERIAL\n\t//\n",
-                                    sections.materialUniforms, kFragmentHeadEnd, sections.body},
+                                   {kFragmentHead, uniforms.lights, "\n\t// MATERIAL\n\t//\n",
+                                    uniforms.material, kFragmentHeadEnd, sections.body},
                                    sections, extras);
     if (extras && extras->isTooLarge)
         vertexProgram = "";

@@ -22,10 +22,6 @@ using krShadingDag::ShadingNodeSpec;
 using krShadingDag::Statement;
 using krShadingDag::StatementType;
 
-bool isUniform(const ShadingAttribute& input) noexcept { return input.range() == krShadingDag::kUniformRange; }
-
-bool hasCode(const LightSpec& light) noexcept { return light.spec && !light.spec->body().empty(); }
-
 void appendUniform(std::string& out, const FragmentSpelling& spelling, std::string_view prefix,
                    const ShadingAttribute& input)
 {
@@ -52,9 +48,6 @@ public:
     {
     }
 
-    /// How many illuminance blocks the lights have replaced.
-    [[nodiscard]] unsigned expansionCount() const noexcept { return fExpansionCount; }
-
 protected:
     void printListed(const Statement& statement) override
     {
@@ -68,7 +61,7 @@ protected:
             printLiteral("BLOCKS NESTED TOO DEEP!");
         else if (statement.type() == StatementType::Illuminance && fExpands)
         {
-            ++fExpansionCount;
+            ++fSections.expansionCount;
             fExpansions.push_back({&statement, fLights->begin(), false});
             openNextLight();
         }
@@ -175,6 +168,8 @@ private:
         const std::string_view name = input.name().view();
         if (isMacro(input))
             printPieces({"#define ", name, " ", light.name.view(), name, "\n"});
+        else if (fSpelling.boolUniformIsInt && input.dataType() == kBool)
+            printPieces({"bool ", name, " = bool(", light.name.view(), name, ");"});
         else
             printPieces({dataTypeName(input.dataType()), " ", name, " = ", light.name.view(), name, ";"});
     }
@@ -197,7 +192,6 @@ private:
     std::string_view fAliases;
     std::string fLine;
     std::vector<Expansion> fExpansions; ///< those that are open, each within the material code of the one before
-    unsigned fExpansionCount = 0;
     bool fHasExtras;
     bool fExpands;
     bool fIsFirst = true; ///< until the body's first statement is printed
@@ -226,20 +220,26 @@ FragmentSections writeFragment(const FragmentSpelling& spelling, const ShadingNo
                                const std::vector<LightSpec>* lights, std::string_view aliases, bool hasExtras)
 {
     FragmentSections sections;
-    BodyPrinter printer(sections, spelling, lights, aliases, hasExtras);
-    printer.print(material.body());
+    BodyPrinter(sections, spelling, lights, aliases, hasExtras).print(material.body());
+    return sections;
+}
+
+UniformSections declareUniforms(const FragmentSpelling& spelling, const ShadingNodeSpec& material,
+                                const std::vector<LightSpec>* lights, const FragmentSections& sections, bool hasExtras)
+{
+    UniformSections declared;
     if (lights)
     {
         const std::string uniforms = lightUniforms(spelling, *lights);
-        const unsigned copies = hasExtras ? std::min(printer.expansionCount(), 1u) : printer.expansionCount();
-        sections.lightUniforms.reserve(uniforms.size() * copies);
+        const unsigned copies = hasExtras ? std::min(sections.expansionCount, 1u) : sections.expansionCount;
+        declared.lights.reserve(uniforms.size() * copies);
         for (unsigned i = 0; i < copies; ++i)
-            sections.lightUniforms += uniforms;
+            declared.lights += uniforms;
     }
     for (const ShadingAttribute& input : material.inputs())
         if (isUniform(input) && !isStandardValue(input.name()))
-            appendUniform(sections.materialUniforms, spelling, "", input);
-    return sections;
+            appendUniform(declared.material, spelling, "", input);
+    return declared;
 }
 
 krString::CString joinFragment(std::initializer_list<std::string_view> head,
@@ -278,6 +278,10 @@ krString::CString joinFragment(std::initializer_list<std::string_view> head,
     }
     return krString::CString(std::move(text));
 }
+
+bool isUniform(const ShadingAttribute& input) noexcept { return input.range() == krShadingDag::kUniformRange; }
+
+bool hasCode(const LightSpec& light) noexcept { return light.spec && !light.spec->body().empty(); }
 
 bool isStandardValue(const krString::CString& name) noexcept
 {

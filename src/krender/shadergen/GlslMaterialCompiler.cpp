@@ -104,6 +104,7 @@ vec3 gLightSpecularColor = outLightSpecularColor;
     .uniformEnd = ";\n",
     .lightCommentNamesFunction = false,
     .samplerAliasIsMacro = true,
+    .boolUniformIsInt = false,
 };
 
 /// @param extras  null writes the program as the host's own library has it
@@ -126,10 +127,11 @@ void compile(const krShadingDag::ShadingNodeSpec& material, const std::vector<Li
                        });
 
     const FragmentSections sections = writeFragment(kGlsl, material, lights, aliases, extras);
+    const UniformSections uniforms = declareUniforms(kGlsl, material, lights, sections, extras);
 
     vertexProgram = join({kAttributes, attributes, varyings, kPrologue, kVertexHead, copies, kVertexTail});
-    fragmentProgram = joinFragment({varyings, kPrologue, kUniformsHead, sections.lightUniforms,
-                                    "\n\t// MATERIAL\n\t//\n", sections.materialUniforms, kUniformsEnd},
+    fragmentProgram = joinFragment({varyings, kPrologue, kUniformsHead, uniforms.lights,
+                                    "\n\t// MATERIAL\n\t//\n", uniforms.material, kUniformsEnd},
                                    {kFragmentHead, sections.body}, sections, extras);
     if (extras && extras->isTooLarge)
         vertexProgram = "";

@@ -1,7 +1,9 @@
 #include <krender/shadergen/Target.h>
 
+#include "krender/shadergen/private/VulkanWords.h"
 #include <krender/shadergen/CgMaterialCompiler.h>
 #include <krender/shadergen/GlslMaterialCompiler.h>
+#include <krender/shadergen/VulkanGlslCompiler.h>
 
 #include <algorithm>
 #include <array>
@@ -250,12 +252,12 @@ constexpr std::array kCgWords = std::to_array<std::string_view>({
 });
 static_assert(std::is_sorted(kCgWords.begin(), kCgWords.end()));
 
-/// Cg's names of vectors and matrices: float3, half4x4, bool2.
-bool isCgShape(std::string_view word) noexcept
+/// Whether the word is one of the scalars and a shape behind it, as float3 or half4x4.
+template <class Scalars>
+bool hasShape(const Scalars& scalars, std::string_view word) noexcept
 {
-    constexpr std::array<std::string_view, 6> kScalars{"bool", "double", "fixed", "float", "half", "int"};
     const auto isCount = [](char c) { return c >= '1' && c <= '4'; };
-    return std::any_of(kScalars.begin(), kScalars.end(),
+    return std::any_of(scalars.begin(), scalars.end(),
                        [&](std::string_view scalar)
                        {
                            if (!word.starts_with(scalar))
@@ -266,6 +268,27 @@ bool isCgShape(std::string_view word) noexcept
                        });
 }
 
+/// Cg's names of vectors and matrices: float3, half4x4, bool2.
+bool isCgShape(std::string_view word) noexcept
+{
+    constexpr std::array<std::string_view, 6> kScalars{"bool", "double", "fixed", "float", "half", "int"};
+    return hasShape(kScalars, word);
+}
+
+/// Names that a translation of Vulkan GLSL changes or gives a meaning: vectors and matrices of HLSL and the Metal
+/// language, what it calls by a number, and the prefixes of its own functions.
+bool isVulkanShape(std::string_view word) noexcept
+{
+    constexpr auto kScalars = std::to_array<std::string_view>(
+        {"bfloat",   "bool",       "char",     "double",    "dword", "float", "half", "int",   "long",  "min10float",
+         "min12int", "min16float", "min16int", "min16uint", "short", "uchar", "uint", "ulong", "ushort"});
+    constexpr std::array<std::string_view, 7> kPrefixes{"GL_", "METAL_", "SPIRV_", "SPV_", "main0", "packed_", "spv"};
+    return hasShape(kScalars, word) || word.starts_with('_') ||
+           word.find("__") != std::string_view::npos ||
+           std::any_of(kPrefixes.begin(), kPrefixes.end(),
+                       [word](std::string_view prefix) { return word.starts_with(prefix); });
+}
+
 constexpr std::string_view kGlslPreamble = R"(#version 120
 #define vec1 float
 #define int2 ivec2
@@ -274,9 +297,51 @@ constexpr std::string_view kGlslPreamble = R"(#version 120
 #define matrix2 mat2
 )";
 
+constexpr std::string_view kGlslResult = "{ gl_FragColor = outRGBA; return; }";
+
+/// A row of a target whose programs are made of Vulkan GLSL. The limits are those that every implementation has room for,
+/// without what the frame takes.
+constexpr Target vulkanRow(std::string_view name, std::string_view vertexEnding, std::string_view fragmentEnding,
+                           std::uint8_t lacks, bool isTranslated)
+{
+    return {.name = name,
+            .language = TargetLanguage::VulkanGlsl,
+            .vertexEnding = vertexEnding,
+            .fragmentEnding = fragmentEnding,
+            .preamble = "",
+            .earlyResult = "{ kr_FragColor = outRGBA; return; }",
+            .vertexInputs = 12,
+            .interpolants = 0,
+            .samplers = 16,
+            .blockBytes = 16384,
+            .lacks = lacks,
+            .isTranslated = isTranslated,
+            .reservedWords = kVulkanWords,
+            .compile = compileMaterialToVulkanGlsl};
+}
+
+constexpr Target oldestEmbeddedRow()
+{
+    Target row = vulkanRow("essl100", ".essl100.vert", ".essl100.frag",
+                           kLacksVolumes | kLacksShadows | kLacksLineShadows | kLacksOpenLoops | kLacksOpenIndices, true);
+    row.vertexInputs = 5;
+    row.samplers = 8;
+    row.blockBytes = 0;
+    return row;
+}
+
 constexpr std::array kTargets{
-    Target{"glsl", TargetLanguage::Glsl120, ".vert", ".frag", kGlslPreamble, 0, 0, kGlslWords, compileMaterialToGlsl},
-    Target{"cg", TargetLanguage::Cg, ".vert.cg", ".frag.cg", "", 7, 5, kCgWords, compileMaterialToCg},
+    Target{"glsl", TargetLanguage::Glsl120, ".vert", ".frag", kGlslPreamble, kGlslResult, 0, 0, 0, 0, kLacksNothing,
+           false, kGlslWords, compileMaterialToGlsl},
+    Target{"cg", TargetLanguage::Cg, ".vert.cg", ".frag.cg", "", "return outRGBA;", 7, 5, 0, 0, kLacksNothing, false,
+           kCgWords, compileMaterialToCg},
+    vulkanRow("spirv", ".spirv.vert.spv", ".spirv.frag.spv", kLacksNothing, true),
+    vulkanRow("glsl330", ".glsl330.vert", ".glsl330.frag", kLacksNothing, true),
+    vulkanRow("glsl450", ".glsl450.vert", ".glsl450.frag", kLacksNothing, false),
+    vulkanRow("essl300", ".essl300.vert", ".essl300.frag", kLacksLineShadows, true),
+    oldestEmbeddedRow(),
+    vulkanRow("hlsl", ".hlsl.vert", ".hlsl.frag", kLacksNothing, true),
+    vulkanRow("msl", ".msl.vert", ".msl.frag", kLacksLineShadows, true),
 };
 
 } // namespace
@@ -284,7 +349,8 @@ constexpr std::array kTargets{
 bool Target::isReserved(std::string_view word) const noexcept
 {
     return std::binary_search(reservedWords.begin(), reservedWords.end(), word) ||
-           (language == TargetLanguage::Cg && isCgShape(word));
+           (language == TargetLanguage::Cg && isCgShape(word)) ||
+           (language == TargetLanguage::VulkanGlsl && isVulkanShape(word));
 }
 
 std::span<const Target> targets() noexcept { return kTargets; }

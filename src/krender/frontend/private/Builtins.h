@@ -43,8 +43,8 @@ struct Builtin
 /// Those of one name.
 [[nodiscard]] std::span<const Builtin> findBuiltins(std::string_view name) noexcept;
 
-/// Whether the word is a built-in's name, in KRSL or in a target.
-[[nodiscard]] bool isBuiltinWord(std::string_view word) noexcept;
+/// Whether the word is a built-in's name, in KRSL or in a target's language.
+[[nodiscard]] bool isBuiltinWord(std::string_view word, TargetLanguage language) noexcept;
 
 /// The type that a letter of a signature stands for in a call of that size.
 [[nodiscard]] Type signatureType(char letter, unsigned size) noexcept;

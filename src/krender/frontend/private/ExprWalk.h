@@ -52,4 +52,27 @@ private:
     std::vector<Frame> fStack;
 };
 
+/// The variable that an element or component of it is set in.
+[[nodiscard]] inline const Symbol& rootOf(const Expr* target) noexcept
+{
+    while (target->kind == ExprKind::Index || target->kind == ExprKind::Swizzle)
+        target = target->first;
+    return *target->symbol;
+}
+
+/// Calls the visitor with each variable that an operation itself changes, its operands aside.
+template <class Visitor>
+void forEachChanged(const Expr& expr, Visitor visit)
+{
+    const bool steps = expr.op == TokenKind::PlusPlus || expr.op == TokenKind::MinusMinus;
+    if (expr.kind == ExprKind::Assign || ((expr.kind == ExprKind::Unary || expr.kind == ExprKind::Postfix) && steps))
+        visit(rootOf(expr.first));
+    if (expr.kind != ExprKind::Call || expr.isBuiltin)
+        return;
+    const Expr* value = expr.first;
+    for (const Symbol* argument = expr.function->arguments; argument; argument = argument->next, value = value->next)
+        if (argument->kind != SymbolKind::Input)
+            visit(rootOf(value));
+}
+
 } // namespace krFrontend

@@ -95,6 +95,8 @@ enum class Message : std::uint8_t
     NoSuchShader,
     NoVertexRegister,
     NoInterpolant,
+    NoUniformRoom,
+    TargetLacks,
     ProgramTooLarge,
     PlainReadsOther,
     PlainRefuses,
