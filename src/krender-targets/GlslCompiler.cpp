@@ -21,16 +21,10 @@ constexpr int kVersion = 450;
 constexpr EShMessages kMessages = static_cast<EShMessages>(EShMsgSpvRules | EShMsgVulkanRules);
 
 /// glslang's tables, which stay until the library is unloaded.
+/// It is never finalised: glslang keeps its lock when it runs out of memory, and its finaliser would wait for that.
 void startGlslang()
 {
-    struct Process
-    {
-        Process() { glslang::InitializeProcess(); }
-        Process(const Process&) = delete;
-        Process& operator=(const Process&) = delete;
-        ~Process() { glslang::FinalizeProcess(); }
-    };
-    static const Process process;
+    [[maybe_unused]] static const bool isStarted = glslang::InitializeProcess();
 }
 
 /// Takes a number and a colon off the front of a text; 0 when they are not there.

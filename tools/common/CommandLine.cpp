@@ -6,10 +6,10 @@
 #include <common/StandardOutput.h>
 #include <common/UsageError.h>
 
-#include <cxxabi.h>
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <cstddef>
 #include <cstdio>
@@ -17,7 +17,6 @@
 #include <exception>
 #include <new>
 #include <string>
-#include <typeinfo>
 
 namespace krTools
 {
@@ -57,11 +56,18 @@ void reportNoMemory() noexcept
     (void)writeAll(STDERR_FILENO, {text.data(), static_cast<std::size_t>(length)});
 }
 
-/// Destructors of the JSON library take memory, and when there is none, nothing can catch that.
+bool gIsOutOfMemory = false;
+
+[[noreturn]] void noteNoMemory()
+{
+    gIsOutOfMemory = true;
+    throw std::bad_alloc();
+}
+
+/// Destructors of the JSON library and of SPIRV-Cross take memory, and when there is none, nothing can catch that.
 [[noreturn]] void endWithoutMemory() noexcept
 {
-    const std::type_info* const type = abi::__cxa_current_exception_type();
-    if (!type || *type != typeid(std::bad_alloc))
+    if (!gIsOutOfMemory && errno != ENOMEM)
         std::abort();
     PassingName::removeAll();
     reportNoMemory();
@@ -73,6 +79,7 @@ void reportNoMemory() noexcept
 int runProgram(const char* name, const std::function<int()>& run)
 {
     gProgramName = name;
+    std::set_new_handler(noteNoMemory);
     std::set_terminate(endWithoutMemory);
     // A file past the limit for its size is then an error like any other, and leaves nothing behind.
     std::signal(SIGXFSZ, SIG_IGN);

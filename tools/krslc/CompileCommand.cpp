@@ -8,6 +8,7 @@
 #include <common/ExitStatus.h>
 #include <common/MaterialCompiler.h>
 #include <common/OutputFiles.h>
+#include <common/ProgramBounds.h>
 #include <common/StagedFile.h>
 #include <common/Targets.h>
 #include <common/UsageError.h>
@@ -167,7 +168,14 @@ void reportFaults(const krTools::Source& program, const char* nameOnOutput, krTo
 
 void validate(const CompiledProgram& compiled, const ProgramFiles& files, const CompileOptions& options, Report& report)
 {
-    krTools::PairFindings findings = validate(*compiled.target, files.vertex, files.fragment);
+    krTools::PairFindings findings;
+    if (options.asPlain)
+    {
+        findings.vertex = findUnbounded(files.vertex);
+        findings.fragment = findUnbounded(files.fragment);
+    }
+    if (!findings.hasErrors())
+        findings = validate(*compiled.target, files.vertex, files.fragment);
     const std::string_view preamble = options.withPreamble ? compiled.target->preamble : std::string_view();
     const auto lines = static_cast<std::size_t>(std::count(preamble.begin(), preamble.end(), '\n'));
     reportFaults(files.vertex, "<vertex program>", std::move(findings.vertex), {}, lines, options.asPlain, report);

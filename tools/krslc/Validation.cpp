@@ -3,7 +3,6 @@
 #include "Report.h"
 
 #include <common/ExitStatus.h>
-#include <common/ProgramBounds.h>
 #include <common/StandardOutput.h>
 #include <validation/CgValidator.h>
 #include <validation/GlslValidator.h>
@@ -94,10 +93,6 @@ krTools::PairFindings validate(const Target& target, const krTools::Source& vert
         findings.pair.emplace_back("a program of more than 1 MB is not checked");
         return findings;
     }
-    findings.vertex = findUnbounded(vertex);
-    findings.fragment = findUnbounded(fragment);
-    if (findings.hasErrors())
-        return findings;
     // The checkers call themselves for each level of nesting and each term of a sum, so that a long program could take
     // krslc's whole stack: a process of its own may end as it likes.
     std::array<int, 2> pipe{};

@@ -164,19 +164,22 @@ std::optional<Material> compileMaterial(const Scene& scene, std::vector<std::str
     const std::string_view preamble = program.target->preamble;
     const auto withPreamble = [preamble](const char* name, const std::string& text)
     { return krTools::Source(name, std::string(preamble).append(text)); };
+    krTools::Source vertex = withPreamble("<vertex program>", program.vertex());
+    krTools::Source fragment = withPreamble("<fragment program>", program.fragment());
+    if (scene.plain)
+        for (const krTools::Source* source : {&vertex, &fragment})
+            printer.add(*source, findUnbounded(*source));
+    if (printer.errorCount() > 0)
+        return std::nullopt;
     Material material{.name = program.material,
-                      .vertexProgram = withPreamble("<vertex program>", program.vertex()),
-                      .fragmentProgram = withPreamble("<fragment program>", program.fragment()),
+                      .vertexProgram = std::move(vertex),
+                      .fragmentProgram = std::move(fragment),
                       .inputs = inputsOf(program.program.interface),
                       .interface = std::move(program.program.interface),
                       .isChecked = !scene.plain,
                       .preambleLines = static_cast<std::size_t>(std::count(preamble.begin(), preamble.end(), '\n')),
                       .fragmentOrigins = {},
                       .compiler = std::move(compiler)};
-    for (const krTools::Source* source : {&material.vertexProgram, &material.fragmentProgram})
-        printer.add(*source, findUnbounded(*source));
-    if (printer.errorCount() > 0)
-        return std::nullopt;
     if (!program.translation) // whose lines are others
         material.fragmentOrigins = std::move(program.program.fragmentOrigins);
     return material;

@@ -22,7 +22,6 @@
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <system_error>
 
