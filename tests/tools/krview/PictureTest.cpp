@@ -49,13 +49,20 @@ class Scenes : public testing::TestWithParam<std::string>
 {
 };
 
-TEST_P(Scenes, LookAsInTheirPictures)
+/// The picture of a shipped scene.
+Image drawScene(const std::string& name, const std::string& options = "")
 {
     const Workplace place;
-    const Outcome outcome = krview(place, KRENDER_SHARE "/scenes/" + GetParam() + ".json --screenshot picture.png");
-    ASSERT_EQ(outcome.status, 0) << outcome.err;
+    const Outcome outcome =
+        krview(place, KRENDER_SHARE "/scenes/" + name + ".json " + options + " --screenshot picture.png");
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.err, "");
-    const Image image = readImage(place.path() / "picture.png");
+    return readImage(place.path() / "picture.png");
+}
+
+TEST_P(Scenes, LookAsInTheirPictures)
+{
+    const Image image = drawScene(GetParam());
     const Image expected = readImage(KRENDER_PICTURES "/" + GetParam() + ".png");
     ASSERT_EQ(image.width, expected.width) << "the target update-pictures draws missing pictures";
     ASSERT_EQ(image.height, expected.height);
@@ -71,6 +78,19 @@ TEST_P(Scenes, LookAsInTheirPictures)
     EXPECT_LT(spreadOf(differences).mean, 1.5);
     EXPECT_LT(static_cast<double>(far) / static_cast<double>(differences.size()), 0.015);
 }
+
+#ifdef KRENDER_HAS_TARGETS
+TEST_P(Scenes, LookTheSameWithOpenGlsCoreProfile)
+{
+    const Image image = drawScene(GetParam());
+    const Image other = drawScene(GetParam(), "--api gl3.3");
+    ASSERT_EQ(image.bytes.size(), other.bytes.size());
+    std::size_t changed = 0;
+    for (std::size_t i = 0; i < image.bytes.size(); ++i)
+        changed += std::abs(image.bytes[i] - other.bytes[i]) > 1 ? 1 : 0;
+    EXPECT_LT(static_cast<double>(changed) / static_cast<double>(image.bytes.size()), 0.001);
+}
+#endif
 
 INSTANTIATE_TEST_SUITE_P(Shipped, Scenes, testing::ValuesIn(namesIn(KRENDER_SHARE "/scenes", ".json")), testName);
 
