@@ -35,7 +35,8 @@ std::string folderOf(const std::string& path)
 std::string passingName(const std::string& target)
 {
     static unsigned made = 0;
-    return folderOf(target) + ".krender-" + std::to_string(::getpid()) + '-' + std::to_string(made++);
+    std::string name = folderOf(target);
+    return name.append(".krender-").append(std::to_string(::getpid())).append("-").append(std::to_string(made++));
 }
 
 std::string pathOf(int descriptor) { return "/proc/self/fd/" + std::to_string(descriptor); }
