@@ -54,7 +54,7 @@ std::string followLinks(const std::string& path)
         if (length < 0)
             return target;
         const std::string next(text.data(), static_cast<std::size_t>(length));
-        target = next.starts_with('/') ? next : folderOf(target) + next;
+        target = next.starts_with('/') ? next : folderOf(target).append(next);
     }
     return path;
 }
