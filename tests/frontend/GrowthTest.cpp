@@ -2,7 +2,12 @@
 // the peak, which do not depend on the machine or on what else it does; memory is what limits take first.
 #include <krender/frontend/PlainReading.h>
 #include <krender/frontend/Program.h>
+#include <krender/shadergen/CgMaterialCompiler.h>
+#include <krender/shadergen/GlslMaterialCompiler.h>
+#include <krender/shadergen/LightSpec.h>
 #include <krender/shadergen/Target.h>
+#include <krender/shading/ShadingNodeSpec.h>
+#include <krender/shading/ShadingParser.h>
 
 #include <gtest/gtest.h>
 
@@ -11,6 +16,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <memory>
 #include <new>
 #include <sstream>
 
@@ -295,6 +301,33 @@ TEST(GrowthOfIncludes, IsLinear)
                  {
                      Chain chain(count);
                      return measure([&] { (void)Module::readFile("0", {{}, &chain}); });
+                 });
+}
+
+/// What a host of plain sources does, which the front end has no part in.
+TEST(GrowthOfPlainSources, IsLinear)
+{
+    expectLinear(500,
+                 [](unsigned count)
+                 {
+                     const krString::CString source(material(
+                         repeat(count, [](const std::string& i)
+                                { return "    float v" + i + " = u; illuminance { outRGBA *= v" + i + "; }\n"; })));
+                     return measure(
+                         [&]
+                         {
+                             krShadingDag::ShadingParser parser;
+                             krShadingDag::ShadingNodeSpec* spec = nullptr;
+                             ASSERT_TRUE(parser.parseString(source, &spec));
+                             const std::unique_ptr<krShadingDag::ShadingNodeSpec> light(spec);
+                             ASSERT_TRUE(parser.parseString(krString::CString(), &spec));
+                             const std::unique_ptr<krShadingDag::ShadingNodeSpec> shaded(spec);
+                             const std::vector<LightSpec> lights{{light.get(), "k"}};
+                             krString::CString vertex;
+                             krString::CString fragment;
+                             compileMaterialToGlsl(*shaded, &lights, vertex, fragment);
+                             compileMaterialToCg(*shaded, &lights, vertex, fragment);
+                         });
                  });
 }
 

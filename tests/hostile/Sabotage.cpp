@@ -65,6 +65,7 @@ int countedMain(int argc, char** argv, char** environment)
 
 } // namespace
 
+// NOLINTBEGIN(bugprone-reserved-identifier, readability-identifier-naming): names of the C library
 extern "C"
 {
     void* __libc_malloc(std::size_t);
@@ -127,3 +128,4 @@ extern "C"
         return behind(real(from, to));
     }
 }
+// NOLINTEND(bugprone-reserved-identifier, readability-identifier-naming)

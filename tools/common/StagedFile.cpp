@@ -35,7 +35,8 @@ std::string folderOf(const std::string& path)
 std::string passingName(const std::string& target)
 {
     static unsigned made = 0;
-    return folderOf(target) + ".krender-" + std::to_string(::getpid()) + '-' + std::to_string(made++);
+    std::string name = folderOf(target);
+    return name.append(".krender-").append(std::to_string(::getpid())).append("-").append(std::to_string(made++));
 }
 
 std::string pathOf(int descriptor) { return "/proc/self/fd/" + std::to_string(descriptor); }
@@ -53,7 +54,7 @@ std::string followLinks(const std::string& path)
         if (length < 0)
             return target;
         const std::string next(text.data(), static_cast<std::size_t>(length));
-        target = next.starts_with('/') ? next : folderOf(target) + next;
+        target = next.starts_with('/') ? next : folderOf(target).append(next);
     }
     return path;
 }

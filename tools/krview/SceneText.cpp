@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <iterator>
 #include <string_view>
+#include <utility>
 
 namespace
 {
@@ -20,11 +21,13 @@ using Json = nlohmann::json;
 class CountingIterator
 {
 public:
+    // NOLINTBEGIN(readability-identifier-naming): names of the standard library
     using iterator_category = std::forward_iterator_tag;
     using value_type = char;
     using difference_type = std::ptrdiff_t;
     using pointer = const char*;
     using reference = const char&;
+    // NOLINTEND(readability-identifier-naming)
 
     CountingIterator(const char* at, std::size_t* count) noexcept : fAt(at), fCount(count) {}
 
@@ -111,7 +114,8 @@ private:
     {
         PlacedValue* place = &fScene.root;
         if (!fOpen.empty())
-            place = &fOpen.back()->members.emplace_back(std::exchange(fKey, {}), PlacedValue()).second;
+            place = &fOpen.back()->members.emplace_back();
+        place->name = std::exchange(fKey, {});
         place->kind = kind;
         place->position = begin();
         place->keyPosition = fKeyPosition;

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 /// A value of a scene file and its place.
@@ -26,7 +25,8 @@ struct PlacedValue
     std::size_t keyPosition = 0; ///< of its name, if it is a member of an object
     double number = 0;           ///< also of a truth value: 0 or 1
     std::string text;
-    std::vector<std::pair<std::string, PlacedValue>> members; ///< in the file's order; those of a list have no names
+    std::string name;                 ///< of a member of an object
+    std::vector<PlacedValue> members; ///< of a list or an object, in the file's order
 };
 
 /// A scene file, read whole.

@@ -110,7 +110,7 @@ void SceneValue::forEachItem(const Reader& read) const
     if (fValue.kind != Kind::List)
         failType("a list");
     for (std::size_t i = 0; i < fValue.members.size(); ++i)
-        read(SceneValue(fScene, fValue.members[i].second, fPath + '[' + std::to_string(i) + ']'));
+        read(SceneValue(fScene, fValue.members[i], fPath + '[' + std::to_string(i) + ']'));
 }
 
 void SceneValue::forEachMember(const std::function<void(const std::string&, const SceneValue&)>& read) const
@@ -118,11 +118,11 @@ void SceneValue::forEachMember(const std::function<void(const std::string&, cons
     if (!isObject())
         failType("an object");
     std::set<std::string_view> names;
-    for (const auto& [name, value] : fValue.members)
+    for (const PlacedValue& value : fValue.members)
     {
-        if (!names.insert(name).second)
-            throw InputError(placeOf(value.keyPosition), pathOf(name) + ": this is given twice");
-        read(name, SceneValue(fScene, value, pathOf(name)));
+        if (!names.insert(value.name).second)
+            throw InputError(placeOf(value.keyPosition), pathOf(value.name) + ": this is given twice");
+        read(value.name, SceneValue(fScene, value, pathOf(value.name)));
     }
 }
 
