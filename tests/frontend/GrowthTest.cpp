@@ -187,9 +187,11 @@ const Construct gConstructs[] = {
      [](unsigned n)
      { return body(repeat(n, [](const std::string& i) { return "    float v" + i + " = x; y += v" + i + ";\n"; })); }},
     {"ElseIfs", 500,
-     [](unsigned n) {
-         return body("    if (x > 0.0) y = 1.0;\n" +
-                     repeat(n, [](auto) { return "    else if (x > 1.0) y = 2.0;\n"; }));
+     [](unsigned n)
+     {
+         return body(
+             repeat(n, [](auto i)
+                    { return i % 200 == 0 ? "    if (x > 0.0) y = 1.0;\n" : "    else if (x > 1.0) y = 2.0;\n"; }));
      }},
     {"ConstantsInOrder", 1000,
      [](unsigned n)

@@ -38,6 +38,7 @@ constexpr std::array kRows{
     Row{Message::TooDeep,
         {"deep-nesting", kError, "statements, parentheses and calls stand more than %1 deep within each other"}},
     Row{Message::LongExpression, {"long-expression", kError, "the expression has more than %1 operators"}},
+    Row{Message::LongChain, {"long-chain", kError, "more than %1 'else if's follow one another"}},
     Row{Message::Directive,
         {"unknown-directive", kError, "the only directive is #include \"file\", on a line of its own at file level"}},
     Row{Message::EmptyInclude, {"empty-include", kError, "#include names no file"}},

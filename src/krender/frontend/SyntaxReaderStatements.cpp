@@ -212,7 +212,8 @@ Stmt* SyntaxReader::readIf()
     const Level level(*this);
     Stmt* const first = makeStatement(StmtKind::If);
     Stmt* statement = first;
-    // A chain of "else if" is no nesting, however long.
+    const unsigned outerElseIfs = fElseIfs;
+    // A chain of "else if" is no nesting.
     while (readIfHead(*statement))
     {
         statement->body = readStatement();
@@ -226,10 +227,16 @@ Stmt* SyntaxReader::readIf()
             statement->otherwise = readStatement();
             break;
         }
+        if (++fElseIfs > kMostElseIfs)
+        {
+            giveUp(Message::LongChain, std::to_string(kMostElseIfs));
+            break;
+        }
         statement->otherwise = makeStatement(StmtKind::If);
         statement = statement->otherwise;
         statement->isChained = true;
     }
+    fElseIfs = outerElseIfs;
     for (Stmt* part = first; part; part = part->kind == StmtKind::If ? part->otherwise : nullptr)
         part->end = fPreviousEnd;
     return first;

@@ -23,6 +23,7 @@ enum class Message : std::uint8_t
     BadSwizzle,
     TooDeep,
     LongExpression,
+    LongChain,
     Directive,
     EmptyInclude,
     FileFailed,

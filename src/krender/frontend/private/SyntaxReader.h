@@ -134,6 +134,7 @@ private:
     Offset fPreviousEnd = 0;
     bool fPreviousHasError = false;
     unsigned fDepth = 0;
+    unsigned fElseIfs = 0;   ///< ahead of the statement, in its chain and those around it
     unsigned fOperators = 0; ///< of the expression that is being read
     bool fFailed = false;    ///< an error was reported that the statement has not recovered from
     bool fGaveUp = false;    ///< a limit was passed: the rest of the file is not read
@@ -141,6 +142,9 @@ private:
 
 /// How deep blocks, statements, parentheses, unary operators, calls and indices may stand within each other.
 inline constexpr unsigned kDeepestNesting = 256;
+/// The `else if`s that may follow one another, those of chains around them counted: targets' compilers nest them, and
+/// translations are indented by them.
+inline constexpr unsigned kMostElseIfs = 250;
 /// The operators that one expression may have.
 inline constexpr unsigned kMostOperators = 4096;
 
