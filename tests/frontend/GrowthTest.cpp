@@ -189,9 +189,9 @@ const Construct gConstructs[] = {
     {"ElseIfs", 500,
      [](unsigned n)
      {
-         return body(
-             repeat(n, [](auto i)
-                    { return i % 200 == 0 ? "    if (x > 0.0) y = 1.0;\n" : "    else if (x > 1.0) y = 2.0;\n"; }));
+         return body(repeat(
+             n, [](const std::string& i)
+             { return std::stoi(i) % 200 == 0 ? "    if (x > 0.0) y = 1.0;\n" : "    else if (x > 1.0) y = 2.0;\n"; }));
      }},
     {"ConstantsInOrder", 1000,
      [](unsigned n)
