@@ -22,10 +22,7 @@ constexpr EShMessages kMessages = static_cast<EShMessages>(EShMsgSpvRules | EShM
 
 /// glslang's tables, which stay until the library is unloaded.
 /// It is never finalised: glslang keeps its lock when it runs out of memory, and its finaliser would wait for that.
-void startGlslang()
-{
-    [[maybe_unused]] static const bool isStarted = glslang::InitializeProcess();
-}
+void startGlslang() { [[maybe_unused]] static const bool isStarted = glslang::InitializeProcess(); }
 
 /// Takes a number and a colon off the front of a text; 0 when they are not there.
 std::size_t takeNumber(std::string_view& text)

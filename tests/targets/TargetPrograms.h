@@ -13,7 +13,7 @@
 struct Request
 {
     std::vector<krFrontend::Module> modules; ///< the material's, and those of lights
-    krFrontend::ProgramRequest request; ///< without its pointers to modules
+    krFrontend::ProgramRequest request;      ///< without its pointers to modules
     std::vector<std::size_t> lightModules;
 };
 

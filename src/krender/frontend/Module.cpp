@@ -4,6 +4,7 @@
 #include "krender/frontend/private/DiagnosticList.h"
 #include "krender/frontend/private/Message.h"
 #include "krender/frontend/private/ModuleContents.h"
+#include "krender/frontend/private/Syntax.h"
 #include "krender/frontend/private/SyntaxReader.h"
 
 #include <krender/frontend/Diagnostic.h>

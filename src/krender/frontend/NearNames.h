@@ -2,6 +2,7 @@
 #include <krender/Export.h>
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>

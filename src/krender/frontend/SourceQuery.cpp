@@ -15,6 +15,8 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
+#include <span>
 #include <string_view>
 #include <unordered_map>
 #include <utility>

@@ -9,6 +9,8 @@
 
 #include <krender/frontend/SourceSet.h>
 
+#include <string>
+
 namespace krFrontend
 {
 
