@@ -198,8 +198,10 @@ private:
     {
         const sample::VertexField field = sample::fieldOf(name, type);
         glEnableVertexAttribArray(location);
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): an offset into the buffer goes as a pointer
+        const auto* const offset = reinterpret_cast<const void*>(field.offset);
         glVertexAttribPointer(location, static_cast<GLint>(field.components), GL_FLOAT, GL_FALSE,
-                              sizeof(sample::Vertex), reinterpret_cast<const void*>(field.offset));
+                              sizeof(sample::Vertex), offset);
     }
 
     /// The n-th sampler of the interface reads unit n.

@@ -41,7 +41,7 @@ public:
             return describe(*meaning.builtin);
         if (meaning.function)
             return describe(definitionOf(*meaning.function));
-        return describe(*meaning.symbol, scope);
+        return meaning.symbol ? describe(*meaning.symbol, scope) : Declaration();
     }
 
     /// Whether two names stand for one thing.
