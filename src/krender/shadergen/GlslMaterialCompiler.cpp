@@ -1,6 +1,7 @@
 #include <krender/shadergen/GlslMaterialCompiler.h>
 
 #include "krender/shadergen/private/FragmentWriter.h"
+#include "krender/shadergen/private/GlslTexts.h"
 #include <krender/platform/String.h>
 #include <krender/shadergen/FragmentExtras.h>
 #include <krender/shadergen/InterpolantBank.h>
@@ -79,27 +80,9 @@ constexpr std::string_view kUniformsEnd = R"(
 
 constexpr std::string_view kFragmentHead = "void main() \n";
 
-constexpr std::string_view kAliases = R"(// GLOBAL AND ALIASED VARIABLES
-//
-vec4 outRGBA;
-vec3 gWorldNormal = var_gWorldNormal;
-vec3 gWorldTangent = var_gWorldTangent;
-)";
-
 constexpr FragmentSpelling kGlsl{
-    .lightInputs = R"(// LIGHT-SPECIFIC INPUTS
-vec3 outLightWorldDir;
-vec3 outLightAmbientColor;
-vec3 outLightDiffuseColor;
-vec3 outLightSpecularColor;
-)",
-    .materialInputs = R"(// MATERIAL-SPECIFIC INPUTS
-vec3 gLightWorldDir = outLightWorldDir;
-vec3 gLightAmbientColor = outLightAmbientColor;
-vec3 gLightDiffuseColor = outLightDiffuseColor;
-vec3 gLightSpecularColor = outLightSpecularColor;
-
-// MATERIAL-SPECIFIC ILLUMINANCE COMPUTATION)",
+    .lightInputs = kGlslLightInputs,
+    .materialInputs = kGlslMaterialInputs,
     .result = "\ngl_FragColor = outRGBA;",
     .uniformEnd = ";\n",
     .lightCommentNamesFunction = false,
@@ -114,7 +97,7 @@ void compile(const krShadingDag::ShadingNodeSpec& material, const std::vector<Li
     std::string attributes;
     std::string varyings{kVaryings};
     std::string copies;
-    std::string aliases{kAliases};
+    std::string aliases{kGlslAliases};
     forEachVertexInput(material,
                        [&](const krShadingDag::ShadingAttribute& input)
                        {

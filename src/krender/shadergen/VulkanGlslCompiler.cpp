@@ -1,6 +1,7 @@
 #include <krender/shadergen/VulkanGlslCompiler.h>
 
 #include "krender/shadergen/private/FragmentWriter.h"
+#include "krender/shadergen/private/GlslTexts.h"
 #include <krender/platform/String.h>
 #include <krender/shadergen/FragmentExtras.h>
 #include <krender/shadergen/InterpolantBank.h>
@@ -50,27 +51,9 @@ void main()
 	//
 )";
 
-constexpr std::string_view kAliases = R"(// GLOBAL AND ALIASED VARIABLES
-//
-vec4 outRGBA;
-vec3 gWorldNormal = var_gWorldNormal;
-vec3 gWorldTangent = var_gWorldTangent;
-)";
-
 constexpr FragmentSpelling kVulkanGlsl{
-    .lightInputs = R"(// LIGHT-SPECIFIC INPUTS
-vec3 outLightWorldDir;
-vec3 outLightAmbientColor;
-vec3 outLightDiffuseColor;
-vec3 outLightSpecularColor;
-)",
-    .materialInputs = R"(// MATERIAL-SPECIFIC INPUTS
-vec3 gLightWorldDir = outLightWorldDir;
-vec3 gLightAmbientColor = outLightAmbientColor;
-vec3 gLightDiffuseColor = outLightDiffuseColor;
-vec3 gLightSpecularColor = outLightSpecularColor;
-
-// MATERIAL-SPECIFIC ILLUMINANCE COMPUTATION)",
+    .lightInputs = kGlslLightInputs,
+    .materialInputs = kGlslMaterialInputs,
     .result = "\nkr_FragColor = outRGBA;",
     .uniformEnd = "",
     .lightCommentNamesFunction = false,
@@ -146,7 +129,7 @@ void compileMaterialToVulkanGlsl(const krShadingDag::ShadingNodeSpec& material, 
         inputs.add("vec3", "", name);
     }
     std::string copies;
-    std::string aliases{kAliases};
+    std::string aliases{kGlslAliases};
     forEachVertexInput(material,
                        [&](const krShadingDag::ShadingAttribute& input)
                        {
