@@ -27,16 +27,6 @@ namespace
 /// What is left to do once the command line is understood.
 using Command = std::function<int()>;
 
-/// The files that a pair of programs makes, for each target.
-std::string endings()
-{
-    std::string text;
-    for (const Target& target : targets())
-        text += std::string(text.empty() ? "" : ", ") + std::string(target.name) + " BASE" +
-                std::string(target.vertexEnding) + " and BASE" + std::string(target.fragmentEnding);
-    return text;
-}
-
 /// What compile and check share: where sources come from, how they are read, and what is reported.
 struct ReadArguments
 {
@@ -99,10 +89,11 @@ void addCompile(CLI::App& app, Command& command)
         ->type_name("TARGETS")
         ->allow_extra_args(false);
     compileApp
-        ->add_option("-o", options.base,
-                     "write " + endings() +
-                         "; with a slash at its end BASE is a folder, and the files take the "
-                         "material's name; \"-\" for standard output")
+        ->add_option(
+            "-o", options.base,
+            "write BASE.vert and BASE.frag, for cg BASE.vert.cg and BASE.frag.cg, for other targets BASE.TARGET.vert "
+            "and BASE.TARGET.frag, in SPIR-V with .spv behind; with a slash at its end BASE is a folder, and "
+            "the files take the material's name; \"-\" for standard output")
         ->type_name("BASE");
     compileApp->add_option("--vertex", options.vertexFile, "where the vertex program goes")->type_name("FILE");
     compileApp->add_option("--fragment", options.fragmentFile, "where the fragment program goes")->type_name("FILE");
