@@ -84,8 +84,9 @@ void FlatPainter::draw(GLenum mode, std::span<const FlatVertex> vertices, const 
     for (const GLuint attribute : {kPlace, kColor})
         glEnableVertexAttribArray(attribute);
     glVertexAttribPointer(kPlace, 3, GL_FLOAT, GL_FALSE, kStride, nullptr);
-    glVertexAttribPointer(kColor, 3, GL_FLOAT, GL_FALSE, kStride,
-                          reinterpret_cast<const void*>(offsetof(FlatVertex, color)));
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): an offset into the buffer goes as a pointer
+    const auto* const colors = reinterpret_cast<const void*>(offsetof(FlatVertex, color));
+    glVertexAttribPointer(kColor, 3, GL_FLOAT, GL_FALSE, kStride, colors);
     glDrawArrays(mode, 0, static_cast<GLsizei>(vertices.size()));
     for (const GLuint attribute : {kPlace, kColor})
         glDisableVertexAttribArray(attribute);
