@@ -37,7 +37,10 @@ void writeStream(const std::string& path, std::string_view text)
     Descriptor stream(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
     if (stream.get() < 0)
         fail(path, errno);
-    if (const int error = writeToDisk(stream.get(), text); error != 0)
+    int error = writeAll(stream.get(), text);
+    if (error == 0)
+        error = forceToDisk(stream.get());
+    if (error != 0)
         fail(path, error);
     if (stream.close() != 0)
         fail(path, errno);
@@ -85,7 +88,7 @@ private:
 
 void OutputFiles::publish(MissingFolders missing) const
 {
-    constexpr std::size_t kMostOpen = 200; // a process has 1024 descriptors as a rule
+    constexpr std::size_t kMostOpen = 800; // a process has 1024 descriptors as a rule
 
     NewFolders folders;
     if (missing == MissingFolders::Make)
@@ -96,6 +99,8 @@ void OutputFiles::publish(MissingFolders missing) const
     for (const auto& [path, text] : fFiles)
         if (path != "-" && !isStream(path))
             staged.push_back(std::make_unique<StagedFile>(path, text, staged.size() < kMostOpen));
+    for (const auto& file : staged)
+        file->settle();
 
     StandardOutput output;
     for (const auto& [path, text] : fFiles)

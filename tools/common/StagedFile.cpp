@@ -102,10 +102,20 @@ void StagedFile::openPassing(unsigned mode)
 
 void StagedFile::write(std::string_view text)
 {
-    int error = writeToDisk(fDescriptor.get(), text);
+    int error = writeAll(fDescriptor.get(), text);
+    if (fPassing && error == 0)
+        error = forceToDisk(fDescriptor.get());
     if (fPassing && fDescriptor.close() != 0 && error == 0)
         error = errno;
     if (error != 0)
+        fail(fPath, error);
+}
+
+void StagedFile::settle() const
+{
+    if (fPassing)
+        return;
+    if (const int error = forceToDisk(fDescriptor.get()); error != 0)
         fail(fPath, error);
 }
 
@@ -142,12 +152,10 @@ void StagedFile::linkPassing()
     }
 }
 
-int writeToDisk(int descriptor, std::string_view text) noexcept
+int forceToDisk(int descriptor) noexcept
 {
-    const int error = writeAll(descriptor, text);
     // Pipes and devices have nothing to be forced.
-    const bool forced = ::fsync(descriptor) == 0 || errno == EINVAL || errno == EROFS || errno == ENOTSUP;
-    return error != 0 ? error : forced ? 0 : errno;
+    return ::fsync(descriptor) == 0 || errno == EINVAL || errno == EROFS || errno == ENOTSUP ? 0 : errno;
 }
 
 } // namespace krTools

@@ -23,6 +23,9 @@ public:
     /// @param mayStayOpen  whether it may hold a descriptor, of which a process has few
     StagedFile(const std::string& path, std::string_view text, bool mayStayOpen);
 
+    /// Forces the file to the disk, if the constructor has not. Of many files it is cheap for all but the first when they
+    /// are all written by then. Throws a FileError.
+    void settle() const;
     /// Gives the file its name. Throws a FileError, and then it has not got it.
     void publish();
 
@@ -38,7 +41,7 @@ private:
     std::unique_ptr<PassingName> fPassing;
 };
 
-/// Writes, forces to the disk as far as there is one, and says what went wrong: 0, or the first error number.
-[[nodiscard]] int writeToDisk(int descriptor, std::string_view text) noexcept;
+/// Forces what was written to the disk, as far as there is one; answers 0 or the error number.
+[[nodiscard]] int forceToDisk(int descriptor) noexcept;
 
 } // namespace krTools
