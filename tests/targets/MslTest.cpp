@@ -1,10 +1,8 @@
-// No compiler of the Metal language is to be had: a C++ compiler reads the programs beside a stub of its library.
+// Nothing packaged compiles the Metal language: a C++ compiler reads the programs beside a stub of its library.
 #include "TargetPrograms.h"
 
-#include "frontend/ProgramGenerator.h"
-#include "shadergen/Scenes.h"
-
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -36,7 +34,8 @@ TEST(Msl, IsReadByACppCompiler)
         for (const std::string& text : {program.vertex(), program.fragment()})
             unit += asCpp(text, number++);
     }
-    const std::filesystem::path source = std::filesystem::temp_directory_path() / "krender-metal-programs.cpp";
+    const std::filesystem::path source =
+        std::filesystem::temp_directory_path() / ("krender-metal-" + std::to_string(::getpid()) + ".cpp");
     const auto compiles = [&source](const std::string& text, const std::string& messages = "")
     {
         std::ofstream(source) << text;

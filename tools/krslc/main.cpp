@@ -6,7 +6,6 @@
 
 #include <common/CommandLine.h>
 #include <common/ExitStatus.h>
-#include <common/PrintedMessage.h>
 #include <common/StandardOutput.h>
 #include <common/Targets.h>
 #include <common/UsageError.h>
@@ -15,7 +14,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>

@@ -11,7 +11,6 @@
 #include "View.h"
 
 #include <common/ExitStatus.h>
-#include <common/Findings.h>
 #include <common/Source.h>
 
 #include <krender/core/IHWMemoryObject.h>
