@@ -34,7 +34,7 @@ std::string ProgramWriter::choose(std::string_view form)
             continue;
         }
         std::vector<std::size_t> ends{i + 1}; // of the ways, from the one before the first
-        for (unsigned depth = 1; depth > 0;)
+        for (int depth = 1; depth > 0;)
         {
             i = form.find('@', i + 1) + 1;
             depth += form[i] == '(' ? 1 : form[i] == ')' ? -1 : 0;

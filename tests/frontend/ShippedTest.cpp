@@ -26,7 +26,7 @@ TEST_P(FullSource, HasNoWarningsAndDescribesItsUniforms)
         {
             if (shader.kind == krFrontend::ShaderKind::Function || input.frequencies != krShadingDag::kUniformRange)
                 continue;
-            EXPECT_TRUE(input.defaultValue.isSet() || input.type == kSampler2D) << input.name;
+            EXPECT_TRUE(input.defaultValue.isSet() || isSampler(input.type)) << input.name;
             EXPECT_TRUE(std::any_of(input.metadata.begin(), input.metadata.end(),
                                     [](const auto& item) { return item.name == "label"; }))
                 << input.name;

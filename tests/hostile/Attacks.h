@@ -20,6 +20,7 @@ struct Attack
 
 [[nodiscard]] std::vector<Attack> krslcAttacks();
 [[nodiscard]] std::vector<Attack> krviewAttacks();
+[[nodiscard]] std::vector<Attack> meshAttacks();
 
 /// A number of pieces, each with its number where it has a '@'.
 [[nodiscard]] inline std::string pieces(std::size_t count, std::string_view piece)

@@ -32,3 +32,6 @@ TEST_P(Attacks, GetAnAnswer)
 constexpr auto kNameOf = [](const auto& given) { return std::string(given.param.name); };
 INSTANTIATE_TEST_SUITE_P(Krslc, Attacks, testing::ValuesIn(krslcAttacks()), kNameOf);
 INSTANTIATE_TEST_SUITE_P(Krview, Attacks, testing::ValuesIn(krviewAttacks()), kNameOf);
+#ifdef KRVIEW_HAS_ASSIMP
+INSTANTIATE_TEST_SUITE_P(Meshes, Attacks, testing::ValuesIn(meshAttacks()), kNameOf);
+#endif

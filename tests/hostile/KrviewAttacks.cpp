@@ -22,17 +22,38 @@ std::string chunk(std::size_t length, const std::string& name, const std::string
     return bytes;
 }
 
-/// A scene whose material shows a picture of 8-bit RGBA.
-void writePicture(const Workplace& place, std::size_t width, std::size_t height, const std::string& chunks)
+/// A scene whose material shows a picture.
+void writePicture(const Workplace& place, const std::string& bytes)
+{
+    place.write("p.png", bytes);
+    place.write("m.krs", "material m(uniform sampler2D t, out float4 outRGBA)\n"
+                         "{ outRGBA = texture2D(t, float2(0.5, 0.5)); }\n");
+    place.write("s.json", R"({"material": "m.krs", "inputs": {"t": "p.png"}})");
+}
+
+/// Likewise of a PNG file of 8-bit RGBA.
+void writePng(const Workplace& place, std::size_t width, std::size_t height, const std::string& chunks)
 {
     std::string header;
     append(header, width);
     append(header, height);
     header += std::string("\x08\x06\0\0\0", 5);
-    place.write("p.png", "\x89PNG\r\n\x1a\n" + chunk(header.size(), "IHDR", header) + chunks + chunk(0, "IEND", ""));
-    place.write("m.krs", "material m(uniform sampler2D t, out float4 outRGBA)\n"
-                         "{ outRGBA = texture2D(t, float2(0.5, 0.5)); }\n");
-    place.write("s.json", R"({"material": "m.krs", "inputs": {"t": "p.png"}})");
+    writePicture(place, "\x89PNG\r\n\x1a\n" + chunk(header.size(), "IHDR", header) + chunks + chunk(0, "IEND", ""));
+}
+
+/// The begin of a grey JPEG file.
+/// @param side  pixels; four hexadecimal digits as two bytes
+std::string jpeg(const std::string& side, const std::string& scans)
+{
+    return "\xff\xd8\xff\xc2" + std::string("\0\x0b\x08", 3) + side + side + std::string("\x01\x01\x11\0", 4) + scans;
+}
+
+/// One pass over the pixels, without any of them.
+const std::string kScan("\xff\xda\0\x08\x01\x01\0\0\0\0", 10);
+
+std::string hdr(const char* size, const std::string& rows)
+{
+    return std::string("#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n") + size + "\n" + rows;
 }
 
 /// A scene of the material with further members.
@@ -94,21 +115,85 @@ std::vector<Attack> krviewAttacks()
          "s.json:3:2: error: grid: this is given twice"},
         {"HugeWindow", [](const Workplace& p) { writeScene(p, "\"size\": [8193, 8]"); }, kScene, 1,
          "s.json:2:10: error: size[0]: a number from 8.0 to 8192.0"},
+        {"WindowOfManyPixels", [](const Workplace& p) { writeScene(p, "\"size\": [8192, 8192], \"samples\": 64"); },
+         kScene, 0, ""},
+        // Outputs
+        {"EndlessTurn",
+         [](const Workplace& p) { writeScene(p, "\"grid\": 1"); },
+         {"krview", "s.json", "--turntable", "4294967296", "t"},
+         2,
+         "--turntable 4294967296: a number of pictures is wanted, from 1 to 100000"},
+        {"TurnIntoAFile",
+         [](const Workplace& p) { writeScene(p, "\"grid\": 1"); },
+         {"krview", "s.json", "--turntable", "2", "m.krs"},
+         2,
+         "cannot make the folder 'm.krs': "},
+        {"TurnWhereNobodyWrites",
+         [](const Workplace& p) { writeScene(p, "\"grid\": 1"); },
+         {"krview", "s.json", "--turntable", "2", "/proc/turn"},
+         2,
+         "cannot make the folder '/proc/turn': "},
+        {"ComparedWithABrokenPicture",
+         [](const Workplace& p) { writePng(p, 8192, 8192, chunk(1, "IDAT", "x")); },
+         {"krview", "--compare", "p.png"},
+         2,
+         "it has fewer bytes than its pixels need"},
+        {"ComparedWithWhatNeverEnds", [](const Workplace&) {}, {"krview", "--compare", "/dev/zero"}, 2, "/dev/zero"},
         // Pictures
-        {"PictureOfManyPixels", [](const Workplace& p) { writePicture(p, 16384, 16384, ""); }, kScene, 2,
+        {"PngOfManyPixels", [](const Workplace& p) { writePng(p, 16384, 16384, ""); }, kScene, 2,
          "more in all than 8192 times 8192"},
-        {"PictureWithoutItsPixels", [](const Workplace& p) { writePicture(p, 8192, 8192, chunk(1, "IDAT", "x")); },
-         kScene, 2, "it has fewer bytes than its pixels need"},
-        {"LongChunk", [](const Workplace& p) { writePicture(p, 16, 16, chunk(0x7ffffff0, "zTXt", "x")); }, kScene, 2,
+        {"PngWithoutItsPixels", [](const Workplace& p) { writePng(p, 8192, 8192, chunk(1, "IDAT", "x")); }, kScene, 2,
+         "it has fewer bytes than its pixels need"},
+        {"LongChunk", [](const Workplace& p) { writePng(p, 16, 16, chunk(0x7ffffff0, "zTXt", "x")); }, kScene, 2,
          "a part of it is said to be longer than the file"},
-        {"LongPixels", [](const Workplace& p) { writePicture(p, 16, 16, chunk(0xffffffff, "IDAT", "x")); }, kScene, 2,
+        {"LongPixels", [](const Workplace& p) { writePng(p, 16, 16, chunk(0xffffffff, "IDAT", "x")); }, kScene, 2,
          "a part of it is said to be longer than the file"},
-        {"NoPicture",
+        {"PngCutOff", [](const Workplace& p) { writePicture(p, "\x89PNG"); }, kScene, 2, "cannot read 'p.png': "},
+        {"JpegOfManyPixels", [](const Workplace& p) { writePicture(p, jpeg("\xff\xdc", kScan + "\xff\xd9")); }, kScene,
+         2, "more in all than 8192 times 8192"},
+        {"JpegWithoutItsPixels",
+         [](const Workplace& p) { writePicture(p, jpeg(std::string("\x20\0", 2), kScan + "\xff\xd9")); }, kScene, 2,
+         "it has fewer bytes than its pixels need"},
+        {"JpegCutOff", [](const Workplace& p) { writePicture(p, jpeg(std::string("\0\x10", 2), kScan + "xx")); },
+         kScene, 2, "it ends in the midst of the picture"},
+        {"JpegOfTablesAlone", [](const Workplace& p) { writePicture(p, "\xff\xd8\xff\xd9"); }, kScene, 2,
+         "it has no pixels"},
+        {"JpegOfManyPasses",
+         [](const Workplace& p) { writePicture(p, jpeg(std::string("\0\x10", 2), pieces(65, kScan) + "\xff\xd9")); },
+         kScene, 2, "it comes in more than 64 passes"},
+        {"JpegOfNoTables",
+         [](const Workplace& p) { writePicture(p, jpeg(std::string("\0\x10", 2), kScan + "xxxx\xff\xd9")); }, kScene, 2,
+         "cannot read 'p.png': "},
+        {"HdrOfManyPixels", [](const Workplace& p) { writePicture(p, hdr("-Y 8192 +X 4097", "")); }, kScene, 2,
+         "it has more pixels than 8192 times 4096"},
+        {"HdrOfPixelsBeyondNumbers",
+         [](const Workplace& p) { writePicture(p, hdr("-Y 18446744073709551617 +X 1", "xxxx")); }, kScene, 2,
+         "its header gives no size"},
+        {"HdrWithoutItsPixels",
+         [](const Workplace& p) { writePicture(p, hdr("-Y 4096 +X 8192", std::string("\2\2\x20\0", 4))); }, kScene, 2,
+         "it has fewer bytes than its pixels need"},
+        {"HdrCutOff",
          [](const Workplace& p)
-         {
-             writePicture(p, 16, 16, "");
-             p.write("p.png", "\x89PNG");
-         },
-         kScene, 2, "cannot read 'p.png': "},
+         { writePicture(p, hdr("-Y 2 +X 8", std::string("\2\2\0\x08", 4) + std::string(20, 8))); },
+         kScene, 2, "it ends in the midst of the picture"},
+        {"HdrRunPastItsRow",
+         [](const Workplace& p)
+         { writePicture(p, hdr("-Y 1 +X 8", std::string("\2\2\0\x08", 4) + std::string(20, '\x89'))); },
+         kScene, 2, "a run of it does not fit into its row"},
+        {"HdrRunOfNothing",
+         [](const Workplace& p)
+         { writePicture(p, hdr("-Y 1 +X 8", std::string("\2\2\0\x08", 4) + std::string(20, 0))); },
+         kScene, 2, "a run of it does not fit into its row"},
+        {"HdrRunAheadOfPixels", [](const Workplace& p) { writePicture(p, hdr("-Y 1 +X 4", "\1\1\1\1")); }, kScene, 2,
+         "a run of it does not fit into its row"},
+        {"HdrHeaderWithoutEnd", [](const Workplace& p) { writePicture(p, "#?RADIANCE\n" + std::string(1 << 20, 'x')); },
+         kScene, 2, "its header has no end"},
+        {"PictureOfAnotherKind", [](const Workplace& p) { writePicture(p, "GIF89a"); }, kScene, 2,
+         "it is neither PNG nor JPEG nor Radiance HDR"},
+        {"EndlessPicture",
+         [](const Workplace& p) { writePicture(p, ""); },
+         {"krview", "s.json", "--set", "t=/dev/zero"},
+         1,
+         "there is no picture '/dev/zero'"},
     };
 }

@@ -76,7 +76,7 @@ TEST(Camera, SymmetricForms)
 {
     IHWCamera camera;
     camera.setPerspective(90, 2, 1, 100);
-    for (const unsigned i : {0, 1, 2, 3}) // the aspect widens, it does not flatten
+    for (const unsigned i : {0U, 1U, 2U, 3U}) // the aspect widens, it does not flatten
         EXPECT_NEAR(windowOf(camera)[i], (std::array{-2, 2, -1, 1}[i]), 1e-12);
     camera.setOrthographic(4, 0.5, 1, 10);
     EXPECT_EQ(windowOf(camera), (Window{-2, 2, -1, 1, 1, 10}));

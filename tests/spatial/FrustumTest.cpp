@@ -92,11 +92,12 @@ std::size_t expectPlainAnswers(const Frustum& frustum, const std::vector<Volume>
     {
         std::vector<std::uint8_t> visible(volumes.size() + 8, 7);
         testArray(volumes, std::span(visible).first(length));
-        std::vector<std::uint8_t> wanted(expected.begin(), expected.begin() + std::min(length, volumes.size()));
+        const std::size_t tested = std::min(length, volumes.size());
+        std::vector<std::uint8_t> wanted(expected.begin(), expected.begin() + static_cast<std::ptrdiff_t>(tested));
         wanted.resize(visible.size(), 7);
         EXPECT_EQ(visible, wanted) << volumes.size() << " volumes, " << length << " answers";
     }
-    return std::ranges::count(expected, 1);
+    return static_cast<std::size_t>(std::ranges::count(expected, 1));
 }
 
 } // namespace

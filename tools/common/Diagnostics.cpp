@@ -5,7 +5,6 @@
 #include <krender/frontend/Module.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -66,28 +65,27 @@ std::size_t hiddenErrors(const krFrontend::Module& module)
                                                   { return diagnostic.severity == Severity::Error; }));
 }
 
-void print(const SourceSet& sources, const Diagnostic& diagnostic)
+void print(const SourceSet& sources, const Diagnostic& diagnostic, MessageOutput& output)
 {
     const std::string name = shownName(diagnostic);
     PrintedMessage message = messageAt(sources, diagnostic.range, messageKind(diagnostic.severity), diagnostic.text);
     message.name = name;
-    print(message);
+    print(message, output);
     for (const DiagnosticNote& note : diagnostic.notes)
-        print(sources, note);
+        print(sources, note, output);
     for (const DiagnosticFix& fix : diagnostic.fixes)
-        print(messageAt(sources, fix.range, MessageKind::Fix, describe(sources, fix)));
+        print(messageAt(sources, fix.range, MessageKind::Fix, describe(sources, fix)), output);
 }
 
-void print(const SourceSet& sources, const DiagnosticNote& note)
+void print(const SourceSet& sources, const DiagnosticNote& note, MessageOutput& output)
 {
-    print(messageAt(sources, note.range, MessageKind::Note, note.text));
+    print(messageAt(sources, note.range, MessageKind::Note, note.text), output);
 }
 
-void printHidden(const krFrontend::Module& module)
+void printHidden(const krFrontend::Module& module, MessageOutput& output)
 {
     if (const std::size_t hidden = hiddenErrors(module); hidden > 0)
-        std::fprintf(stderr, "%s: %zu more errors are not shown\n", printable(module.sources().file(0).name()).c_str(),
-                     hidden);
+        printRest(module.sources().file(0).name(), hidden, "errors", output);
 }
 
 } // namespace krTools

@@ -1,4 +1,6 @@
 #pragma once
+#include <common/MessageOutput.h>
+
 #include <krender/frontend/Diagnostic.h>
 #include <krender/frontend/Module.h>
 #include <krender/frontend/SourceSet.h>
@@ -11,11 +13,13 @@ namespace krTools
 /// How many errors of a module are counted but not kept.
 [[nodiscard]] std::size_t hiddenErrors(const krFrontend::Module& module);
 
-/// Prints a diagnostic on standard error.
-void print(const krFrontend::SourceSet& sources, const krFrontend::Diagnostic& diagnostic);
-/// Prints a note on standard error.
-void print(const krFrontend::SourceSet& sources, const krFrontend::DiagnosticNote& note);
-/// Prints on standard error how many errors of a module are not shown, if there are any.
-void printHidden(const krFrontend::Module& module);
+/// Shows a diagnostic with its notes and fixes.
+void print(const krFrontend::SourceSet& sources, const krFrontend::Diagnostic& diagnostic,
+           MessageOutput& output = standardMessages());
+/// Shows a note.
+void print(const krFrontend::SourceSet& sources, const krFrontend::DiagnosticNote& note,
+           MessageOutput& output = standardMessages());
+/// Shows how many errors of a module are left out, if there are any.
+void printHidden(const krFrontend::Module& module, MessageOutput& output = standardMessages());
 
 } // namespace krTools

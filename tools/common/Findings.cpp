@@ -1,7 +1,6 @@
 #include <common/Findings.h>
 
 #include <algorithm>
-#include <cstdio>
 
 namespace krTools
 {
@@ -29,7 +28,7 @@ void Findings::sort()
                      [](const Finding& a, const Finding& b) { return a.position < b.position; });
 }
 
-void print(const Source& source, const Findings& findings)
+void print(const Source& source, const Findings& findings, MessageOutput& output)
 {
     for (const Finding& finding : findings.kept())
     {
@@ -39,11 +38,11 @@ void print(const Source& source, const Findings& findings)
                .column = place.column,
                .lineText = place.text,
                .kind = messageKind(finding.severity),
-               .text = finding.text});
+               .text = finding.text},
+              output);
     }
     if (findings.notKept() > 0)
-        std::fprintf(stderr, "%s: %zu more messages are not shown\n", printable(source.name()).c_str(),
-                     findings.notKept());
+        printRest(source.name(), findings.notKept(), "messages", output);
 }
 
 } // namespace krTools

@@ -45,7 +45,7 @@ private:
     std::size_t fNotKept = 0;
 };
 
-/// Prints each finding with its line and a caret under the place.
-void print(const Source& source, const Findings& findings);
+/// Shows each finding with its line and a caret under the place.
+void print(const Source& source, const Findings& findings, MessageOutput& output = standardMessages());
 
 } // namespace krTools

@@ -304,7 +304,7 @@ private:
 std::vector<std::string> libraryFiles(const std::string& stdlib, const std::vector<std::string>& more)
 {
     std::vector<std::string> files;
-    if (stdlib != "none")
+    if (stdlib != kNoLibrary)
         files.push_back(stdlib.empty() ? dataFile("stdlib.krs") : stdlib);
     files.insert(files.end(), more.begin(), more.end());
     return files;

@@ -1,11 +1,6 @@
 #include <common/PrintedMessage.h>
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
-#include <cstdio>
-#include <cstdlib>
 
 namespace krTools
 {
@@ -15,23 +10,6 @@ namespace
 
 constexpr std::size_t kMaxShown = 16384; // bytes of a message, of which a path may have 4096
 constexpr std::size_t kMaxContext = 100; // bytes of a source line on either side of the place
-
-struct KindStyle
-{
-    MessageKind kind;
-    const char* word;
-    const char* colour;
-};
-
-constexpr std::array kStyles{
-    KindStyle{MessageKind::Error, "error: ", "\033[1;31m"},
-    KindStyle{MessageKind::Warning, "warning: ", "\033[1;35m"},
-    KindStyle{MessageKind::Note, "note: ", "\033[1;36m"},
-    KindStyle{MessageKind::Fix, "fix: ", "\033[1;32m"},
-};
-static_assert(kStyles.back().kind == static_cast<MessageKind>(kStyles.size() - 1));
-
-const KindStyle& styleOf(MessageKind kind) { return kStyles[static_cast<std::size_t>(kind)]; }
 
 /// The bytes of the UTF-8 character that the text begins with; 0 when it is broken.
 std::size_t characterLength(std::string_view text)
@@ -91,8 +69,8 @@ void appendMarked(std::string& out, std::string& below, std::string_view piece, 
     }
 }
 
-/// The line, or as much of it as stands near the place, and the range underlined: "^~~~".
-std::string excerpt(const PrintedMessage& message, const char* colour, const char* plain)
+/// Fills in the line, or as much of it as stands near the place, and the underline of the range: "^~~~".
+void addExcerpt(ShownMessage& shown, const PrintedMessage& message)
 {
     const std::string_view line = message.lineText;
     const std::size_t caret = std::min(message.column - 1, line.size());
@@ -100,68 +78,52 @@ std::string excerpt(const PrintedMessage& message, const char* colour, const cha
     const std::size_t end = caret + std::min(line.size() - caret, kMaxContext);
     const std::size_t rangeEnd = caret + std::min(message.length, end - caret);
 
-    std::string text = begin > 0 ? "..." : "";
-    std::string below(text.size(), ' ');
-    appendMarked(text, below, line.substr(begin, caret - begin), ' ');
-    std::string underline;
-    appendMarked(text, underline, line.substr(caret, rangeEnd - caret), '~');
-    appendPrintable(text, line.substr(rangeEnd, end - rangeEnd));
-    underline.resize(std::max<std::size_t>(underline.size(), 1));
-    underline[0] = '^';
-    return text + (end < line.size() ? "...\n" : "\n") + below + colour + underline + plain + '\n';
+    shown.line = begin > 0 ? "..." : "";
+    shown.blanks.assign(shown.line.size(), ' ');
+    appendMarked(shown.line, shown.blanks, line.substr(begin, caret - begin), ' ');
+    appendMarked(shown.line, shown.underline, line.substr(caret, rangeEnd - caret), '~');
+    appendPrintable(shown.line, line.substr(rangeEnd, end - rangeEnd));
+    shown.line += end < line.size() ? "..." : "";
+    shown.underline.resize(std::max<std::size_t>(shown.underline.size(), 1));
+    shown.underline[0] = '^';
 }
 
-/// The escape sequences of a kind of message; all empty where no colour is wanted.
-struct Colours
+void printWithoutPlace(MessageKind kind, std::string_view origin, std::string_view text, MessageOutput& output)
 {
-    const char* kind;
-    const char* bold;
-    const char* plain;
-};
-
-Colours coloursOf(const KindStyle& style)
-{
-    static const bool wantsColour = []
-    {
-        const char* noColour = std::getenv("NO_COLOR");
-        const char* terminal = std::getenv("TERM");
-        return (!noColour || !*noColour) && terminal && std::string_view(terminal) != "dumb" &&
-               ::isatty(STDERR_FILENO) != 0;
-    }();
-    return wantsColour ? Colours{style.colour, "\033[1m", "\033[0m"} : Colours{"", "", ""};
-}
-
-void printWithoutPlace(MessageKind kind, std::string_view program, std::string_view text)
-{
-    const KindStyle& style = styleOf(kind);
-    const auto [kindColour, bold, plain] = coloursOf(style);
-    const std::string shown = std::string(program) + ": " + kindColour + style.word + plain + printable(text) + '\n';
-    std::fputs(shown.c_str(), stderr);
+    output.show({.kind = kind, .origin = std::string(origin), .text = printable(text)});
 }
 
 } // namespace
 
-void print(const PrintedMessage& message)
+void print(const PrintedMessage& message, MessageOutput& output)
 {
-    const KindStyle& style = styleOf(message.kind);
-    const auto [kindColour, bold, plain] = coloursOf(style);
-    std::string text = bold + printable(message.file) + ':' + std::to_string(message.line) + ':' +
-                       std::to_string(message.column) + ": " + kindColour + style.word + plain + bold +
-                       printable(message.text);
+    ShownMessage shown{.kind = message.kind,
+                       .hasPlace = true,
+                       .origin = printable(message.file) + ':' + std::to_string(message.line) + ':' +
+                                 std::to_string(message.column),
+                       .text = printable(message.text)};
     if (!message.name.empty())
-        text.append(" [").append(message.name).append("]");
-    text.append(plain).append("\n");
+        shown.text.append(" [").append(message.name).append("]");
     if (message.kind != MessageKind::Fix)
-        text += excerpt(message, kindColour, plain);
-    std::fputs(text.c_str(), stderr);
+        addExcerpt(shown, message);
+    output.show(shown);
 }
 
-void printError(std::string_view program, std::string_view text)
+void printError(std::string_view program, std::string_view text, MessageOutput& output)
 {
-    printWithoutPlace(MessageKind::Error, program, text);
+    printWithoutPlace(MessageKind::Error, program, text, output);
 }
 
-void printNote(std::string_view program, std::string_view text) { printWithoutPlace(MessageKind::Note, program, text); }
+void printNote(std::string_view program, std::string_view text)
+{
+    printWithoutPlace(MessageKind::Note, program, text, standardMessages());
+}
+
+void printRest(std::string_view file, std::size_t count, const char* what, MessageOutput& output)
+{
+    printWithoutPlace(MessageKind::Rest, printable(file), std::to_string(count) + " more " + what + " are not shown",
+                      output);
+}
 
 std::string printable(std::string_view text)
 {

@@ -1,5 +1,5 @@
 #pragma once
-#include <krender/frontend/Diagnostic.h>
+#include <common/MessageOutput.h>
 
 #include <array>
 #include <charconv>
@@ -9,21 +9,6 @@
 
 namespace krTools
 {
-
-using krFrontend::Severity;
-
-enum class MessageKind
-{
-    Error,
-    Warning,
-    Note,
-    Fix,
-};
-
-[[nodiscard]] constexpr MessageKind messageKind(Severity severity) noexcept
-{
-    return severity == Severity::Error ? MessageKind::Error : MessageKind::Warning;
-}
 
 /// A message about a place in a source, with the line that it is about.
 struct PrintedMessage
@@ -38,14 +23,17 @@ struct PrintedMessage
     std::string_view name = {}; ///< printed in brackets; empty for none
 };
 
-/// Prints a message on standard error as "file:line:column: error: text [name]", and below it, for all but a fix, the line
-/// and the range underlined. On a terminal it is in colour, unless its user has asked for plain text (NO_COLOR).
-void print(const PrintedMessage& message);
+/// Shows a message as "file:line:column: error: text [name]", and below it, for all but a fix, the line and the range
+/// underlined.
+void print(const PrintedMessage& message, MessageOutput& output = standardMessages());
 
-/// Prints "program: error: text" on standard error, for what has no place in a source.
-void printError(std::string_view program, std::string_view text);
-/// Prints "program: note: text" likewise.
+/// Shows "program: error: text", for what has no place in a source.
+void printError(std::string_view program, std::string_view text, MessageOutput& output = standardMessages());
+/// Shows "program: note: text" likewise.
 void printNote(std::string_view program, std::string_view text);
+/// Shows how many messages about a file are left out.
+/// @param what  "errors" or the like
+void printRest(std::string_view file, std::size_t count, const char* what, MessageOutput& output);
 
 /// Makes any bytes fit to be shown: control bytes and broken UTF-8 become \xNN, and what is long is cut.
 [[nodiscard]] std::string printable(std::string_view text);

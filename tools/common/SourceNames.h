@@ -8,6 +8,9 @@
 namespace krTools
 {
 
+/// Names no standard library at all.
+inline constexpr const char* kNoLibrary = "none";
+
 /// Which function of which file is the material.
 struct MaterialName
 {

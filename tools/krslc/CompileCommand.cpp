@@ -1,11 +1,11 @@
 #include "CompileCommand.h"
 
 #include "Depfile.h"
-#include "InterfaceJson.h"
 #include "Report.h"
 #include "Validation.h"
 
 #include <common/ExitStatus.h>
+#include <common/InterfaceJson.h>
 #include <common/MaterialCompiler.h>
 #include <common/OutputFiles.h>
 #include <common/ProgramBounds.h>
@@ -225,7 +225,7 @@ bool addMaterial(const krTools::MaterialName& name, MaterialCompiler& compiler, 
                 "fragmentFile", files[i].fragment.name()
             }
         };
-        interface.update(jsonOf(programs[i]));
+        interface.update(krTools::jsonOf(programs[i].program.interface, programs[i].translation));
         outputs.interfaces.push_back(std::move(interface));
     }
     return true;

@@ -1,9 +1,9 @@
 #include "InterfaceCommand.h"
 
-#include "InterfaceJson.h"
 #include "Report.h"
 
 #include <common/ExitStatus.h>
+#include <common/InterfaceJson.h>
 #include <common/MaterialCompiler.h>
 #include <common/StandardOutput.h>
 
@@ -54,7 +54,8 @@ std::string textOf(const InputInterface& argument)
 
 std::string textOf(const ShaderInterface& shader)
 {
-    std::string text = shader.kind == ShaderKind::Function ? dataTypeName(shader.result) : kindName(shader.kind);
+    std::string text =
+        shader.kind == ShaderKind::Function ? dataTypeName(shader.result) : krTools::kindName(shader.kind);
     text += ' ' + shader.name + (shader.hasBody ? "\n" : " (declared)\n");
     for (const InputInterface& argument : shader.arguments)
         text += textOf(argument);
@@ -76,7 +77,7 @@ int printInterface(const InterfaceOptions& options)
     ordered_json shaders = ordered_json::array();
     for (const ShaderInterface& shader : krFrontend::interfaceOf(module))
         if (options.asJson)
-            shaders.push_back(jsonOf(module.sources(), shader));
+            shaders.push_back(krTools::jsonOf(module.sources(), shader));
         else
             output.write(textOf(shader));
     if (options.asJson)

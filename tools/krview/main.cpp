@@ -1,11 +1,20 @@
-#include "InputError.h"
 #include "Options.h"
-#include "Session.h"
+#include "PictureRun.h"
+#include "WindowSession.h"
+
+#ifdef KRVIEW_HAS_ASSIMP
+#include <krview/mesh/AssimpReader.h>
+#include <krview/mesh/MeshReaderProcess.h>
+#endif
+#include <krview/page/PageExport.h>
+#include <krview/scene/InputError.h>
 
 #include <common/CommandLine.h>
 #include <common/ExitStatus.h>
+#include <common/MessageOutput.h>
 
 #include <optional>
+#include <string_view>
 
 namespace
 {
@@ -15,11 +24,15 @@ int run(int argc, char** argv)
     try
     {
         const std::optional<Options> options = readOptions(argc, argv);
-        return options ? showScene(*options) : krTools::kDone;
+        if (!options)
+            return krTools::kDone;
+        if (!options->page.empty())
+            return exportPage(*options);
+        return options->wantsPictures() ? drawPictures(*options) : showInWindow(*options);
     }
     catch (const InputError& error)
     {
-        error.print();
+        error.print(krTools::standardMessages());
         return krTools::kInputHasErrors;
     }
 }
@@ -28,5 +41,9 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+#ifdef KRVIEW_HAS_ASSIMP
+    if (argc == 3 && std::string_view(argv[1]) == kMeshReaderArgument)
+        readMeshHere(argv[2]);
+#endif
     return krTools::runProgram("krview", [argc, argv] { return run(argc, argv); });
 }

@@ -1,0 +1,31 @@
+#pragma once
+#include "MeshWire.h"
+
+#include <assimp/IOSystem.hpp>
+
+#include <filesystem>
+#include <set>
+#include <string>
+
+/// Lets Assimp read a mesh file and the files below its folder, and nothing else; tells of each that it looks for.
+class MeshFolder : public Assimp::IOSystem
+{
+public:
+    /// @param output  borrowed
+    MeshFolder(const std::string& mesh, const MeshWireOutput& output);
+
+    [[nodiscard]] bool Exists(const char* path) const override;
+    [[nodiscard]] char getOsSeparator() const override { return '/'; }
+    /// @return  null for a file that may not or cannot be read, or is too large
+    Assimp::IOStream* Open(const char* path, const char* mode) override;
+    void Close(Assimp::IOStream* stream) override;
+    bool CreateDirectory(const std::string&) override { return false; }
+    bool ChangeDirectory(const std::string&) override { return false; }
+    bool DeleteFile(const std::string&) override { return false; }
+
+private:
+    std::filesystem::path fMesh;
+    std::filesystem::path fFolder; ///< without links
+    const MeshWireOutput& fOutput;
+    mutable std::set<std::string> fTold;
+};

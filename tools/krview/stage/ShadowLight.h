@@ -1,0 +1,31 @@
+#pragma once
+#include "InputNames.h"
+
+#include <krview/scene/Scene.h>
+
+#include <krender/platform/Linear.h>
+#include <krender/shading/DataType.h>
+#include <krender/spatial/AABoundingBox.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+/// The numbers of an input by its name in scenes; null when there is none.
+using NumbersByName = std::function<const std::vector<double>*(const std::string& name)>;
+
+/// The key of the light that casts shadows; empty for none. Throws an InputError if the one that the scene names takes no
+/// depth map.
+[[nodiscard]] std::string shadowLight(const Scene& scene, const std::vector<ObjectMaterials>& objects);
+
+/// The input of a light that is of a type; null when there is none.
+[[nodiscard]] const ProgramInput* inputOf(const Material& material, const std::string& light, DataType type);
+
+/// From the scene to the clip space of what a light sees, as its inputs tell: those named "position", "target" (or "axis",
+/// towards the light) and "cone" (degrees across) for a lamp, "direction" (towards the light) for one far away.
+/// @param bounds  of all that casts shadows or gets them
+[[nodiscard]] krLinear::ProjMatrix shadowView(const std::string& light, const NumbersByName& numbers,
+                                              const AABoundingBox& bounds);
+
+/// From the clip space to the depth map, all from 0 to 1.
+[[nodiscard]] const krLinear::ProjMatrix& clipToMap();
