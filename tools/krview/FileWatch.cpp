@@ -18,28 +18,39 @@ void FileWatch::watch(const std::vector<std::string>& files, Moment before)
 {
     // The clock of file systems goes in steps, and lags behind by one.
     before -= std::chrono::milliseconds(10);
-    std::map<std::string, State> states;
-    for (const std::string& file : files)
+    std::map<std::string, File> watched;
+    for (const std::string& path : files)
     {
         // A file that changed while it was read again has changed since the last call.
-        const auto known = fStates.find(file);
-        State state = known == fStates.end() ? stateOf(file) : known->second;
+        if (const auto known = fFiles.find(path); known != fFiles.end())
+        {
+            watched.insert(*known);
+            continue;
+        }
         // A new one may have appeared after it was looked for: then it counts as not there yet.
-        if (known == fStates.end() && state.changed >= before)
-            state = {};
-        states.emplace(file, state);
+        const State state = stateOf(path);
+        const State known = state.changed >= before ? State() : state;
+        watched.emplace(path, File{known, known, {}});
     }
-    fStates = std::move(states);
+    fFiles = std::move(watched);
 }
 
-bool FileWatch::hasChanged()
+bool FileWatch::hasChanged(Clock::time_point now)
 {
     bool changed = false;
-    for (auto& [path, known] : fStates)
+    for (auto& [path, file] : fFiles)
     {
         const State state = stateOf(path);
-        changed |= state != known;
-        known = state;
+        if (state != file.seen)
+        {
+            file.seen = state;
+            file.since = now;
+        }
+        if (file.seen != file.known && now - file.since >= kRest)
+        {
+            file.known = file.seen;
+            changed = true;
+        }
     }
     return changed;
 }

@@ -4,7 +4,9 @@
 #include <string>
 #include <vector>
 
-/// Tells when files change. It compares size, time and inode, so it also notices editors that replace files.
+/// Tells when files change. It compares size, time and inode, so it also notices editors that replace files. A change
+/// counts once the file has stayed as it is for a moment: editors empty a file before they write it, or remove it before
+/// they put another in its place.
 class FileWatch
 {
 public:
@@ -15,8 +17,12 @@ public:
     /// Watches these files instead of the former ones. No change is lost: neither of those that were watched before, nor
     /// of those that were first read at some time after the given moment.
     void watch(const std::vector<std::string>& files, Moment before);
-    /// Whether a file has changed, appeared or disappeared since the last call or watch().
-    [[nodiscard]] bool hasChanged();
+    using Clock = std::chrono::steady_clock;
+    /// How long a file stays as it is before a change of it counts.
+    static constexpr auto kRest = std::chrono::milliseconds(50);
+
+    /// Whether a file has changed, appeared or disappeared since the last time that this was so, or since watch().
+    [[nodiscard]] bool hasChanged(Clock::time_point now = Clock::now());
 
 private:
     struct State
@@ -29,7 +35,15 @@ private:
         friend bool operator==(const State&, const State&) = default;
     };
 
+    /// A file, as it was when it counted and as it was seen last.
+    struct File
+    {
+        State known;
+        State seen;
+        Clock::time_point since; ///< it is as it was seen last
+    };
+
     [[nodiscard]] static State stateOf(const std::string& path);
 
-    std::map<std::string, State> fStates; ///< by path
+    std::map<std::string, File> fFiles; ///< by path
 };

@@ -48,7 +48,7 @@ namespace
 {
 
 constexpr std::size_t kMostSceneText = 1000000; ///< bytes that are compared
-constexpr int kWatchMilliseconds = 100;         ///< between two checks of the sources
+constexpr int kWatchMilliseconds = 50;          ///< between two looks at the sources
 
 /// Whether errors do not end the program, but stand in the window until they are mended.
 bool waitsForMends(const Options& options) { return options.watch && options.frames == 0; }
@@ -141,6 +141,7 @@ private:
     /// @return  whether to go on
     bool runCommands()
     {
+        fDesk->catchUp();
         const View::Commands commands = fView.takeCommands();
         if (commands.toggleAxes)
             toggle("Axes", &Scene::axes);

@@ -248,7 +248,8 @@ TEST_F(Panel, ShowsHowFarALoadIsAndCanBeClosedMeanwhile)
     place.write("grey.krs", kGrey);
     if (krview(place, "--material grey.krs --mesh grey.krs --frames 1").err.find("built without") != std::string::npos)
         GTEST_SKIP() << "this krview reads no meshes";
-    start({"--material", "grey.krs", "--mesh", "large.obj", "--stats"}, "400x460");
+    const std::vector<std::string> words{"--material", "grey.krs", "--mesh", "large.obj", "--stats"};
+    start(words, "400x460");
     const std::string title = titleOf(shell);
     EXPECT_TRUE(title.find("krview: reading large.obj") == 0 || title.find("krview: preparing ") == 0) << title;
     const auto pixels = colours(kPictureWidth, kPictureHeight);
@@ -257,6 +258,12 @@ TEST_F(Panel, ShowsHowFarALoadIsAndCanBeClosedMeanwhile)
     close();
     EXPECT_EQ(status(), 0);
     EXPECT_EQ(place.read("out") + place.read("err"), "") << "it goes on loading";
+
+    // A key waits for the end of the load.
+    start(words, "400x460");
+    press(XK_q);
+    EXPECT_EQ(status(), 0);
+    EXPECT_NE(place.read("out").find("frames 0\n"), std::string::npos) << place.read("out");
 }
 
 } // namespace

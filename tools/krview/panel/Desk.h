@@ -42,13 +42,15 @@ public:
     /// @param stage   what the panel tells of; borrowed
     /// @param isOpen  whether the panel is there at first
     virtual void furnish(GlWindow& /*window*/, GraphicsApi /*api*/, const Stage& /*stage*/, bool /*isOpen*/) {}
-    /// Shows how far a load is from the next draw() on, or none; meanwhile the user cannot change anything.
+    /// Shows how far a load is from the next draw() on, or none; what the user does meanwhile waits for catchUp().
     /// @param what  empty for none
     void showProgress(const std::string& what, float share)
     {
         fWork = what;
         fShare = share;
     }
+    /// Takes what the user did during a load.
+    virtual void catchUp() {}
     /// The stage has loaded a scene.
     virtual void refresh() {}
     /// The commands since the last call.

@@ -8,8 +8,11 @@
 #include <imgui.h>
 
 #include <algorithm>
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -47,10 +50,20 @@ public:
         arrange();
     }
 
+    void catchUp() override
+    {
+        for (const auto& act : std::exchange(fWaiting, {}))
+            act();
+    }
+
     void mouseButton(int button, int action, int x, int y) override
     {
         if (!fWork.empty())
+        {
+            if (action != View::kMoved) // the buttons have places of their own
+                fWaiting.emplace_back([=, this] { mouseButton(button, action, x, y); });
             return;
+        }
         const bool isTaken = fGui && fGui->mouseButton(button, action, x, y);
         // A drag of the picture goes on wherever it gets to.
         if (!isTaken || action != View::kPressed)
@@ -59,7 +72,12 @@ public:
 
     void key(const KeyStroke& stroke) override
     {
-        if (!fWork.empty() || (fGui && fGui->key(stroke)))
+        if (!fWork.empty())
+        {
+            fWaiting.emplace_back([=, this] { key(stroke); });
+            return;
+        }
+        if (fGui && fGui->key(stroke))
             return;
         if (!fGui || !stroke.isDown)
             return Desk::key(stroke);
@@ -136,6 +154,7 @@ private:
     int fWidth = 0;
     int fHeight = 0;
     bool fIsOpen = false;
+    std::vector<std::function<void()>> fWaiting; ///< what the user did during a load
     std::optional<Panel> fPanel;
     std::optional<Gui> fGui;
 };
