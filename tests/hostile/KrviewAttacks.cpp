@@ -96,7 +96,7 @@ std::vector<Attack> krviewAttacks()
          "error: a line of the preprocessor"},
         {"UnknownNamesPlain", [](const Workplace& p) { writeMaterial(p, pieces(5000, "outRGBA.r += q@;\n")); }, kPlain,
          1, "4900 more messages of the driver are not shown"},
-        {"ManyLights", writeLights, {"krview", "s.json", "--frames", "1", "--size", "32x32"}, 0, "", 400, 8},
+        {"ManyLights", writeLights, {"krview", "s.json", "--frames", "1", "--size", "32x32"}, 0, "", 400, 60},
         // Scenes
         {"SceneWithoutEnd", [](const Workplace&) {}, {"krview", "/dev/zero"}, 2, "it has more than 1 MB"},
         {"DeepScene", [](const Workplace& p) { p.write("s.json", std::string(1000000, '[')); }, kScene, 1,
