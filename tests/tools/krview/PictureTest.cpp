@@ -26,7 +26,8 @@ std::vector<std::string> namesIn(const std::string& directory, const std::string
 std::string testName(const testing::TestParamInfo<std::string>& info)
 {
     std::string name = info.param;
-    std::replace(name.begin(), name.end(), '-', '_');
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return c == '-' || c == '.'; }, '_');
     return name;
 }
 
@@ -62,13 +63,27 @@ Image drawScene(const std::string& name, const std::string& options = "")
 
 // Another version of the driver changes the rounding and the smoothing of edges, which touches few pixels; a turned,
 // mirrored or differently lit object touches many.
-TEST_P(Scenes, LookAsInTheirPictures)
+void expectAsInPicture(const std::string& scene, const std::string& picture)
 {
-    const Outcome outcome =
-        krview(Workplace(), KRENDER_SHARE "/scenes/" + GetParam() + ".json --compare " KRENDER_PICTURES "/" +
-                                GetParam() + ".png --tolerance 12 --allow 3");
+    const Outcome outcome = krview(Workplace(), scene + " --compare " + picture + " --tolerance 12 --allow 3");
     EXPECT_EQ(outcome.status, 0) << outcome.err << "the target update-pictures draws missing pictures";
 }
+
+TEST_P(Scenes, LookAsInTheirPictures)
+{
+    expectAsInPicture(KRENDER_SHARE "/scenes/" + GetParam() + ".json", KRENDER_PICTURES "/" + GetParam() + ".png");
+}
+
+class Keys : public testing::TestWithParam<std::string>
+{
+};
+
+TEST_P(Keys, ShowWhatTheGuideShows)
+{
+    expectAsInPicture(KRENDER_KEYS "/" + GetParam() + ".json", KRENDER_KEYS "/" + GetParam() + ".png");
+}
+
+INSTANTIATE_TEST_SUITE_P(Guide, Keys, testing::ValuesIn(namesIn(KRENDER_KEYS, ".json")), testName);
 
 #ifdef KRENDER_HAS_TARGETS
 TEST_P(Scenes, LookTheSameWithOpenGlsCoreProfile)

@@ -191,6 +191,7 @@ std::string guide() { return krTools::readText(KRENDER_DOCS "/scene.md", krTools
 
 TEST_F(SceneSchema, IsExplainedKeyByKey)
 {
+    const std::set<std::string> unseen{"$schema", "stdlib", "name", "key"};
     const std::string text = guide();
     for (const Place& place : places())
         for (const auto& [key, property] : fSchema.at(json::json_pointer(place.schema + "/properties")).items())
@@ -200,9 +201,26 @@ TEST_F(SceneSchema, IsExplainedKeyByKey)
             const std::string column = value.is_null() ? " | | " : " | `" + value.dump() + "` | ";
             bool isThere = false;
             for (std::size_t row = text.find(begin); row != std::string::npos; row = text.find(begin, row + 1))
-                isThere |= text.substr(row + 1, text.find('\n', row + 1) - row).find(column) != std::string::npos;
+            {
+                const std::string line = text.substr(row + 1, text.find('\n', row + 1) - row - 1);
+                isThere |= line.find(column) != std::string::npos;
+                EXPECT_TRUE(line.find("](keys/") != std::string::npos || unseen.contains(key)) << line;
+            }
             EXPECT_TRUE(isThere) << key << column;
         }
+}
+
+TEST_F(SceneSchema, HasPicturesOfItsKeys)
+{
+    const std::string text = guide();
+    std::size_t count = 0;
+    for (std::size_t at = text.find("](keys/"); at != std::string::npos; at = text.find("](keys/", at + 1))
+    {
+        const std::string name = text.substr(at + 2, text.find(')', at) - at - 2);
+        EXPECT_TRUE(std::filesystem::exists(KRENDER_DOCS "/" + name)) << name;
+        ++count;
+    }
+    EXPECT_GT(count, 80U); // each stands there with its picture and its scene
 }
 
 TEST_F(SceneSchema, FitsTheScenesOfTheGuide)
