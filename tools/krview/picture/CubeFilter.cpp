@@ -157,11 +157,11 @@ Ref<PixelArrayCubeMap> mirroredOf(const CubePyramid& light, float blur)
 {
     constexpr unsigned kLeastSide = 32;
     constexpr unsigned kMostSide = 256;
-    constexpr unsigned kSamples = 8192; // along a row
+    constexpr unsigned kSamples = 1 << 21; // of all texels of a face
     const float alpha = std::max(blur * blur, 0.002f);
     // Enough texels for the width of the lobe.
-    const unsigned side = std::clamp(std::bit_ceil(static_cast<unsigned>(4 / alpha)), kLeastSide, kMostSide);
-    const std::vector<Sample> samples = samplesOf(alpha, std::min(kSamples / side, 64U), light.side());
+    const unsigned side = std::clamp(std::bit_floor(static_cast<unsigned>(4 / alpha)), kLeastSide, kMostSide);
+    const std::vector<Sample> samples = samplesOf(alpha, kSamples / (side * side), light.side());
     return filled(side,
                   [&](const Vector& z)
                   {
