@@ -246,26 +246,26 @@ Ref<PixelArrayCubeMap> cubeOfLatLong(const PixelArray2D& picture, const Setting&
     };
     const unsigned side =
         std::clamp(std::bit_ceil(static_cast<unsigned>((plane.width + 3) / 4)), kLeastSide, kMostSide);
-    return cubeAround(side, setting,
-                      [&](const Direction<float>& d)
-                      {
-                          constexpr float kPi = std::numbers::pi_v<float>;
-                          const auto [x, y, z] = d;
-                          const float longitude = std::atan2(x, -z);
-                          const float radius = std::sqrt(x * x + z * z);
-                          const float latitude = std::atan2(y, radius);
-                          // A texel takes all that it covers, or small lights would be lost: the more pixels of a row
-                          // the closer it is to a pole.
-                          const float length = std::sqrt(radius * radius + y * y);
-                          const float turned = std::abs(y) == 1 ? (std::abs(x) + std::abs(z)) / radius : 1;
-                          const float angle = turned * 2 / (static_cast<float>(side) * length * std::sqrt(length));
-                          const float across = angle * width / (2 * kPi) * length;
-                          const Stretch columnsOf((0.5f + longitude / (2 * kPi)) * width,
-                                                  across < radius * width ? std::max(1.0f, across / radius) : width);
-                          return meanOf(columnsOf,
-                                        {(0.5f + latitude / kPi) * height, std::max(1.0f, angle * height / kPi)},
-                                        pixelAt);
-                      });
+    return cubeAround(
+        side, setting,
+        [&](const Direction<float>& d)
+        {
+            constexpr float kPi = std::numbers::pi_v<float>;
+            const auto [x, y, z] = d;
+            const float longitude = std::atan2(x, -z);
+            const float radius = std::sqrt(x * x + z * z);
+            const float latitude = std::atan2(y, radius);
+            // A texel takes all that it covers, or small lights would be lost: the more pixels of a row
+            // the closer it is to a pole.
+            const float length = std::sqrt(radius * radius + y * y);
+            // Above and below the texels do not lie along the picture's rows: what they cover is wider.
+            const float turned = std::abs(y) == 1 ? (std::abs(x) + std::abs(z)) / radius : 1;
+            const float angle = turned * 2 / (static_cast<float>(side) * length * std::sqrt(length));
+            const float across = angle * width / (2 * kPi) * length;
+            const Stretch columnsOf((0.5f + longitude / (2 * kPi)) * width,
+                                    across < radius * width ? std::max(1.0f, across / radius) : width);
+            return meanOf(columnsOf, {(0.5f + latitude / kPi) * height, std::max(1.0f, angle * height / kPi)}, pixelAt);
+        });
 }
 
 Ref<PixelArrayCubeMap> cubeOfCube(const PixelArrayCubeMap& cube, const Setting& setting)

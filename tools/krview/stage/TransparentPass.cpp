@@ -75,9 +75,10 @@ void TransparentPass::collect(const std::vector<StageObject>& objects, const Pla
             if (const Surface& surface = objects[i].surfaces[part]; surface.isTransparent)
             {
                 const AABoundingBox bounds = objects[i].model->bounds(part);
-                placements.forEachVisible(
-                    i, [&](const krLinear::AffineMatrix& placement)
-                    { fDrawings.push_back({i, part, &placement, surface.order.get(), bounds}); });
+                placements.forEachVisible(i,
+                                          [&](const krLinear::AffineMatrix& placement) {
+                                              fDrawings.push_back({i, part, &placement, surface.order.get(), bounds});
+                                          });
             }
 }
 
