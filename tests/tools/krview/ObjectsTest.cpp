@@ -138,6 +138,21 @@ TEST(Transparency, LetsThroughWhatIsBehindInWhateverOrder)
     EXPECT_TRUE(isNear(Shown(fromBehind(sceneOf(ball))).at(0.3, 0.2), {64, 0, 128}));
 }
 
+// A small box within a larger one, which tints it from ahead whichever of both the scene names first.
+TEST(Transparency, SortsWhatStandsWithinOther)
+{
+    const std::string outer = R"({"shape": "smooth-sphere", "fineness": 32, "transparent": true,
+        "inputs": {"opacity": 0.5, "color": [1, 0, 0]}})";
+    const std::string inner = R"({"shape": "box", "scale": 0.3, "transparent": true, "rotation": [0, 40, 0],
+        "inputs": {"opacity": 0.5, "color": [0, 0, 1]}})";
+    for (const std::string& scene : {sceneOf(outer + "," + inner), sceneOf(inner + "," + outer)})
+        for (const std::string& seen : {scene, fromBehind(scene)})
+        {
+            EXPECT_TRUE(isNear(Shown(seen).at(0.1, 0.05), {143, 0, 96}));
+            EXPECT_TRUE(isNear(Shown(seen).at(0.1, 0.7), {191, 0, 0}));
+        }
+}
+
 /// A wall, and a ball ahead of its middle in light from the right or the front.
 Shown shadowOn(const std::string& light, const std::string& ball = "", const std::string& more = "")
 {
@@ -166,6 +181,32 @@ TEST(Shadows, FallWhereTheLightDoesNotReach)
     EXPECT_TRUE(isNear(near.at(-0.9, 0), kBlack));
     EXPECT_TRUE(isNear(near.at(-0.9, 0.8), kBlack));
     EXPECT_TRUE(isNear(near.at(-0.9, 2), {255, 255, 255}));
+}
+
+// Behind the ball the wall is far larger than what is seen of it.
+TEST(Shadows, AreFineOnLargeThings)
+{
+    const auto seen = [](const std::string& wall, const std::string& light)
+    {
+        return Shown(sceneOf(R"({"shape": "cube", "scale": )" + wall + R"(},
+            {"shape": "sphere", "scale": 0.5, "position": [1, 0, 0]})",
+                             R"("lights": [{"key": "sun", "source": ")" KRENDER_SHARE R"(/lights/shadow.krs", )" +
+                                 light + "}], "),
+                     "--material flat.krs:lit");
+    };
+    // From a lamp, though the wall reaches farther than a hundred times the distance of the ball.
+    const Shown near = seen(R"([900, 900, 0.1], "position": [0, 0, -2])",
+                            R"("function": "shadowLight", "inputs": {"color": [1, 1, 1], "intensity": 1000,
+                                "position": [3, 0, 2], "target": [1, 0, 0], "cone": 120})");
+    EXPECT_TRUE(isNear(near.at(-0.9, 0), kBlack));
+    EXPECT_TRUE(isNear(near.at(-0.9, 2), {255, 255, 255}));
+    // From the sun, where the map need not hold the wall.
+    const Shown far = seen(R"([90, 90, 0.1], "position": [0, 0, -2], "castsShadow": false)",
+                           R"("function": "shadowSunLight", "inputs": {"color": [1, 1, 1], "direction": [1, 0, 1]})");
+    for (const double y : {-0.4, 0.0, 0.4})
+        EXPECT_TRUE(isNear(far.at(-0.9, y), kBlack)) << y;
+    for (const double y : {-0.6, 0.6})
+        EXPECT_TRUE(isNear(far.at(-0.9, y), {255, 255, 255})) << y;
 }
 
 } // namespace

@@ -74,6 +74,40 @@ INSTANTIATE_TEST_SUITE_P(BuiltIn, Shapes,
                              return name;
                          });
 
+// At a pole the pieces of a sphere end in a point, whose texture coordinate is that of the middle of the piece.
+TEST(SmoothSphere, WearsTextureStraightToThePoles)
+{
+    constexpr unsigned kPieces = 8;
+    for (const int pitch : {90, -90})
+    {
+        const Workplace place;
+        place.write("m.krs",
+                    "material m(vertex float2 uv, out float4 outRGBA)\n{\n    outRGBA = float4(uv, 0, 1);\n}\n");
+        place.write("scene.json", R"({"material": "m.krs", "shape": "smooth-sphere", "fineness": 8,
+            "inputs": {"uv": "textureCoord"}, "encode": false, "size": [200, 200],
+            "view": {"yaw": 0, "distance": 200, "opening": 1, "pitch": )" +
+                                      std::to_string(pitch) + "}}");
+        const Outcome outcome = krview(place, "scene.json --screenshot picture.png");
+        ASSERT_EQ(outcome.status, 0) << outcome.err;
+        const Image image = readImage(place.path() / "picture.png");
+        ASSERT_EQ(image.width, kPicture);
+        for (unsigned piece = 0; piece < kPieces; ++piece)
+        {
+            constexpr double kRadius = 0.3;
+            const double share = (piece + 0.5) / kPieces;
+            const double angle = (0.1 + share) * 2 * std::numbers::pi;
+            const double up = pitch > 0 ? std::sin(angle) : -std::sin(angle);
+            const auto pixel = [](double at) { return static_cast<unsigned>((0.5 + 0.5 * at / reach()) * kPicture); };
+            const Image::Pixel seen = image.at(pixel(kRadius * std::cos(angle)), pixel(-kRadius * up));
+            // The first ring of points is half way to the equator.
+            const double ring = std::sqrt(0.5) * std::cos(std::numbers::pi / kPieces);
+            const double v = 0.25 * kRadius / ring;
+            EXPECT_NEAR(seen[0] / 255.0, share, 0.015) << piece << " at pitch " << pitch;
+            EXPECT_NEAR(seen[1] / 255.0, pitch > 0 ? 1 - v : v, 0.015) << piece << " at pitch " << pitch;
+        }
+    }
+}
+
 /// The brightness in the middle of a sphere with this picture of heights, lit from one side.
 double brightness(const char* heights, const char* light)
 {

@@ -4,11 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <functional>
 #include <numbers>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -274,24 +277,89 @@ TEST(EnvironmentLight, BrightensWhatItSees)
         EXPECT_NEAR(image.at(100, static_cast<unsigned>(100 - 57 * y))[0], 127.5 * (1 + y), 4) << y;
 }
 
-// White surroundings look white in a white metal, whatever its roughness: not brighter in the middle, nor at the rim.
+/// Writes a picture of light from all directions.
+/// @param light  0 to 255 times 8, by column and row
+void writeLight(const Workplace& place, unsigned width, const std::function<int(unsigned x, unsigned y)>& light)
+{
+    std::string file =
+        "#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n-Y " + std::to_string(width / 2) + " +X " + std::to_string(width) + "\n";
+    for (unsigned y = 0; y < width / 2; ++y)
+        for (unsigned x = 0; x < width; ++x)
+            file += std::string(3, static_cast<char>(light(x, y))) + "\x8b";
+    place.write("light.hdr", file);
+}
+
+/// The direction of a pixel of such a picture.
+std::array<double, 3> directionOf(double x, double y, unsigned width)
+{
+    const double longitude = ((x + 0.5) / width - 0.5) * 2 * std::numbers::pi;
+    const double latitude = (0.5 - 2 * (y + 0.5) / width) * std::numbers::pi;
+    return {std::cos(latitude) * std::sin(longitude), std::sin(latitude), -std::cos(latitude) * std::cos(longitude)};
+}
+
+std::string textOf(const std::array<double, 3>& v)
+{
+    return "float3(" + std::to_string(v[0]) + ", " + std::to_string(v[1]) + ", " + std::to_string(v[2]) + ")";
+}
+
+constexpr const char* kReceived = "uniform samplerCube received [[ string environment = \"irradiance\" ]],";
+
+// The side of a cube around a point, straight ahead and from beside it: each part counts by its solid angle.
+TEST(EnvironmentLight, CountsSurroundingsBySolidAngle)
+{
+    const Workplace place;
+    writePictures(place);
+    writeImage(place.path() / "black.png", kSide, [](unsigned, unsigned) { return kBlack; });
+    const std::vector<Pixel> seen =
+        shown(place, kReceived,
+              {"textureCube(received, float3(1, 0, 0)).xyz", "textureCube(received, float3(0, 1, 0)).xyz",
+               "textureCube(received, float3(0, 0, -1)).xyz", "textureCube(received, float3(-1, 0, 0)).xyz"},
+              R"("encode": false, "environment": {"picture": {"faces":
+                  ["white.png", "black.png", "black.png", "black.png", "black.png", "black.png"]}})");
+    EXPECT_TRUE(areClose(seen, {grey(141), grey(28), grey(28), kBlack}, 2)) << testing::PrintToString(seen);
+}
+
+// A light of one pixel sheds as much light on what faces it wherever it stands between the texels of the cube map.
+TEST(EnvironmentLight, LosesNoSmallLight)
+{
+    constexpr unsigned kWidth = 64;
+    for (const auto& [x, y] : {std::pair(32U, 16U), {33U, 15U}, {34U, 12U}, {9U, 6U}, {11U, 3U}, {14U, 1U}, {50U, 0U}})
+    {
+        const Workplace place;
+        writeLight(place, kWidth,
+                   [x = x, y = y](unsigned column, unsigned row) { return column == x && row == y ? 255 : 0; });
+        const auto sineOf = [](double row) { return std::sin((0.5 - 2 * row / kWidth) * std::numbers::pi); };
+        const double received = 8 * 255 * 2.0 / kWidth * (sineOf(y) - sineOf(y + 1)); // over pi
+        const std::vector<Pixel> seen = shown(
+            place, kReceived,
+            {"textureCube(received, " + textOf(directionOf(x, y, kWidth)) + ").xyz / " + std::to_string(2 * received)},
+            R"("encode": false, "environment": "light.hdr")");
+        EXPECT_NEAR(seen[0][0], 127.5, 30) << x << ' ' << y;
+    }
+}
+
+// White surroundings look white in a white metal, whatever its roughness: not brighter in the middle, nor darker at the
+// rim, where normals face away.
 TEST(EnvironmentLight, LeavesWhiteEven)
 {
     const Workplace place;
     writePictures(place);
-    for (const char* roughness : {"0.1", "0.3", "0.7"})
+    for (const char* roughness : {"0", "0.1", "0.3", "0.7"})
     {
-        const Image image =
-            drawn(place, R"("material": ")" KRENDER_SHARE R"(/materials/metalrough.krs", "shape": "smooth-sphere",
-            "environment": "white.png", "encode": false, "inputs": {"baseColor": [1, 1, 1], "metalness": 1, "sky": 0,
-                "roughness": )" +
-                             std::string(roughness) + R"(}, "lights": [{"key": "all",
+        const Image image = drawn(place, R"("material": ")" KRENDER_SHARE
+                                         R"(/materials/metalrough.krs", "shape": "smooth-sphere", "fineness": 12,
+            "environment": "white.png", "encode": false, "samples": 1, "inputs": {"baseColor": [1, 1, 1], "metalness": 1, "sky": 0,
+                "roughness": )" + std::string(roughness) +
+                                             R"(}, "lights": [{"key": "all",
             "function": "environmentLight", "inputs": {"blur": )" +
-                             roughness + R"(},
+                                             roughness + R"(},
             "source": ")" KRENDER_SHARE R"(/lights/environment.krs"}])");
-        for (const double x : {-0.9, -0.5, 0.0, 0.4, 0.8})
-            EXPECT_NEAR(image.at(static_cast<unsigned>(100 + 57 * x), 100)[0], 135.5, 4) // 1, compressed
-                << x << " of " << roughness;
+        int darkest = 255;
+        for (unsigned y = 40; y < 160; ++y)
+            for (unsigned x = 40; x < 160; ++x)
+                darkest = std::min(darkest, image.at(x, y)[0]);
+        EXPECT_NEAR(darkest, 135.5, 4) << roughness; // 1, compressed
+        EXPECT_NEAR(image.at(100, 100)[0], 135.5, 4) << roughness;
     }
 }
 
@@ -315,6 +383,41 @@ TEST(EnvironmentLight, MirrorsAsBlurredAsItIsTold)
     EXPECT_GT(soft[0][0], 225);
     EXPECT_NEAR(soft[1][0], 170, 12);
     EXPECT_NEAR(soft[1][0] + soft[2][0], 255, 6);
+}
+
+// Around a round light what is mirrored of it is round too, though the texels around it lie in many ways.
+TEST(EnvironmentLight, MirrorsWithoutSeams)
+{
+    constexpr unsigned kWidth = 128;
+    constexpr std::array<double, 3> kMiddle{0, 0.8, 0.6};
+    const Workplace place;
+    writeLight(place, kWidth,
+               [&](unsigned x, unsigned y)
+               {
+                   const std::array<double, 3> d = directionOf(x, y, kWidth);
+                   return d[0] * kMiddle[0] + d[1] * kMiddle[1] + d[2] * kMiddle[2] > 0.95 ? 25 : 0;
+               });
+    for (const char* blur : {"0.35", "0.5"})
+    {
+        std::vector<std::string> expressions;
+        for (int i = 0; i < 12; ++i)
+        {
+            const double angle = i * std::numbers::pi / 6;
+            const double up = 0.5 * std::cos(angle);
+            const std::array<double, 3> aside{0.5 * std::sin(angle), 0.75 * kMiddle[1] + up * kMiddle[2],
+                                              0.75 * kMiddle[2] - up * kMiddle[1]};
+            expressions.push_back("0.02 * textureCube(around, " + textOf(aside) + ").xyz");
+        }
+        const std::vector<Pixel> seen =
+            shown(place,
+                  "uniform samplerCube around [[ string environment = \"mirror\", string blur = \"soft\" ]], "
+                  "uniform float soft,",
+                  expressions,
+                  R"("encode": false, "environment": "light.hdr", "inputs": {"soft": )" + std::string(blur) + "}");
+        EXPECT_GT(seen[0][0], 20) << blur;
+        EXPECT_LT(seen[0][0], 230) << blur;
+        EXPECT_TRUE(areClose(seen, std::vector<Pixel>(12, seen[0]), 3)) << blur << testing::PrintToString(seen);
+    }
 }
 
 } // namespace

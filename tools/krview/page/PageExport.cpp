@@ -129,7 +129,7 @@ private:
         };
         const auto columns = [](const krLinear::ProjMatrix& matrix)
         { return std::vector<double>(matrix.elements(), matrix.elements() + 16); };
-        const krLinear::ProjMatrix toClip = shadowView(light, numbers, fPlacements.bounds());
+        const krLinear::ProjMatrix toClip = shadowView(light, numbers, fPlacements);
         fPage.setShadow({light, fScene.shadow.size, columns(toClip), columns(toClip * clipToMap())});
     }
 

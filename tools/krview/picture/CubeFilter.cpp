@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <numbers>
+#include <utility>
 #include <vector>
 
 namespace
@@ -73,6 +74,19 @@ float mirroredDigits(std::uint32_t number)
     return static_cast<float>(digits >> 8) / (1 << 24);
 }
 
+/// Two unit vectors across a direction and each other. They change slowly everywhere but straight below, so that samples
+/// around neighbouring directions leave no seam: Frisvad, "Building an orthonormal basis from a 3D unit vector without
+/// normalization" (2012).
+std::pair<Vector, Vector> across(const Vector& n)
+{
+    constexpr float kBelow = -0.9999f;
+    if (n[1] < kBelow)
+        return {{1, 0, 0}, {0, 0, 1}};
+    const float a = 1 / (1 + n[1]);
+    const float b = -n[0] * n[2] * a;
+    return {{1 - n[0] * n[0] * a, -n[0], b}, {b, -n[2], 1 - n[2] * n[2] * a}};
+}
+
 /// Samples of the lobe around +z, seen from there: Walter, Marschner, Li and Torrance, "Microfacet models for refraction
 /// through rough surfaces" (2007). Each is read as wide as the part of the lobe that it stands for: Colbert and Krivanek,
 /// "GPU-based importance sampling" (2007).
@@ -107,17 +121,17 @@ Ref<PixelArrayCubeMap> irradianceOf(const CubePyramid& light)
 {
     // So even a lobe is that coarser steps look the same.
     constexpr unsigned kSide = 16;
-    const CubePyramid::Step& step = light.atLeast(2 * kSide);
+    // The fewer texels there are the farther apart they are: between them light changes as samplers have it.
+    constexpr unsigned kRays = 2 * kSide; // along a row of a face
+    const float coarseness = std::log2(static_cast<float>(std::max(light.side(), kRays)) / kRays);
     std::vector<Ray> rays;
     for (unsigned face = 0; face < kFaces; ++face)
-        for (unsigned y = 0; y < step.side; ++y)
-            for (unsigned x = 0; x < step.side; ++x)
+        for (unsigned y = 0; y < kRays; ++y)
+            for (unsigned x = 0; x < kRays; ++x)
             {
-                const Vector towards =
-                    faceDirection(face, pixelCentre<float>(x, step.side), pixelCentre<float>(y, step.side));
+                const Vector towards = faceDirection(face, pixelCentre<float>(x, kRays), pixelCentre<float>(y, kRays));
                 const float length2 = dot(towards, towards);
-                rays.push_back({unit(towards), 1 / (length2 * std::sqrt(length2)),
-                                step.texel(face, static_cast<int>(x), static_cast<int>(y))});
+                rays.push_back({unit(towards), 1 / (length2 * std::sqrt(length2)), light.at(towards, coarseness)});
             }
     return filled(kSide,
                   [&](const Vector& normal)
@@ -143,18 +157,15 @@ Ref<PixelArrayCubeMap> mirroredOf(const CubePyramid& light, float blur)
 {
     constexpr unsigned kLeastSide = 32;
     constexpr unsigned kMostSide = 256;
-    constexpr unsigned kSamples = 8192; // along a row
+    constexpr unsigned kSamples = 1 << 21; // of all texels of a face
     const float alpha = std::max(blur * blur, 0.002f);
     // Enough texels for the width of the lobe.
-    const unsigned side = std::clamp(std::bit_ceil(static_cast<unsigned>(4 / alpha)), kLeastSide, kMostSide);
-    const std::vector<Sample> samples = samplesOf(alpha, std::min(kSamples / side, 64U), light.side());
+    const unsigned side = std::clamp(std::bit_floor(static_cast<unsigned>(4 / alpha)), kLeastSide, kMostSide);
+    const std::vector<Sample> samples = samplesOf(alpha, kSamples / (side * side), light.side());
     return filled(side,
                   [&](const Vector& z)
                   {
-                      const Vector aside = std::abs(z[1]) < 0.9f ? Vector{0, 1, 0} : Vector{1, 0, 0};
-                      const Vector x = unit({aside[1] * z[2] - aside[2] * z[1], aside[2] * z[0] - aside[0] * z[2],
-                                             aside[0] * z[1] - aside[1] * z[0]});
-                      const Vector y{z[1] * x[2] - z[2] * x[1], z[2] * x[0] - z[0] * x[2], z[0] * x[1] - z[1] * x[0]};
+                      const auto [x, y] = across(z);
                       Texel sum{};
                       float weights = 0;
                       for (const Sample& sample : samples)

@@ -108,30 +108,54 @@ Plane planeOf(const IPixelArray& pixels, std::size_t slice, std::size_t mostSide
                    [=, &codes](std::size_t x, std::size_t y) { return codes(bytes + 4 * (y * width + x)); });
 }
 
-/// Reads between the middles of four pixels.
-/// @param x, y    in pixels, from the corner of the first
-/// @param inward  brings a column that may be one outside into the plane
-template <class Inward>
-Texel between(const Plane& plane, float x, float y, const Inward& inward)
+/// Pixels that a stretch of a row or column covers, the outermost two in part.
+class Stretch
 {
-    const float left = std::floor(x - 0.5f);
-    const float below = std::floor(y - 0.5f);
-    const float across = x - 0.5f - left;
-    const float up = y - 0.5f - below;
-    const auto row = [&](float at)
-    { return static_cast<std::size_t>(std::clamp(at, 0.0f, static_cast<float>(plane.height - 1))); };
-    const std::size_t x0 = inward(left);
-    const std::size_t x1 = inward(left + 1);
-    const std::size_t y0 = row(below);
-    const std::size_t y1 = row(below + 1);
-    Texel texel;
-    for (std::size_t i = 0; i < texel.size(); ++i)
+public:
+    /// @param middle, length  in pixels; of a length of 1 it lies between the middles of two
+    Stretch(float middle, float length)
+        : fFrom(middle - length / 2),
+          fTo(middle + length / 2),
+          fFirst(std::floor(fFrom)),
+          fCount(static_cast<int>(std::floor(fTo) - fFirst) + 1)
     {
-        const float low = plane.at(x0, y0)[i] + across * (plane.at(x1, y0)[i] - plane.at(x0, y0)[i]);
-        const float high = plane.at(x0, y1)[i] + across * (plane.at(x1, y1)[i] - plane.at(x0, y1)[i]);
-        texel[i] = low + up * (high - low);
     }
-    return texel;
+
+    [[nodiscard]] int first() const noexcept { return static_cast<int>(fFirst); }
+    [[nodiscard]] int count() const noexcept { return fCount; }
+    /// How much of a pixel is covered.
+    [[nodiscard]] float share(int index) const
+    {
+        const float begin = fFirst + static_cast<float>(index);
+        return std::max(0.0f, std::min(fTo, begin + 1) - std::max(fFrom, begin));
+    }
+
+private:
+    float fFrom;
+    float fTo;
+    float fFirst;
+    int fCount;
+};
+
+/// The mean of what two stretches cover.
+/// @param pixelAt  the pixel of a column and a row, which may lie outside
+template <class PixelAt>
+Texel meanOf(const Stretch& across, const Stretch& up, const PixelAt& pixelAt)
+{
+    Texel sum{};
+    float shares = 0;
+    for (int y = 0; y < up.count(); ++y)
+        for (int x = 0; x < across.count(); ++x)
+        {
+            const float share = across.share(x) * up.share(y);
+            const Texel& pixel = pixelAt(across.first() + x, up.first() + y);
+            shares += share;
+            for (std::size_t i = 0; i < sum.size(); ++i)
+                sum[i] += share * pixel[i];
+        }
+    for (float& component : sum)
+        component /= shares;
+    return sum;
 }
 
 /// Fills a cube map.
@@ -209,21 +233,39 @@ Ref<PixelArrayCubeMap> cubeOfLatLong(const PixelArray2D& picture, const Setting&
     const Plane plane = planeOf(picture, 0, std::size_t{4} * kMostSide, setting.decodes);
     const auto width = static_cast<float>(plane.width);
     const auto height = static_cast<float>(plane.height);
-    const auto around = [&](float column) {
-        return static_cast<std::size_t>(column < 0 ? column + width : column >= width ? column - width : column);
+    const auto columns = static_cast<int>(plane.width);
+    const auto rows = static_cast<int>(plane.height);
+    // Beyond a pole the picture goes on at the opposite longitude.
+    const auto pixelAt = [&](int column, int row) -> const Texel&
+    {
+        const bool isBeyond = row < 0 || row >= rows;
+        const int inside = row < 0 ? -1 - row : row >= rows ? 2 * rows - 1 - row : row;
+        const int around = (column + (isBeyond ? columns / 2 : 0)) % columns;
+        return plane.at(static_cast<std::size_t>(around < 0 ? around + columns : around),
+                        static_cast<std::size_t>(std::clamp(inside, 0, rows - 1)));
     };
     const unsigned side =
         std::clamp(std::bit_ceil(static_cast<unsigned>((plane.width + 3) / 4)), kLeastSide, kMostSide);
-    return cubeAround(side, setting,
-                      [&](const Direction<float>& d)
-                      {
-                          constexpr float kPi = std::numbers::pi_v<float>;
-                          const auto [x, y, z] = d;
-                          const float longitude = std::atan2(x, -z);
-                          const float latitude = std::atan2(y, std::sqrt(x * x + z * z));
-                          return between(plane, (0.5f + longitude / (2 * kPi)) * width,
-                                         (0.5f + latitude / kPi) * height, around);
-                      });
+    return cubeAround(
+        side, setting,
+        [&](const Direction<float>& d)
+        {
+            constexpr float kPi = std::numbers::pi_v<float>;
+            const auto [x, y, z] = d;
+            const float longitude = std::atan2(x, -z);
+            const float radius = std::sqrt(x * x + z * z);
+            const float latitude = std::atan2(y, radius);
+            // A texel takes all that it covers, or small lights would be lost: the more pixels of a row
+            // the closer it is to a pole.
+            const float length = std::sqrt(radius * radius + y * y);
+            // Above and below the texels do not lie along the picture's rows: what they cover is wider.
+            const float turned = std::abs(y) == 1 ? (std::abs(x) + std::abs(z)) / radius : 1;
+            const float angle = turned * 2 / (static_cast<float>(side) * length * std::sqrt(length));
+            const float across = angle * width / (2 * kPi) * length;
+            const Stretch columnsOf((0.5f + longitude / (2 * kPi)) * width,
+                                    across < radius * width ? std::max(1.0f, across / radius) : width);
+            return meanOf(columnsOf, {(0.5f + latitude / kPi) * height, std::max(1.0f, angle * height / kPi)}, pixelAt);
+        });
 }
 
 Ref<PixelArrayCubeMap> cubeOfCube(const PixelArrayCubeMap& cube, const Setting& setting)
@@ -233,12 +275,15 @@ Ref<PixelArrayCubeMap> cubeOfCube(const PixelArrayCubeMap& cube, const Setting& 
         faces[i] = planeOf(cube, i, kMostSide, setting.decodes);
     const auto side = static_cast<unsigned>(faces[0].width);
     const auto half = static_cast<float>(side) / 2;
-    const auto within = [&](float column)
-    { return static_cast<std::size_t>(std::clamp(column, 0.0f, static_cast<float>(side - 1))); };
+    const auto within = [side](int at)
+    { return static_cast<std::size_t>(std::clamp(at, 0, static_cast<int>(side) - 1)); };
     return cubeAround(side, setting,
                       [&](const Direction<float>& d)
                       {
                           const auto [face, s, t] = facePoint(d);
-                          return between(faces[face], (s + 1) * half, (t + 1) * half, within);
+                          const Plane& plane = faces[face];
+                          return meanOf({(s + 1) * half, 1}, {(t + 1) * half, 1},
+                                        [&](int column, int row) -> const Texel&
+                                        { return plane.at(within(column), within(row)); });
                       });
 }

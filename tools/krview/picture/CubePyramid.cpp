@@ -112,9 +112,3 @@ CubePyramid::Texel CubePyramid::at(const Direction<float>& direction, float coar
     }
     return texel;
 }
-
-const CubePyramid::Step& CubePyramid::atLeast(unsigned least) const
-{
-    const auto found = std::find_if(fSteps.rbegin(), fSteps.rend(), [&](const Step& s) { return s.side >= least; });
-    return found == fSteps.rend() ? fSteps.front() : *found;
-}

@@ -42,8 +42,6 @@ public:
     /// @param direction  of any length but 0
     /// @param coarseness  0 for the finest step, 1 for the next, and between them
     [[nodiscard]] Texel at(const Direction<float>& direction, float coarseness) const;
-    /// The coarsest step of at least so many texels on each side, or the finest.
-    [[nodiscard]] const Step& atLeast(unsigned least) const;
 
 private:
     [[nodiscard]] static Texel read(const Step& step, const FacePoint& point);

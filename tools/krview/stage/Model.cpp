@@ -65,8 +65,7 @@ Groups Model::groups(std::size_t part) const
     return groups;
 }
 
-krLinear::PointFlt Model::centre(std::size_t part) const
+AABoundingBox Model::bounds(std::size_t part) const
 {
-    return fFountain ? fMesh->bounds.center()
-                     : findList(groups(part), GeometryDataIndex::triangles)->boundingBox().center();
+    return fFountain ? fMesh->bounds : findList(groups(part), GeometryDataIndex::triangles)->boundingBox();
 }

@@ -46,8 +46,8 @@ public:
     [[nodiscard]] const std::vector<MeshPart>& parts() const noexcept { return fMesh->parts; }
     /// The groups of a part, borrowed: what moves and what stays are two.
     [[nodiscard]] Groups groups(std::size_t part) const;
-    /// The middle of a part's bounds.
-    [[nodiscard]] krLinear::PointFlt centre(std::size_t part) const;
+    /// The bounds of a part.
+    [[nodiscard]] AABoundingBox bounds(std::size_t part) const;
 
 private:
     explicit Model(std::unique_ptr<Mesh> mesh) : fMesh(std::move(mesh)) {}

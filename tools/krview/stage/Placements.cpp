@@ -48,15 +48,17 @@ void Placements::addGrid(const SceneObject& object, const AABoundingBox& bounds,
             krLinear::AffineMatrix placement = middle;
             placement(3, 0) += (column - 0.5 * (side - 1)) * spacing;
             placement(3, 2) += (row - 0.5 * (side - 1)) * spacing;
-            add(placement, bounds);
+            add(placement, bounds, object.castsShadow);
         }
 }
 
-void Placements::add(const krLinear::AffineMatrix& matrix, const AABoundingBox& bounds)
+void Placements::add(const krLinear::AffineMatrix& matrix, const AABoundingBox& bounds, bool castsShadow)
 {
     fMatrices.push_back(matrix);
     fBoxes.push_back(bounds.transformed(matrix));
     fVisible.push_back(1);
+    if (castsShadow)
+        fCasters += fBoxes.back();
 }
 
 void Placements::cull(const Frustum& frustum) { frustum.classifyBoxes(fBoxes, fVisible); }
@@ -73,6 +75,8 @@ AABoundingBox Placements::bounds() const
         all += box;
     return all;
 }
+
+AABoundingBox Placements::castersBounds() const { return fCasters.isValid() ? fCasters : bounds(); }
 
 double Placements::radius() const
 {

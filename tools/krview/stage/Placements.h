@@ -28,6 +28,8 @@ public:
     [[nodiscard]] std::size_t visibleCount() const noexcept;
     /// Of all objects in the scene.
     [[nodiscard]] AABoundingBox bounds() const;
+    /// Of those that cast shadows; of all if none does.
+    [[nodiscard]] AABoundingBox castersBounds() const;
     /// The radius of a sphere around the origin that holds all objects.
     [[nodiscard]] double radius() const;
     /// The matrix from object to scene space of an object, or of its first copy.
@@ -49,13 +51,14 @@ public:
     }
 
 private:
-    void add(const krLinear::AffineMatrix& matrix, const AABoundingBox& bounds);
+    void add(const krLinear::AffineMatrix& matrix, const AABoundingBox& bounds, bool castsShadow);
     [[nodiscard]] std::size_t end(std::size_t object) const
     {
         return object + 1 < fBegins.size() ? fBegins[object + 1] : fMatrices.size();
     }
 
     std::vector<std::size_t> fBegins; ///< of each object, the number of its first copy
+    AABoundingBox fCasters;
     std::vector<krLinear::AffineMatrix> fMatrices;
     std::vector<AABoundingBox> fBoxes; ///< in the scene
     std::vector<std::uint8_t> fVisible;

@@ -44,6 +44,19 @@ krLinear::AffineMatrix viewFrom(const krLinear::Vector& eye, const krLinear::Vec
     return view;
 }
 
+struct Ball
+{
+    krLinear::Vector middle;
+    double radius;
+};
+
+Ball ballAround(const AABoundingBox& bounds)
+{
+    const krLinear::PointFlt centre = bounds.center();
+    return {krLinear::Vector(centre.x, centre.y, centre.z),
+            std::max(1e-3, static_cast<double>((bounds.max() - bounds.min()).length()) / 2)};
+}
+
 } // namespace
 
 std::string shadowLight(const Scene& scene, const std::vector<ObjectMaterials>& objects)
@@ -68,11 +81,10 @@ const ProgramInput* inputOf(const Material& material, const std::string& light, 
     return found == material.inputs.end() ? nullptr : &*found;
 }
 
-krLinear::ProjMatrix shadowView(const std::string& light, const NumbersByName& numbers, const AABoundingBox& bounds)
+krLinear::ProjMatrix shadowView(const std::string& light, const NumbersByName& numbers, const Placements& placements)
 {
-    const krLinear::PointFlt centre = bounds.center();
-    const krLinear::Vector middle(centre.x, centre.y, centre.z);
-    const double radius = std::max(1e-3, static_cast<double>((bounds.max() - bounds.min()).length()) / 2);
+    const auto [middle, radius] = ballAround(placements.castersBounds());
+    const auto [middleOfAll, radiusOfAll] = ballAround(placements.bounds());
     Camera camera;
     const std::optional<krLinear::Vector> position = vectorOf(numbers, light + "position");
     if (!position)
@@ -80,7 +92,8 @@ krLinear::ProjMatrix shadowView(const std::string& light, const NumbersByName& n
         const krLinear::Vector direction =
             vectorOf(numbers, light + "direction").value_or(krLinear::Vector(0, 1, 0)).normalized();
         camera.setViewMatrix(viewFrom(middle + direction * (2 * radius), direction * -1));
-        camera.setOrtho(-radius, radius, -radius, radius, radius, 3 * radius);
+        const double below = dot(middle - middleOfAll, direction) + radiusOfAll;
+        camera.setOrtho(-radius, radius, -radius, radius, radius, 2 * radius + std::max(radius, below));
         return camera.worldToClip();
     }
     const krLinear::Vector target = vectorOf(numbers, light + "target").value_or(middle);
@@ -92,8 +105,12 @@ krLinear::ProjMatrix shadowView(const std::string& light, const NumbersByName& n
     const double fitting =
         distance > radius ? 2 * std::asin(radius / distance) * 180 / std::numbers::pi : kWidestShadow;
     const double opening = std::clamp(numberOf(numbers, light + "cone").value_or(fitting), 1.0, kWidestShadow);
+    const double distanceOfAll = (middleOfAll - *position).length();
+    const double farthest = distanceOfAll + radiusOfAll;
+    // A lamp within a large scene: what it points at is ahead of the near plane, however far the rest reaches.
+    const double nearest = std::min(0.01 * farthest, 0.2 * (axis ? distance : towards.length()));
     camera.setViewMatrix(viewFrom(*position, towards));
-    camera.setPerspective(opening, 1, std::max(distance - radius, 0.01 * (distance + radius)), distance + radius);
+    camera.setPerspective(opening, 1, std::max({distanceOfAll - radiusOfAll, nearest, 1e-6 * farthest}), farthest);
     return camera.worldToClip();
 }
 

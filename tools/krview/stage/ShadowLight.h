@@ -1,11 +1,11 @@
 #pragma once
 #include "InputNames.h"
+#include "Placements.h"
 
 #include <krview/scene/Scene.h>
 
 #include <krender/platform/Linear.h>
 #include <krender/shading/DataType.h>
-#include <krender/spatial/AABoundingBox.h>
 
 #include <functional>
 #include <string>
@@ -23,9 +23,9 @@ using NumbersByName = std::function<const std::vector<double>*(const std::string
 
 /// From the scene to the clip space of what a light sees, as its inputs tell: those named "position", "target" (or "axis",
 /// towards the light) and "cone" (degrees across) for a lamp, "direction" (towards the light) for one far away.
-/// @param bounds  of all that casts shadows or gets them
+/// It is no wider than what casts shadows, and so deep that all gets them.
 [[nodiscard]] krLinear::ProjMatrix shadowView(const std::string& light, const NumbersByName& numbers,
-                                              const AABoundingBox& bounds);
+                                              const Placements& placements);
 
 /// From the clip space to the depth map, all from 0 to 1.
 [[nodiscard]] const krLinear::ProjMatrix& clipToMap();

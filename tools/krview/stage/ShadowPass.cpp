@@ -32,7 +32,7 @@ void ShadowPass::draw(const std::vector<StageObject>& objects, const Placements&
                     return found;
         return nullptr;
     };
-    const krLinear::ProjMatrix toClip = shadowView(fLight, numbers, placements.bounds());
+    const krLinear::ProjMatrix toClip = shadowView(fLight, numbers, placements);
     fToMap = toClip * clipToMap();
     const DepthMap::Drawing drawing(*fDepths);
     // Moved away from the light by its slope, so that no surface lies in its own shadow.

@@ -5,7 +5,6 @@
 #include "SurfacePainter.h"
 
 #include <krender/draw/DrawProcedure.h>
-#include <krender/geometry/DepthSorter.h>
 #include <krender/platform/Linear.h>
 
 #include <algorithm>
@@ -245,39 +244,5 @@ void Stage::drawObjects()
             fPlacements.forEachVisible(i, [&](const krLinear::AffineMatrix& placement) { painter.draw(placement); });
             painter.end();
         }
-    drawTransparent(painter);
-}
-
-void Stage::drawTransparent(SurfacePainter& painter)
-{
-    struct Drawing
-    {
-        std::size_t object;
-        std::size_t part;
-        const krLinear::AffineMatrix* placement;
-    };
-    std::vector<Drawing> drawings;
-    std::vector<float> centres;
-    for (std::size_t i = 0; i < fObjects.size(); ++i)
-        for (std::size_t part = 0; part < fObjects[i].surfaces.size(); ++part)
-            if (fObjects[i].surfaces[part].isTransparent)
-                fPlacements.forEachVisible(i,
-                                           [&](const krLinear::AffineMatrix& placement)
-                                           {
-                                               drawings.push_back({i, part, &placement});
-                                               const krLinear::PointFlt middle = fObjects[i].model->centre(part);
-                                               const krLinear::Point centre =
-                                                   placement.preMult(krLinear::Point(middle.x, middle.y, middle.z));
-                                               for (const double coordinate : {centre.x, centre.y, centre.z})
-                                                   centres.push_back(static_cast<float>(coordinate));
-                                           });
-    std::vector<unsigned> order(drawings.size());
-    DepthSorter::sortByDepth(krLinear::ProjMatrix(fCamera.viewMatrix()), order.data(),
-                             static_cast<unsigned>(order.size()), centres.data(), nullptr, 0);
-    for (const unsigned i : order)
-    {
-        painter.begin(fObjects[drawings[i].object], drawings[i].part);
-        painter.draw(*drawings[i].placement);
-        painter.end();
-    }
+    fTransparent.draw(fObjects, fPlacements, fCamera, painter);
 }

@@ -3,6 +3,7 @@
 #include "Placements.h"
 #include "ShadowPass.h"
 #include "StageObject.h"
+#include "TransparentPass.h"
 #include "View.h"
 
 #include <krview/Progress.h>
@@ -21,8 +22,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-class SurfacePainter;
 
 /// Holds and draws the scene. An OpenGL context must be current while it lives.
 class Stage
@@ -72,13 +71,13 @@ private:
     void aim(View& view, double aspect);
     void drawBackground() const;
     void drawObjects();
-    void drawTransparent(SurfacePainter& painter);
 
     Scene fScene;
     std::vector<std::string> fFiles;
     std::vector<StageObject> fObjects;
     Placements fPlacements;
     ShadowPass fShadows;
+    TransparentPass fTransparent;
     MeshUpload fUpload;
     FlatPainter fPainter;
     SkyPainter fSkyPainter;

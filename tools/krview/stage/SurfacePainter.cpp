@@ -7,6 +7,7 @@
 #include <krender/shading/DataType.h>
 
 #include <array>
+#include <cstddef>
 #include <span>
 
 namespace
@@ -47,6 +48,16 @@ void SurfacePainter::draw(const krLinear::AffineMatrix& placement)
     if (fSurface->order)
         fSurface->order->bindSorted(placement * fCamera.viewMatrix());
     glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(fTriangles->count()), GL_UNSIGNED_INT, nullptr);
+}
+
+void SurfacePainter::drawTriangles(const krLinear::AffineMatrix& placement, GLuint buffer, unsigned first,
+                                   unsigned count)
+{
+    place(placement);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffer);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): an offset into the buffer goes as a pointer
+    const auto* const offset = reinterpret_cast<const void*>(std::size_t{first} * sizeof(unsigned));
+    glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(count), GL_UNSIGNED_INT, offset);
 }
 
 void SurfacePainter::end()

@@ -17,6 +17,10 @@ public:
     /// Draws it.
     /// @param placement  from object to scene space
     void draw(const krLinear::AffineMatrix& placement);
+    /// Draws some of its triangles.
+    /// @param buffer       holds their vertices, on the device
+    /// @param first, count  of the vertices in the buffer
+    void drawTriangles(const krLinear::AffineMatrix& placement, GLuint buffer, unsigned first, unsigned count);
     void end();
 
 private:

@@ -18,7 +18,7 @@ TriangleOrder::TriangleOrder(const GeometryData& positions, const GeometryDataIn
             fCentres.push_back(sum / 3);
         }
     fOrder.resize(count);
-    fSorted.resize(std::size_t{3} * count);
+    fSorted.reserve(std::size_t{3} * count);
     glGenBuffers(1, &fBuffer);
 }
 
@@ -26,13 +26,23 @@ TriangleOrder::~TriangleOrder() { glDeleteBuffers(1, &fBuffer); }
 
 void TriangleOrder::bindSorted(const krLinear::AffineMatrix& toEye)
 {
-    const auto count = static_cast<unsigned>(fOrder.size());
-    DepthSorter::sortByDepth(krLinear::ProjMatrix(toEye), fOrder.data(), count, fCentres.data(), nullptr, 0);
-    auto sorted = fSorted.begin();
+    DepthSorter::sortByDepth(krLinear::ProjMatrix(toEye), fOrder.data(), count(), fCentres.data(), nullptr, 0);
+    fSorted.clear();
     for (const unsigned triangle : fOrder)
-        for (unsigned corner = 0; corner < 3; ++corner)
-            *sorted++ = fTriangles.indices()[3 * triangle + corner];
+        append(triangle, fSorted);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, fBuffer);
     glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(fSorted.size() * sizeof(unsigned)), fSorted.data(),
                  GL_STREAM_DRAW);
+}
+
+krLinear::PointFlt TriangleOrder::centre(unsigned triangle) const
+{
+    const float* const centre = &fCentres[std::size_t{3} * triangle];
+    return {centre[0], centre[1], centre[2]};
+}
+
+void TriangleOrder::append(unsigned triangle, std::vector<unsigned>& indices) const
+{
+    const unsigned* const corners = fTriangles.indices() + std::size_t{3} * triangle;
+    indices.insert(indices.end(), corners, corners + 3);
 }

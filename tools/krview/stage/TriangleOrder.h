@@ -21,6 +21,12 @@ public:
     /// @param toEye  from the surface to the eye
     void bindSorted(const krLinear::AffineMatrix& toEye);
 
+    /// The number of triangles.
+    [[nodiscard]] unsigned count() const noexcept { return static_cast<unsigned>(fOrder.size()); }
+    [[nodiscard]] krLinear::PointFlt centre(unsigned triangle) const;
+    /// Appends the vertices of a triangle.
+    void append(unsigned triangle, std::vector<unsigned>& indices) const;
+
 private:
     const GeometryDataIndex& fTriangles;
     std::vector<float> fCentres; ///< three for each triangle
