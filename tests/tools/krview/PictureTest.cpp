@@ -49,6 +49,19 @@ class Scenes : public testing::TestWithParam<std::string>
 {
 };
 
+// Another version of the driver changes the rounding and the smoothing of edges, which touches few pixels; a turned,
+// mirrored or differently lit object touches many.
+TEST_P(Scenes, LookAsInTheirPictures)
+{
+    const Outcome outcome =
+        krview(Workplace(), KRENDER_SHARE "/scenes/" + GetParam() + ".json --compare " KRENDER_PICTURES "/" +
+                                GetParam() + ".png --tolerance 12 --allow 3");
+    if (outcome.err.find("this krview was built without Assimp") != std::string::npos)
+        GTEST_SKIP() << "the scene has a mesh of a file";
+    EXPECT_EQ(outcome.status, 0) << outcome.err << "the target update-pictures draws missing pictures";
+}
+
+#ifdef KRENDER_HAS_TARGETS
 /// The picture of a shipped scene.
 Image drawScene(const std::string& name, const std::string& options = "")
 {
@@ -60,17 +73,6 @@ Image drawScene(const std::string& name, const std::string& options = "")
     return readImage(place.path() / "picture.png");
 }
 
-// Another version of the driver changes the rounding and the smoothing of edges, which touches few pixels; a turned,
-// mirrored or differently lit object touches many.
-TEST_P(Scenes, LookAsInTheirPictures)
-{
-    const Outcome outcome =
-        krview(Workplace(), KRENDER_SHARE "/scenes/" + GetParam() + ".json --compare " KRENDER_PICTURES "/" +
-                                GetParam() + ".png --tolerance 12 --allow 3");
-    EXPECT_EQ(outcome.status, 0) << outcome.err << "the target update-pictures draws missing pictures";
-}
-
-#ifdef KRENDER_HAS_TARGETS
 TEST_P(Scenes, LookTheSameWithOpenGlsCoreProfile)
 {
     const Image image = drawScene(GetParam());
