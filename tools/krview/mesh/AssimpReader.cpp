@@ -97,6 +97,7 @@ bool isTransparent(const aiMaterial& material)
 template <class Vector>
 void copyStream(const Vector* vectors, std::size_t count, unsigned components, std::vector<float>& values)
 {
+    values.reserve(vectors ? count * components : 0);
     for (std::size_t i = 0; vectors && i < count; ++i)
         for (unsigned component = 0; component < components; ++component)
             values.push_back(vectors[i][component]);
@@ -106,6 +107,7 @@ std::vector<aiVector3D> transformed(const aiVector3D* vectors, std::size_t count
                                     const aiVector3D& origin = {})
 {
     std::vector<aiVector3D> result;
+    result.reserve(vectors ? count : 0);
     for (std::size_t i = 0; vectors && i < count; ++i)
         result.push_back(matrix * vectors[i] + origin);
     return result;
@@ -135,6 +137,7 @@ PartArrays pieceOf(const aiMesh& mesh, const aiMaterial& material, const aiMatri
 
     // A mirrored mesh keeps its outside.
     const std::size_t second = determinant < 0 ? 2 : 1;
+    piece.triangles.reserve(std::size_t{3} * mesh.mNumFaces);
     for (const aiFace& face : std::span(mesh.mFaces, mesh.mNumFaces))
         if (face.mNumIndices == 3)
             piece.triangles.insert(piece.triangles.end(),
@@ -154,8 +157,9 @@ void readWithAssimp(const char* path, const MeshWireOutput& output)
     {
         if (importer.GetException())
             std::rethrow_exception(importer.GetException());
+        const std::string_view error = importer.GetErrorString();
         if (!scene || !scene->mRootNode)
-            throw MeshError(importer.GetErrorString());
+            throw MeshError(error.empty() ? "it has no nodes" : std::string(error));
         return scene;
     };
     const aiScene* scene = checked(importer.ReadFile(path, 0));
