@@ -44,6 +44,20 @@ void writeGltf(const Workplace& place, const std::string& buffer, const std::str
     place.write("folder/inside.bin", corners);
 }
 
+/// Many nodes that share a mesh of two hundred thousand triangles.
+void writeInstances(const Workplace& place)
+{
+    writeMesh(place, "m.gltf",
+              R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}], "nodes": [{"children": [1)" +
+                  pieces(999, ", 1@") + "]}, " + pieces(2000, R"({"mesh": 0}, )") + R"({"mesh": 0}],
+        "meshes": [{"primitives": [{"attributes": {"POSITION": 0}, "indices": 1}]}],
+        "accessors": [{"bufferView": 0, "componentType": 5126, "count": 3, "type": "VEC3"},
+            {"bufferView": 1, "componentType": 5121, "count": 600000, "type": "SCALAR"}],
+        "bufferViews": [{"buffer": 0, "byteLength": 36}, {"buffer": 0, "byteOffset": 36, "byteLength": 600000}],
+        "buffers": [{"byteLength": 600036, "uri": "m.bin"}]})");
+    place.write("m.bin", std::string(600036, '\0'));
+}
+
 /// Sanitizers want so many addresses that they cannot be bounded, and something else ends the reader.
 constexpr const char* kTooMuchMemory =
     kIsSanitized ? "': it" : "': it takes far more memory than a file of its size should";
@@ -123,10 +137,29 @@ std::vector<Attack> meshAttacks()
              writeGltf(p, "inside.bin", nodes + kOneNode);
          },
          shown("folder/m.gltf"), 2, kTooMuchMemory, 600},
+        {"InstancesOfMillions", writeInstances, shown("m.gltf"), 2,
+         "cannot read 'm.gltf': it has more than 20000000 triangles", 400},
+        // Assimp opens it once for each of its formats.
+        {"LargeFileOfNoKind",
+         [](const Workplace& p)
+         {
+             writeMesh(p, "m.txt", "");
+             std::filesystem::resize_file(p.path() / "m.txt", 250 << 20);
+         },
+         shown("m.txt"), 2, "cannot read 'm.txt': No suitable reader found", 600, 3},
         // Files beside it
         {"BufferInTheFolder", [](const Workplace& p) { writeGltf(p, "inside.bin", kOneNode); }, shown("folder/m.gltf"),
          0, ""},
         {"BufferOutsideTheFolder", [](const Workplace& p) { writeGltf(p, "../outside.bin", kOneNode); },
+         shown("folder/m.gltf"), 2, "could not open referenced file"},
+        {"BufferNamedByAUri",
+         [](const Workplace& p)
+         {
+             writeGltf(p, "an%20in%73ide%.bin", kOneNode);
+             std::filesystem::rename(p.path() / "folder/inside.bin", p.path() / "folder/an inside%.bin");
+         },
+         shown("folder/m.gltf"), 0, ""},
+        {"BufferOutsideByAUri", [](const Workplace& p) { writeGltf(p, "%2e%2e%2foutside.bin", kOneNode); },
          shown("folder/m.gltf"), 2, "could not open referenced file"},
         {"BufferByALink",
          [](const Workplace& p)

@@ -14,10 +14,16 @@ FileWatch::State FileWatch::stateOf(const std::string& path)
             Moment(std::chrono::duration_cast<Moment::duration>(changed))};
 }
 
-void FileWatch::watch(const std::vector<std::string>& files, Moment before)
+bool FileWatch::isSince(const State& state, Moment before)
 {
     // The clock of file systems goes in steps, and lags behind by one.
-    before -= std::chrono::milliseconds(10);
+    return state.changed >= before - std::chrono::milliseconds(10);
+}
+
+bool FileWatch::hasChangedSince(const std::string& path, Moment before) { return isSince(stateOf(path), before); }
+
+void FileWatch::watch(const std::vector<std::string>& files, Moment before)
+{
     std::map<std::string, File> watched;
     for (const std::string& path : files)
     {
@@ -29,7 +35,7 @@ void FileWatch::watch(const std::vector<std::string>& files, Moment before)
         }
         // A new one may have appeared after it was looked for: then it counts as not there yet.
         const State state = stateOf(path);
-        const State known = state.changed >= before ? State() : state;
+        const State known = isSince(state, before) ? State() : state;
         watched.emplace(path, File{known, known, {}});
     }
     fFiles = std::move(watched);

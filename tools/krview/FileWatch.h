@@ -13,6 +13,8 @@ public:
     /// When files are about to be read; what changes from then on is a change.
     using Moment = std::chrono::system_clock::time_point;
     [[nodiscard]] static Moment now() { return std::chrono::system_clock::now(); }
+    /// Whether a file has changed, or may have, since the moment ahead of its reading: what was read may be old.
+    [[nodiscard]] static bool hasChangedSince(const std::string& path, Moment before);
 
     /// Watches these files instead of the former ones. No change is lost: neither of those that were watched before, nor
     /// of those that were first read at some time after the given moment.
@@ -44,6 +46,7 @@ private:
     };
 
     [[nodiscard]] static State stateOf(const std::string& path);
+    [[nodiscard]] static bool isSince(const State& state, Moment before);
 
     std::map<std::string, File> fFiles; ///< by path
 };

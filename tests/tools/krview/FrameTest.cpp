@@ -49,7 +49,7 @@ TEST_P(Frames, MixAndCodeLight)
 {
     const Workplace place;
     writeScene(place, GetParam().members);
-    for (const std::string api : {"gl2.1", "gl3.3"})
+    for (const std::string& api : apis())
     {
         const Outcome outcome = krview(place, "scene.json --size 120x90 --screenshot picture.png --api " + api);
         EXPECT_EQ(outcome.err, "") << api;
@@ -74,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Pictures, AreTheSameWithoutADisplay)
 {
-    for (const std::string api : {"gl2.1", "gl3.3"})
+    for (const std::string& api : apis())
     {
         const Workplace place;
         const std::string scene = KRENDER_SHARE "/scenes/marble-grid.json";

@@ -91,9 +91,23 @@ void append(std::string& bytes, Value value)
     bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
 }
 
-/// Triangles below two nodes, of which one mirrors the box and turns its triangles over with that; the texture's rows are
-/// counted from above.
-void writeGlb(const Workplace& place, const std::string& material)
+struct GlbNodes
+{
+    const char* members;         ///< of the file
+    const char* attributes = ""; ///< further ones of the mesh
+};
+
+/// Two nodes, of which one mirrors the box and turns its triangles over with that.
+constexpr GlbNodes kMirror{
+    R"("nodes": [{"children": [1], "translation": [5, 6, 7]}, {"mesh": 0, "scale": [-3, 3, 3]}])"};
+/// Two bones, each of which does the same to the mesh, and a node that does not count beside them.
+constexpr GlbNodes kBones{R"("skins": [{"joints": [2, 3], "inverseBindMatrices": 5}], "nodes": [{"children": [1, 2]},
+            {"mesh": 0, "skin": 0, "scale": [1, 9, 4], "translation": [9, 0, 0]},
+            {"name": "hip", "scale": [-6, 6, 6], "children": [3]}, {"name": "knee", "translation": [1, 2, 3]}])",
+                          R"(, "JOINTS_0": 3, "WEIGHTS_0": 4)"};
+
+/// Triangles below nodes; the texture's rows are counted from above.
+void writeGlb(const Workplace& place, const std::string& material, const GlbNodes& nodes = kMirror)
 {
     std::string bytes;
     for (const Box::Corner& corner : Box().corners)
@@ -105,18 +119,31 @@ void writeGlb(const Workplace& place, const std::string& material)
     for (std::uint16_t i = 0; i < 24; i += 4)
         for (const int j : {0, 2, 1, 0, 3, 2})
             append(bytes, static_cast<std::uint16_t>(i + j));
+    for (int i = 0; i < 24; ++i)
+        bytes.append("\0\1\0\0", 4);
+    for (int i = 0; i < 24; ++i)
+        for (const float weight : {0.25f, 0.75f, 0.0f, 0.0f})
+            append(bytes, weight);
+    for (const float bone : {0.0f, 1.0f}) // from the mesh to the bones
+        for (const float value : {0.5f, 0.0f, 0.0f, 0.0f, 0.0f, 0.5f, 0.0f, 0.0f, 0.0f, 0.0f, 0.5f, 0.0f, -bone,
+                                  -2 * bone, -3 * bone, 1.0f})
+            append(bytes, value);
     std::string json = R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}],
-        "nodes": [{"children": [1], "translation": [5, 6, 7]}, {"mesh": 0, "scale": [-3, 3, 3]}],
-        "materials": [{"name": "paint")" +
-                       material + R"(}],
-        "meshes": [{"primitives": [{"attributes": {"POSITION": 0, "TEXCOORD_0": 1}, "indices": 2, "material": 0}]}],
-        "buffers": [{"byteLength": 552}],
+        )" + (nodes.members + (R"(, "materials": [{"name": "paint")" + material)) +
+                       R"(}], "meshes": [{"primitives": [{"indices": 2, "material": 0,
+            "attributes": {"POSITION": 0, "TEXCOORD_0": 1)" +
+                       nodes.attributes + R"(}}]}],
+        "buffers": [{"byteLength": 1160}],
         "bufferViews": [{"buffer": 0, "byteLength": 288}, {"buffer": 0, "byteOffset": 288, "byteLength": 192},
-            {"buffer": 0, "byteOffset": 480, "byteLength": 72}],
+            {"buffer": 0, "byteOffset": 480, "byteLength": 72}, {"buffer": 0, "byteOffset": 552, "byteLength": 96},
+            {"buffer": 0, "byteOffset": 648, "byteLength": 384}, {"buffer": 0, "byteOffset": 1032, "byteLength": 128}],
         "accessors": [{"bufferView": 0, "componentType": 5126, "count": 24, "type": "VEC3",
                 "min": [-0.4, -0.4, -0.4], "max": [0.4, 0.4, 0.4]},
             {"bufferView": 1, "componentType": 5126, "count": 24, "type": "VEC2"},
-            {"bufferView": 2, "componentType": 5123, "count": 36, "type": "SCALAR"}]})";
+            {"bufferView": 2, "componentType": 5123, "count": 36, "type": "SCALAR"},
+            {"bufferView": 3, "componentType": 5121, "count": 24, "type": "VEC4"},
+            {"bufferView": 4, "componentType": 5126, "count": 24, "type": "VEC4"},
+            {"bufferView": 5, "componentType": 5126, "count": 2, "type": "MAT4"}]})";
     json.resize((json.size() + 3) / 4 * 4, ' ');
     std::string file = "glTF";
     for (const std::size_t value : {std::size_t{2}, 28 + json.size() + bytes.size(), json.size()})
@@ -166,6 +193,8 @@ TEST(MeshFiles, OfABoxLookLikeTheShape)
     EXPECT_GT(changed(box, wired), 100U);
     for (const char* name : {"box.obj", "box.ply", "box.glb"})
         EXPECT_LT(changed(box, drawn(place, std::string("--material m.krs --mesh ") + name)), 20U) << name;
+    writeGlb(place, "", kBones);
+    EXPECT_LT(changed(box, drawn(place, "--material m.krs --mesh box.glb")), 20U);
     // The wire frame shows the edges of the file's own faces.
     for (const char* name : {"box.obj", "box.ply"})
         EXPECT_LT(changed(wired, drawn(place, std::string("wire.json --mesh ") + name)), 20U) << name;

@@ -50,22 +50,13 @@ class Scenes : public testing::TestWithParam<std::string>
 {
 };
 
-/// The picture of a shipped scene.
-Image drawScene(const std::string& name, const std::string& options = "")
-{
-    const Workplace place;
-    const Outcome outcome =
-        krview(place, KRENDER_SHARE "/scenes/" + name + ".json " + options + " --screenshot picture.png");
-    EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_EQ(outcome.err, "");
-    return readImage(place.path() / "picture.png");
-}
-
 // Another version of the driver changes the rounding and the smoothing of edges, which touches few pixels; a turned,
 // mirrored or differently lit object touches many.
 void expectAsInPicture(const std::string& scene, const std::string& picture)
 {
     const Outcome outcome = krview(Workplace(), scene + " --compare " + picture + " --tolerance 12 --allow 3");
+    if (outcome.err.find("this krview was built without Assimp") != std::string::npos)
+        GTEST_SKIP() << "the scene has a mesh of a file";
     EXPECT_EQ(outcome.status, 0) << outcome.err << "the target update-pictures draws missing pictures";
 }
 
@@ -86,6 +77,17 @@ TEST_P(Keys, ShowWhatTheGuideShows)
 INSTANTIATE_TEST_SUITE_P(Guide, Keys, testing::ValuesIn(namesIn(KRENDER_KEYS, ".json")), testName);
 
 #ifdef KRENDER_HAS_TARGETS
+/// The picture of a shipped scene.
+Image drawScene(const std::string& name, const std::string& options = "")
+{
+    const Workplace place;
+    const Outcome outcome =
+        krview(place, KRENDER_SHARE "/scenes/" + name + ".json " + options + " --screenshot picture.png");
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+    return readImage(place.path() / "picture.png");
+}
+
 TEST_P(Scenes, LookTheSameWithOpenGlsCoreProfile)
 {
     const Image image = drawScene(GetParam());

@@ -42,6 +42,17 @@ Pixel faceColour(const std::array<double, 3>& direction)
     return kFaceColours[2 * axis + (direction[axis] > 0 ? 0 : 1)];
 }
 
+/// A JPEG file of 8 by 16 pixels, white above black, with stray bytes between its tables.
+std::string jpeg()
+{
+    return std::string("\xff\xd8\xff\xdb\0\x43\0", 7) + std::string(64, '\x08') + "stray" +
+           std::string("\xff\xc0\0\x0b\x08\0\x10\0\x08\1\1\x11\0", 13) +
+           // Two codes of two bits for differences of 7 and 8 bits, and one of one bit for the end of a block.
+           std::string("\xff\xc4\0\x15\0\0\2", 7) + std::string(14, '\0') + "\x07\x08" +
+           std::string("\xff\xc4\0\x14\x10\1", 6) + std::string(16, '\0') +
+           std::string("\xff\xda\0\x08\1\1\0\0\x3f\0\x3f\x90\x07\xff\xd9", 15);
+}
+
 /// Writes what the scenes of these tests read.
 void writePictures(const Workplace& place)
 {
@@ -67,6 +78,7 @@ void writePictures(const Workplace& place)
     for (int i = 0; i < 8; ++i)
         light += "\x80\x80\x80\x83"; // 4 of each colour
     place.write("four.hdr", light);
+    place.write("halves.jpg", jpeg());
 }
 
 constexpr const char* kFarView = R"("view": {"pitch": 0, "yaw": 0, "distance": 200, "opening": 1}, "size": [200, 200])";
@@ -136,9 +148,10 @@ TEST_P(SeenAround, TheRightColoursInAllDirections)
     for (const std::string& direction : directions)
         expressions.push_back("textureCube(env, float3(" + direction + ")).xyz");
     const std::vector<Pixel> expected(GetParam().expected.begin(), GetParam().expected.end());
-    for (const char* api : {"", "--api gl3.3"})
+    for (const std::string& api : apis())
     {
-        const std::vector<Pixel> seen = shown(place, "uniform samplerCube env,", expressions, GetParam().members, api);
+        const std::vector<Pixel> seen =
+            shown(place, "uniform samplerCube env,", expressions, GetParam().members, "--api " + api);
         EXPECT_TRUE(areClose(seen, expected, 2)) << api << testing::PrintToString(seen);
         const Pixel corner = readImage(place.path() / "picture.png").at(2, 2);
         EXPECT_TRUE(areClose({corner}, {GetParam().background}, 2)) << api << testing::PrintToString(corner);
@@ -242,6 +255,11 @@ INSTANTIATE_TEST_SUITE_P(
              R"("inputs": {"map": "grey.png"})", kBlack},
         Read{"LightHasNoBound", kMap, "0.1 * texture2D(map, float2(0.5)).x",
              R"("encode": false, "inputs": {"map": "four.hdr"})", grey(102)},
+        Read{"JpegStandsUpright",
+             kMap,
+             "texture2D(map, float2(0.5, 0.75)).x, texture2D(map, float2(0.5, 0.25)).x, 0.5",
+             R"("encode": false, "inputs": {"map": "halves.jpg"})",
+             {255, 0, 128}},
         Read{"Repeated", kMap, kBeyond, R"("inputs": {"map": "sides.png"})", {255, 0, 255}},
         Read{"Mirrored",
              kMap,

@@ -3,6 +3,7 @@
 #include "MeshError.h"
 #include "MeshFolder.h"
 #include "MeshReaderProcess.h"
+#include "NodePlacements.h"
 #include "ReaderLimits.h"
 
 #include <assimp/GltfMaterial.h>
@@ -20,7 +21,6 @@
 #include <new>
 #include <span>
 #include <string_view>
-#include <utility>
 
 namespace
 {
@@ -97,48 +97,54 @@ bool isTransparent(const aiMaterial& material)
 template <class Vector>
 void copyStream(const Vector* vectors, std::size_t count, unsigned components, std::vector<float>& values)
 {
+    values.reserve(vectors ? count * components : 0);
     for (std::size_t i = 0; vectors && i < count; ++i)
         for (unsigned component = 0; component < components; ++component)
             values.push_back(vectors[i][component]);
 }
 
-std::vector<aiVector3D> transformed(const aiVector3D* vectors, std::size_t count, const aiMatrix3x3& matrix,
-                                    const aiVector3D& origin = {})
+/// @param map  makes a vector of a vector and the number of its vertex
+template <class Map>
+std::vector<aiVector3D> transformed(const aiVector3D* vectors, std::size_t count, Map map)
 {
     std::vector<aiVector3D> result;
+    result.reserve(vectors ? count : 0);
     for (std::size_t i = 0; vectors && i < count; ++i)
-        result.push_back(matrix * vectors[i] + origin);
+        result.push_back(map(vectors[i], i));
     return result;
 }
 
-/// A mesh as it stands at a node.
-PartArrays pieceOf(const aiMesh& mesh, const aiMaterial& material, const aiMatrix4x4& placement)
+/// A mesh as it stands in the world.
+/// @param placements  one for all vertices, or one for each
+PartArrays pieceOf(const aiMesh& mesh, const aiMaterial& material, const std::vector<Placement>& placements)
 {
-    const aiMatrix3x3 linear(placement);
-    const float determinant = linear.Determinant();
-    aiMatrix3x3 forNormals = linear;
-    if (determinant != 0)
-        forNormals.Inverse().Transpose();
     const std::size_t count = mesh.mNumVertices;
+    const auto at = [&placements](std::size_t vertex) -> const Placement&
+    { return placements[std::min(vertex, placements.size() - 1)]; };
     PartArrays piece{.name = pieceName(mesh, material), .isTransparent = isTransparent(material)};
     const auto copy = [&](StreamSlot slot, const auto* vectors)
     { copyStream(vectors, count, kStreamKinds[slot].components, piece.values[slot]); };
-    const aiVector3D origin(placement.a4, placement.b4, placement.c4);
-    copy(kPositions, transformed(mesh.mVertices, count, linear, origin).data());
+    const auto toWorld = [&](const aiVector3D& v, std::size_t i) { return at(i).linear * v + at(i).origin; };
+    copy(kPositions, transformed(mesh.mVertices, count, toWorld).data());
+    const auto normalToWorld = [&](const aiVector3D& v, std::size_t i) { return at(i).forNormals * v; };
     if (mesh.HasNormals())
-        copy(kNormals, transformed(mesh.mNormals, count, forNormals).data());
+        copy(kNormals, transformed(mesh.mNormals, count, normalToWorld).data());
+    const auto tangentToWorld = [&](const aiVector3D& v, std::size_t i) { return at(i).linear * v; };
     if (mesh.HasTangentsAndBitangents())
-        copy(kTangents, transformed(mesh.mTangents, count, linear).data());
+        copy(kTangents, transformed(mesh.mTangents, count, tangentToWorld).data());
     copy(kTextureCoords, mesh.mTextureCoords[0]);
     copy(kTextureCoords2, mesh.mTextureCoords[1]);
     copy(kColours, mesh.mColors[0]);
 
-    // A mirrored mesh keeps its outside.
-    const std::size_t second = determinant < 0 ? 2 : 1;
+    piece.triangles.reserve(std::size_t{3} * mesh.mNumFaces);
     for (const aiFace& face : std::span(mesh.mFaces, mesh.mNumFaces))
         if (face.mNumIndices == 3)
+        {
+            // A mirrored mesh keeps its outside.
+            const std::size_t second = at(face.mIndices[0]).isMirrored ? 2 : 1;
             piece.triangles.insert(piece.triangles.end(),
                                    {face.mIndices[0], face.mIndices[second], face.mIndices[3 - second]});
+        }
     return piece;
 }
 
@@ -154,8 +160,9 @@ void readWithAssimp(const char* path, const MeshWireOutput& output)
     {
         if (importer.GetException())
             std::rethrow_exception(importer.GetException());
+        const std::string_view error = importer.GetErrorString();
         if (!scene || !scene->mRootNode)
-            throw MeshError(importer.GetErrorString());
+            throw MeshError(error.empty() ? "it has no nodes" : std::string(error));
         return scene;
     };
     const aiScene* scene = checked(importer.ReadFile(path, 0));
@@ -172,12 +179,8 @@ void readWithAssimp(const char* path, const MeshWireOutput& output)
     if (hasPolygons)
         scene = checked(importer.ApplyPostProcessing(aiProcess_Triangulate));
 
-    std::vector<std::pair<const aiNode*, aiMatrix4x4>> nodes{{scene->mRootNode, aiMatrix4x4()}};
-    while (!nodes.empty())
-    {
-        const auto [node, parent] = nodes.back();
-        nodes.pop_back();
-        const aiMatrix4x4 placement = parent * node->mTransformation;
+    const NodePlacements placements(*scene->mRootNode);
+    for (const auto& [node, toWorld] : placements.nodes())
         for (const unsigned number : std::span(node->mMeshes, node->mNumMeshes))
         {
             if (number >= scene->mNumMeshes)
@@ -185,13 +188,10 @@ void readWithAssimp(const char* path, const MeshWireOutput& output)
             const aiMesh& mesh = *scene->mMeshes[number];
             if (mesh.mMaterialIndex >= scene->mNumMaterials)
                 throw MeshError("a mesh names a material that is not there");
-            PartArrays piece = pieceOf(mesh, *scene->mMaterials[mesh.mMaterialIndex], placement);
+            PartArrays piece = pieceOf(mesh, *scene->mMaterials[mesh.mMaterialIndex], placements.of(mesh, toWorld));
             piece.edges = edges[number];
             output.sendPiece(piece);
         }
-        for (unsigned i = node->mNumChildren; i-- > 0;)
-            nodes.emplace_back(node->mChildren[i], placement);
-    }
 }
 
 void readMeshHere(const char* path)

@@ -32,7 +32,6 @@ constexpr bool kReadsMeshFiles = true;
 constexpr bool kReadsMeshFiles = false;
 #endif
 
-constexpr std::size_t kMostTriangles = 20'000'000;
 constexpr std::size_t kMostParts = 4096;
 /// The most time for a reader that waits; one that works is ended by its processor time.
 constexpr std::chrono::seconds kMostTime{180};
@@ -99,14 +98,10 @@ std::vector<PartArrays> joinPieces(std::vector<PartArrays> pieces)
     using Streams = std::array<bool, kStreamSlots>;
     std::map<std::tuple<std::string, bool, Streams>, std::size_t> numbers;
     std::vector<PartArrays> parts;
-    std::size_t triangles = 0;
     for (PartArrays& piece : pieces)
     {
         piece.name = piece.name.empty() ? "part" : krTools::printable(piece.name);
         checkPart(piece);
-        triangles += piece.triangles.size() / 3;
-        if (triangles > kMostTriangles)
-            throw MeshError("it has more than " + std::to_string(kMostTriangles) + " triangles");
         if (piece.triangles.empty())
             continue;
         Streams streams{};

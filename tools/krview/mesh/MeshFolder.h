@@ -4,6 +4,8 @@
 #include <assimp/IOSystem.hpp>
 
 #include <filesystem>
+#include <map>
+#include <memory>
 #include <set>
 #include <string>
 
@@ -24,8 +26,15 @@ public:
     bool DeleteFile(const std::string&) override { return false; }
 
 private:
+    /// Where a file that may be read really stands; empty if there is none.
+    [[nodiscard]] std::filesystem::path find(const std::string& name) const;
+    /// Likewise of a name that may be a URI, as glTF files have them.
+    [[nodiscard]] std::filesystem::path findByNameOrUri(const std::string& name) const;
+
     std::filesystem::path fMesh;
     std::filesystem::path fFolder; ///< without links
     const MeshWireOutput& fOutput;
     mutable std::set<std::string> fTold;
+    /// Assimp opens a file again and again to find out its format.
+    std::map<std::filesystem::path, std::shared_ptr<const std::string>> fRead;
 };

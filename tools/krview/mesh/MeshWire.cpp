@@ -28,7 +28,8 @@ enum Kind : std::uint32_t
     kStream,
 };
 
-constexpr std::size_t kMostBytes = std::size_t{2} << 30;
+constexpr std::size_t kMostBytes = std::size_t{1} << 30;
+constexpr std::size_t kMostTriangles = 20'000'000;
 constexpr std::size_t kMostText = 4096;
 constexpr std::size_t kMostFiles = 4096;
 constexpr std::size_t kMostPieces = 1 << 20;
@@ -139,6 +140,9 @@ void MeshWireInput::readRecord(std::uint32_t kind, std::size_t count)
         fPieces.push_back({.name = readText(count), .isTransparent = kind == kTransparentPiece});
         break;
     case kTriangles:
+        fTriangles += count / 3;
+        if (fTriangles > kMostTriangles)
+            throw MeshError("it has more than " + std::to_string(kMostTriangles) + " triangles");
         readValues(piece().triangles, count);
         break;
     case kEdges:

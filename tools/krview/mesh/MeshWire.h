@@ -68,6 +68,7 @@ private:
     int fDescriptor;
     std::function<void()> fWhileWaiting;
     std::size_t fTotal = 0; ///< bytes
+    std::size_t fTriangles = 0;
     float fShare = -1;
     std::vector<std::string> fFiles;
     std::vector<PartArrays> fPieces;

@@ -115,17 +115,17 @@ Ref<PixelArray2D> decodeJpeg(std::string_view bytes)
     int height = 0;
     int sampling = 0;
     int colours = 0;
-    if (tjDecompressHeader3(decoder.get(), data, bytes.size(), &width, &height, &sampling, &colours) != 0)
+    // A warning is about a picture that is there; other programs show it too.
+    const auto isFailure = [&](int result) { return result != 0 && tjGetErrorCode(decoder.get()) != TJERR_WARNING; };
+    if (isFailure(tjDecompressHeader3(decoder.get(), data, bytes.size(), &width, &height, &sampling, &colours)))
         throw PictureError(tjGetErrorStr2(decoder.get()));
     check(claimsOf(bytes), static_cast<std::size_t>(width), static_cast<std::size_t>(height));
     if (colours == TJCS_CMYK || colours == TJCS_YCCK)
         throw PictureError("its colours are those of a print (CMYK) and not red, green and blue");
     Ref<PixelArray2D> picture = newPicture(static_cast<unsigned>(width), static_cast<unsigned>(height));
     auto* const pixels = static_cast<unsigned char*>(picture->data());
-    // A warning is about a picture that is there; other programs show it too.
-    if (tjDecompress2(decoder.get(), data, bytes.size(), pixels, width, 0, height, TJPF_RGBA,
-                      TJFLAG_BOTTOMUP | TJFLAG_ACCURATEDCT) != 0 &&
-        tjGetErrorCode(decoder.get()) != TJERR_WARNING)
+    if (isFailure(tjDecompress2(decoder.get(), data, bytes.size(), pixels, width, 0, height, TJPF_RGBA,
+                                TJFLAG_BOTTOMUP | TJFLAG_ACCURATEDCT)))
         throw PictureError(tjGetErrorStr2(decoder.get()));
     return picture;
 }

@@ -1,9 +1,11 @@
 #include "Model.h"
 
 #include <krview/FileStamp.h>
+#include <krview/FileWatch.h>
 #include <krview/mesh/MeshFile.h>
 #include <krview/mesh/Shapes.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -24,10 +26,13 @@ std::shared_ptr<Model> Model::make(const SceneObject& object, Progress& progress
 {
     if (!object.mesh.empty())
     {
+        const FileWatch::Moment before = FileWatch::now();
         const std::size_t known = files.size();
         std::shared_ptr<Model> model(new Model(readMesh(object.mesh, progress, files)));
         model->fFiles.assign(files.begin() + static_cast<std::ptrdiff_t>(known), files.end());
-        model->fFilesState = stateOf(model->fFiles);
+        if (std::none_of(model->fFiles.begin(), model->fFiles.end(),
+                         [before](const std::string& file) { return FileWatch::hasChangedSince(file, before); }))
+            model->fFilesState = stateOf(model->fFiles);
         return model;
     }
     if (object.shape != Shape::Particles)

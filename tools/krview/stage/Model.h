@@ -54,6 +54,6 @@ private:
 
     std::unique_ptr<Mesh> fMesh;
     std::vector<std::string> fFiles;
-    std::string fFilesState;
+    std::string fFilesState; ///< empty where they changed while they were read
     std::optional<Fountain> fFountain;
 };
