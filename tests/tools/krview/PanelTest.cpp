@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -143,7 +144,11 @@ TEST_P(ManagedPanel, SetsValuesThatCanBeSavedCopiedAndTakenBack)
     act("key ctrl+shift+z");
     EXPECT_EQ(shown().bytes, typed.bytes);
 
-    act(at(140, 19) + "click 1");
+    act("key a " + at(140, 19) + "click 1");
+    EXPECT_TRUE(waitFor(
+        [&] { return titleOf(shell) == "krview: copied the options, without axes: save the scene to keep all of it"; }))
+        << titleOf(shell);
+    act("key a");
     std::string options;
     EXPECT_TRUE(waitFor([&] { return (options = clipboard()).find("--set level=0.25") != std::string::npos; }))
         << options;
@@ -181,6 +186,22 @@ TEST_F(Panel, AddsAndRemovesLights)
     EXPECT_EQ(shown().bytes, drawnWith("--material grey.krs --light sky=skyLight --light ambient=ambientLight").bytes);
     act("key ctrl+z key ctrl+z");
     EXPECT_EQ(shown().bytes, before.bytes);
+}
+
+TEST_F(Panel, RemovesTheLightOfTheShadow)
+{
+    const auto scene = [](const std::string& light)
+    {
+        return R"({"material": "grey.krs", "libraries": [")" KRENDER_SHARE R"(/lights/shadow.krs"], "lights": [)" +
+               light + R"({"key": "sun", "function": "directionalLight"}]})";
+    };
+    std::string text = scene(R"({"key": "lamp", "function": "shadowLight", "inputs": {"intensity": 9}}, )");
+    place.write("scene.json", text.insert(1, R"("shadow": {"light": "lamp"}, )"));
+    place.write("after.json", scene(""));
+    begin({"scene.json"});
+    act(at(306, row(5)) + "click 1");
+    EXPECT_EQ(shown().bytes, drawnWith("after.json").bytes);
+    EXPECT_EQ(place.read("err"), "");
 }
 
 TEST_F(Panel, KeepsItsValuesWhenASourceIsReadAgain)
@@ -258,6 +279,7 @@ TEST_F(Panel, ReadsTheFileAgainThatItHasSaved)
 
 TEST_F(Panel, ChangesTheMaterial)
 {
+    std::filesystem::create_directory(place.path() / "materials");
     place.write("materials/broken.krs", "material broken(out float4 outRGBA) { outRGBA = nothing; }\n");
     place.write("materials/other.krs", "material other(uniform float tint = 0.3, out float4 outRGBA)\n"
                                        "{ outRGBA = float4(tint, 0, 0, 1); }\n");
@@ -277,7 +299,14 @@ TEST_F(Panel, ChangesTheMaterial)
     EXPECT_TRUE(waitFor([&] { return colours(kPictureWidth, 40) != clean; })) << "the error is not shown";
     EXPECT_EQ(shown().bytes, before.bytes);
     choose(2);
-    EXPECT_TRUE(waitFor([&] { return titleOf(shell).find("krview: other on sphere") == 0; })) << titleOf(shell);
+    EXPECT_TRUE(waitFor([&] { return colours(kPictureWidth, 40) == clean; })) << "the error stays";
+    // What the material has no inputs for is not saved.
+    act(at(50, 19) + "click 1");
+    EXPECT_TRUE(says("out", "saved scene.json\n"));
+    EXPECT_EQ(shown().bytes, drawnWith("scene.json").bytes);
+    EXPECT_EQ(place.read("scene.json").find("level"), std::string::npos);
+    act("key ctrl+z");
+    EXPECT_EQ(shown().bytes, before.bytes);
 }
 
 TEST_F(Panel, ShowsErrorsOverThePicture)

@@ -48,7 +48,8 @@ void Panel::build(float width, float height)
     ImGui::Separator();
     if (fSubjects.empty())
         ImGui::TextDisabled("nothing is loaded yet");
-    else
+    // After a step back to other objects the stage has yet to load them.
+    else if (fEditor.scene().objects.size() == fStage.objects().size())
     {
         buildSubject();
         buildLights();

@@ -162,11 +162,12 @@ void SettingsRows::buildObject(std::size_t index)
 
 void SettingsRows::buildShape(std::size_t index)
 {
-    const SceneObject& shown = fEditor.scene().objects[index];
+    // Each row may replace the scene.
+    const auto shown = [&]() -> const SceneObject& { return fEditor.scene().objects[index]; };
     row("Mesh", Change::All,
         [&](Scene& scene)
         {
-            const auto taken = file(fMeshes, shown.mesh, "none: a shape");
+            const auto taken = file(fMeshes, shown().mesh, "none: a shape");
             if (taken)
                 scene.objects[index].mesh = *taken;
             return taken.has_value();
@@ -185,12 +186,12 @@ void SettingsRows::buildShape(std::size_t index)
                 scene.grid = 1;
             return true;
         });
-    if (!shown.mesh.empty())
+    if (!shown().mesh.empty())
         return;
-    if (shown.shape == Shape::Particles)
+    if (shown().shape == Shape::Particles)
         row("Particles", Change::All,
             [&](Scene& scene) { return drag(scene.objects[index].particles, 1, kMostParticles); });
-    else if (shown.shape < Shape::Particles)
+    else if (shown().shape < Shape::Particles)
         row("Smooth", Change::All, [&](Scene& scene) { return checkBox(scene.objects[index].isSmooth); });
     else
         row("Fineness", Change::All,
