@@ -1,8 +1,9 @@
 #include "WindowSession.h"
 
-#include "FileNames.h"
 #include "FileWatch.h"
 #include "Frames.h"
+#include "SceneSource.h"
+#include "WindowSaver.h"
 #include "WindowTitle.h"
 
 #include <krview/Progress.h>
@@ -11,18 +12,14 @@
 #include <krview/gl/GlWindow.h>
 #include <krview/panel/Desk.h>
 #include <krview/panel/WindowProgress.h>
-#include <krview/picture/Picture.h>
 #include <krview/scene/InputError.h>
-#include <krview/scene/OptionsText.h>
 #include <krview/scene/SceneOptions.h>
 #include <krview/scene/SceneReader.h>
-#include <krview/scene/SceneWriter.h>
 #include <krview/stage/Stage.h>
 #include <krview/stage/View.h>
 
 #include <common/ExitStatus.h>
 #include <common/PrintedMessage.h>
-#include <common/Source.h>
 
 #include <krender/draw/DrawProcedure.h>
 
@@ -30,16 +27,11 @@
 #include <epoxy/gl.h>
 
 #include <chrono>
-#include <cstddef>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
-#include <system_error>
-#include <tuple>
 #include <vector>
 
 using Clock = std::chrono::steady_clock;
@@ -47,8 +39,7 @@ using Clock = std::chrono::steady_clock;
 namespace
 {
 
-constexpr std::size_t kMostSceneText = 1000000; ///< bytes that are compared
-constexpr int kWatchMilliseconds = 50;          ///< between two looks at the sources
+constexpr int kWatchMilliseconds = 50; ///< between two looks at the sources
 
 /// Whether errors do not end the program, but stand in the window until they are mended.
 bool waitsForMends(const Options& options) { return options.watch && options.frames == 0; }
@@ -86,8 +77,7 @@ public:
 
     int run()
     {
-        fSceneText = sceneText();
-        load([this] { return readScene(fOptions); });
+        reload();
         if (!fIsLoaded && !fIsClosed && !waitsForMends(fOptions))
             return krTools::kInputHasErrors;
         while (!fIsClosed && drawFrame())
@@ -106,7 +96,7 @@ private:
         if (!runCommands())
             return false;
         if (fOptions.watch && fWatch.hasChanged())
-            reload();
+            tellOfReload();
         // Whoever asks for a number of frames gets them, whether or not they differ.
         const bool isPictureOld = fOptions.frames != 0 || fView.needsRefresh() || fStage.isMoving();
         if (!isPictureOld && !fDesk->isOutOfDate())
@@ -143,20 +133,20 @@ private:
     {
         fDesk->catchUp();
         const View::Commands commands = fView.takeCommands();
-        if (commands.toggleAxes)
+        if (commands.toggleAxes && fIsLoaded)
             toggle("Axes", &Scene::axes);
-        if (commands.toggleWire)
+        if (commands.toggleWire && fIsLoaded)
             toggle("Wire frame", &Scene::wire);
         applyChanges();
         if (commands.frame && fIsLoaded)
             fView.frame(fStage.placements().bounds());
         if (commands.savePicture && fIsLoaded)
-            savePicture();
+            fSaver.savePicture([this] { return frame().picture([this] { fStage.draw(fView, *fFrame, seconds()); }); });
         const Desk::Commands asked = fDesk->takeCommands();
         if (asked.saveScene && fIsLoaded)
             saveScene();
         if (asked.copyOptions && fIsLoaded)
-            copyOptions();
+            fSaver.copyOptions(sceneAsSeen());
         return !commands.quit;
     }
 
@@ -174,59 +164,18 @@ private:
         return *fFrame;
     }
 
-    /// Saves what the window shows.
-    void savePicture()
-    {
-        save(freeFileName(".png"), [this](const std::string& path)
-             { writePng(path, *frame().picture([this] { fStage.draw(fView, *fFrame, seconds()); })); });
-    }
-
     void saveScene()
     {
-        const std::string& file = fDesk->editor().scene().file;
-        save(file.empty() ? freeFileName(".json") : file,
-             [this](const std::string& path)
-             {
-                 ::saveScene(sceneAsSeen(), path);
-                 fDesk->editor().markSaved(path);
-                 fSceneText = sceneText();
-             });
+        const std::string path = fSaver.saveScene(sceneAsSeen());
+        if (path.empty())
+            return;
+        fDesk->editor().markSaved(path);
+        watch(fStage.files(), FileWatch::now());
     }
 
-    void copyOptions()
-    {
-        fWindow.clipboard().copy(optionsText(sceneAsSeen()));
-        fTitle.showNote("copied the options");
-    }
-
-    /// The scene as the user has it, with the view if that was changed.
     [[nodiscard]] Scene sceneAsSeen() const
     {
-        Scene seen = fDesk->editor().scene();
-        Scene now;
-        fView.store(now);
-        const auto viewOf = [](const Scene& scene)
-        { return std::tie(scene.pitch, scene.yaw, scene.distance, scene.opening, scene.target); };
-        if (viewOf(now) != viewOf(fFirstView))
-            fView.store(seen);
-        return seen;
-    }
-
-    /// Saves something and tells the user where; a failure does not end the program.
-    void save(const std::string& path, const std::function<void(const std::string&)>& write)
-    {
-        try
-        {
-            write(path);
-            std::printf("krview: saved %s\n", path.c_str());
-            std::fflush(stdout);
-            fTitle.showNote("saved " + path);
-        }
-        catch (const std::exception& error)
-        {
-            krTools::printError("krview", error.what());
-            fTitle.showNote(error.what());
-        }
+        return fSource.asSeen(fStage.withoutUnused(fDesk->editor().scene()), fView);
     }
 
     /// A counted run shows the same moments each time.
@@ -259,8 +208,6 @@ private:
     {
         const FileWatch::Moment before = FileWatch::now();
         std::vector<std::string> files = fStage.files();
-        if (files.empty())
-            files = {fOptions.scene};
         bool isGood = false;
         fDesk->messages().clear();
         if (fOptions.frames == 0)
@@ -273,11 +220,11 @@ private:
                 isGood = fStage.load(scene, fDesk->messages(), fProgress);
                 files = fStage.files();
                 if (isGood)
-                    markLoaded(scene);
+                    fDesk->refresh();
             });
         fDesk->showProgress("", 0);
         // Also after an error: it may stand in a file that is included for the first time.
-        fWatch.watch(files, before);
+        watch(std::move(files), before);
         fView.windowMoved();
         fTitle.markStale();
         return isGood;
@@ -330,32 +277,35 @@ private:
         }
     }
 
-    /// Loads the scene again because a file has changed. What the user has changed in the panel stays, unless the scene's
-    /// own file says something else.
-    void reload()
+    /// Watches files and that of the scene.
+    void watch(std::vector<std::string> files, FileWatch::Moment before)
     {
-        std::string text = sceneText();
-        const bool isSame = fIsLoaded && text == fSceneText;
-        fSceneText = std::move(text);
-        if (load([&] { return isSame ? fDesk->editor().scene() : readScene(fOptions); }))
-        {
-            std::printf("krview: now showing %s\n", fStage.description().c_str());
-            std::fflush(stdout);
-        }
+        files.push_back(fSource.file());
+        fWatch.watch(files, before);
     }
 
-    /// What stands in the scene's file; nothing where it cannot be read, which readScene() tells of.
-    [[nodiscard]] std::string sceneText() const
+    void tellOfReload()
     {
-        const std::string& file = fDesk->editor().scene().file;
-        try
-        {
-            return krTools::readText(file.empty() ? fOptions.scene : file, kMostSceneText);
-        }
-        catch (const krTools::FileError&)
-        {
-            return "";
-        }
+        if (!reload())
+            return;
+        std::printf("krview: now showing %s\n", fStage.description().c_str());
+        std::fflush(stdout);
+    }
+
+    /// Loads the scene from its files. What the user has changed in the panel stays, unless the scene's own file says
+    /// something else.
+    /// @return  whether the picture shows it now
+    bool reload()
+    {
+        const bool isSame = fIsLoaded && fSource.isShown();
+        Scene scene;
+        fIsBroken = !load([&] { return scene = isSame ? fDesk->editor().scene() : fSource.read(); });
+        if (fIsBroken || isSame)
+            return !fIsBroken;
+        fDesk->editor().take(scene);
+        fSource.show(scene, fView, fStage.placements().bounds());
+        fIsLoaded = true;
+        return true;
     }
 
     /// Shows what the user has changed in the panel.
@@ -363,36 +313,24 @@ private:
     {
         SceneEditor& editor = fDesk->editor();
         const SceneEditor::Change change = editor.takeChange();
-        bool isGood = true;
+        if (change == SceneEditor::Change::None)
+            return;
+        // What was wrong with the change before is no longer of interest; what is wrong with the files is.
+        if (!fIsBroken && fDesk->messages().errorCount() != 0)
+            fDesk->messages().clear();
+        bool isGood = false;
         if (change == SceneEditor::Change::All)
             isGood = load([&] { return editor.scene(); });
-        else if (change == SceneEditor::Change::Values)
-        {
-            isGood = false;
+        else
             tell(
                 [&]
                 {
                     fStage.setValues(editor.scene());
                     isGood = true;
                 });
-            fView.windowMoved();
-        }
-        if (!isGood)
-            editor.reject(fStage.scene());
-    }
-
-    void markLoaded(const Scene& scene)
-    {
-        fDesk->editor().take(scene);
-        fDesk->refresh();
-        if (!fIsLoaded)
-        {
-            fView.reset(scene);
-            if (scene.isFramed)
-                fView.frame(fStage.placements().bounds());
-            fView.store(fFirstView);
-        }
-        fIsLoaded = true;
+        fView.windowMoved();
+        fTitle.markStale();
+        isGood ? editor.accept() : editor.reject(fStage.scene());
     }
 
     void updateTitle()
@@ -419,14 +357,15 @@ private:
 
     const Options& fOptions;
     View fView;
-    Scene fFirstView; ///< whose view is the first one
     std::unique_ptr<Desk> fDesk;
     GlWindow fWindow;
     WindowTitle fTitle{fWindow};
     Stage fStage;
-    std::string fSceneText; ///< what stands in the scene's file
+    SceneSource fSource{fOptions};
+    WindowSaver fSaver{fWindow, fTitle, fSource};
     bool fIsClosed = false;
     bool fIsLoaded = false; ///< whether the stage has a scene
+    bool fIsBroken = false; ///< whether the files cannot be shown as they are
     std::optional<Frame> fFrame;
     WindowProgress fProgress{[this](const std::string& what, float share) { return showProgress(what, share); }};
     FileWatch fWatch;

@@ -50,6 +50,32 @@ TEST_F(Viewer, DoesWhatTheUserAsksFor)
     EXPECT_EQ(place.read("err"), "");
 }
 
+TEST_F(Viewer, IsSeenFromWhereTheFileSays)
+{
+    const std::string objects =
+        R"({"material": "material.krs", "objects": [{"position": [3, 0, 0]}, {"shape": "cube"}])";
+    place.write("scene.json", objects + '}');
+    start({"scene.json", "--watch"});
+    const Image framed = save();
+    const auto drag = [this]
+    {
+        mouse(ButtonPress, 1, 60, 45);
+        mouse(ButtonRelease, 1, 90, 55);
+    };
+    drag();
+    press(XK_r);
+    EXPECT_EQ(save().bytes, framed.bytes) << "a reset does not frame";
+    drag();
+    const Image turned = save();
+    place.write("scene.json", objects + R"(, "axes": false})");
+    EXPECT_TRUE(says("out", "now showing"));
+    EXPECT_EQ(save().bytes, turned.bytes) << "the view is lost";
+    place.write("scene.json", objects + R"(, "view": {"yaw": 90, "distance": 9}})");
+    EXPECT_EQ(krview(place, "scene.json --size 120x90 --screenshot there.png").err, "");
+    const Image there = readImage(place.path() / "there.png");
+    EXPECT_TRUE(waitFor([&] { return save().bytes == there.bytes; }));
+}
+
 class Managed : public Viewer, public testing::WithParamInterface<const char*>
 {
 };

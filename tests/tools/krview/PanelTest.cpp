@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -143,7 +144,11 @@ TEST_P(ManagedPanel, SetsValuesThatCanBeSavedCopiedAndTakenBack)
     act("key ctrl+shift+z");
     EXPECT_EQ(shown().bytes, typed.bytes);
 
-    act(at(140, 19) + "click 1");
+    act("key a " + at(140, 19) + "click 1");
+    EXPECT_TRUE(waitFor(
+        [&] { return titleOf(shell) == "krview: copied the options, without axes: save the scene to keep all of it"; }))
+        << titleOf(shell);
+    act("key a");
     std::string options;
     EXPECT_TRUE(waitFor([&] { return (options = clipboard()).find("--set level=0.25") != std::string::npos; }))
         << options;
@@ -183,6 +188,22 @@ TEST_F(Panel, AddsAndRemovesLights)
     EXPECT_EQ(shown().bytes, before.bytes);
 }
 
+TEST_F(Panel, RemovesTheLightOfTheShadow)
+{
+    const auto scene = [](const std::string& light)
+    {
+        return R"({"material": "grey.krs", "libraries": [")" KRENDER_SHARE R"(/lights/shadow.krs"], "lights": [)" +
+               light + R"({"key": "sun", "function": "directionalLight"}]})";
+    };
+    std::string text = scene(R"({"key": "lamp", "function": "shadowLight", "inputs": {"intensity": 9}}, )");
+    place.write("scene.json", text.insert(1, R"("shadow": {"light": "lamp"}, )"));
+    place.write("after.json", scene(""));
+    begin({"scene.json"});
+    act(at(306, row(5)) + "click 1");
+    EXPECT_EQ(shown().bytes, drawnWith("after.json").bytes);
+    EXPECT_EQ(place.read("err"), "");
+}
+
 TEST_F(Panel, KeepsItsValuesWhenASourceIsReadAgain)
 {
     begin({"--material", "grey.krs", "--watch"});
@@ -198,6 +219,94 @@ TEST_F(Panel, KeepsItsValuesWhenASourceIsReadAgain)
     place.write("grey.krs", "material other(out float4 outRGBA) { outRGBA = float4(0, 1, 0, 1); }\n");
     EXPECT_TRUE(says("out", "krview: now showing other")) << place.read("err");
     EXPECT_EQ(place.read("err"), "");
+}
+
+TEST_F(Panel, GoesBackToWhatTheFilesSaidBefore)
+{
+    const std::string several = R"({"material": "grey.krs", "objects": [{}, {"position": [1, 0, 0]}]})";
+    place.write("scene.json", several);
+    begin({"scene.json", "--watch"});
+    const Image two = shown();
+    act(at(200, row(2)) + "click 1"); // below the choice of the object
+    const Image changed = shown();
+    EXPECT_NE(changed.bytes, two.bytes);
+    place.write("scene.json", R"({"material": "grey.krs", "shape": "cube"})");
+    EXPECT_TRUE(says("out", "krview: now showing grey on cube\n"));
+    const Image one = drawnWith("scene.json");
+    EXPECT_EQ(shown().bytes, one.bytes);
+    act("key ctrl+z");
+    EXPECT_NE(shown().bytes, one.bytes);
+    act("key ctrl+shift+z");
+    EXPECT_EQ(shown().bytes, one.bytes);
+    // What is shown is what is saved, and the file's own text counts as known.
+    act("key ctrl+z key ctrl+z " + at(50, 19) + "click 1");
+    EXPECT_TRUE(says("out", "scene.json\n"));
+    EXPECT_EQ(drawnWith("scene.json").bytes, shown().bytes);
+}
+
+TEST_F(Panel, KeepsItsValuesWhenTheSceneBreaks)
+{
+    const std::string good = R"({"material": "grey.krs"})";
+    place.write("scene.json", good);
+    begin({"scene.json", "--watch", "--set", "level=0"});
+    act(at(200, row(1)) + "mousedown 1 " + at(330, row(1)) + "mouseup 1");
+    const Image set = drawnWith("scene.json --set level=1");
+    EXPECT_EQ(shown().bytes, set.bytes);
+    place.write("scene.json", good + ',');
+    EXPECT_TRUE(says("err", "error"));
+    place.write("scene.json", good);
+    EXPECT_TRUE(says("out", "now showing"));
+    EXPECT_EQ(shown().bytes, set.bytes);
+
+    // What is saved goes ahead of the options from then on.
+    act(at(50, 19) + "click 1");
+    EXPECT_TRUE(says("out", "saved scene.json\n"));
+    std::string text = place.read("scene.json");
+    place.write("scene.json", text.insert(1, "\"shape\": \"cube\", "));
+    EXPECT_TRUE(says("out", "now showing grey on cube"));
+    EXPECT_EQ(shown().bytes, drawnWith("scene.json").bytes);
+}
+
+TEST_F(Panel, ReadsTheFileAgainThatItHasSaved)
+{
+    begin({"--material", "grey.krs", "--watch", "-I", "parts"});
+    act(at(50, 19) + "click 1");
+    EXPECT_TRUE(says("out", "krview-1.json, which needs -I parts\n"));
+    std::string text = place.read("krview-1.json");
+    place.write("krview-1.json", text.insert(1, "\"shape\": \"cube\", "));
+    EXPECT_TRUE(says("out", "now showing grey on cube"));
+}
+
+TEST_F(Panel, ChangesTheMaterial)
+{
+    std::filesystem::create_directory(place.path() / "materials");
+    place.write("materials/broken.krs", "material broken(out float4 outRGBA) { outRGBA = nothing; }\n");
+    place.write("materials/other.krs", "material other(uniform float tint = 0.3, out float4 outRGBA)\n"
+                                       "{ outRGBA = float4(tint, 0, 0, 1); }\n");
+    place.write("materials/grey.krs", kGrey);
+    place.write("scene.json", R"({"material": "materials/grey.krs", "inputs": {"level": 1, "tint": [1, 0, 1]}})");
+    begin({"scene.json"});
+    const Image before = shown();
+    const auto clean = colours(kPictureWidth, 40);
+    act(at(60, row(8)) + "click 1"); // the section of the object
+    const auto choose = [&](int file)
+    {
+        act(at(170, row(9)) + "click 1");
+        act("key Home"); // the list gets the time to open, above the window's lower edge
+        act(at(-60, 187 + 18 * file) + "click 1");
+    };
+    choose(0);
+    EXPECT_TRUE(waitFor([&] { return colours(kPictureWidth, 40) != clean; })) << "the error is not shown";
+    EXPECT_EQ(shown().bytes, before.bytes);
+    choose(2);
+    EXPECT_TRUE(waitFor([&] { return colours(kPictureWidth, 40) == clean; })) << "the error stays";
+    // What the material has no inputs for is not saved.
+    act(at(50, 19) + "click 1");
+    EXPECT_TRUE(says("out", "saved scene.json\n"));
+    EXPECT_EQ(shown().bytes, drawnWith("scene.json").bytes);
+    EXPECT_EQ(place.read("scene.json").find("level"), std::string::npos);
+    act("key ctrl+z");
+    EXPECT_EQ(shown().bytes, before.bytes);
 }
 
 TEST_F(Panel, ShowsErrorsOverThePicture)

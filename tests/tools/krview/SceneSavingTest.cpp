@@ -370,10 +370,49 @@ TEST_F(SceneSaving, OptionsShowTheSame)
     scene.inputs["uv"] = {NamedValue{"1", ""}, {}, ""};
     scene.lights = {{"", "k", "lamp", "lamp.krs"}};
     scene.width = 100;
-    EXPECT_EQ(optionsText(scene),
+    const OptionsText options = optionsText(scene);
+    EXPECT_EQ(options.text,
               "scene.json --material '../materials/it'\\''s.krs' --shape torus --light k=lamp.krs:lamp "
               "--set 'map={\"picture\": \"bricks.png\", \"normalMap\": 2}' --set 'uv={\"picture\": \"1\"}' --set x=-1 "
               "--set b.x=1 --set b.z=1,0.1 --size 100x480");
+    EXPECT_EQ(options.leftOut, std::vector<std::string>());
+}
+
+TEST_F(SceneSaving, OptionsTellWhatTheyLeaveOut)
+{
+    const char* const text = R"({"material": "../materials/clay.krs", "inputs": {"color": 1, "slope": 2}})";
+    write("scene.json", text);
+    const struct
+    {
+        void (*change)(Scene&);
+        std::vector<std::string> leftOut;
+    } changes[] = {
+        {[](Scene& scene) { scene.inputs["color"] = numbers({2}); }, {}},
+        {[](Scene& scene) { scene.inputs.erase("slope"); }, {"inputs"}},
+        {[](Scene& scene) { scene.yaw = 7; }, {"view"}},
+        {[](Scene& scene) {
+             scene.objects[0].position = {0, 1, 0};
+         },
+         {"position"}},
+        {[](Scene& scene)
+         {
+             scene.lights.emplace();
+             scene.axes = true;
+         },
+         {"lights", "axes"}},
+        {[](Scene& scene)
+         {
+             scene.file.clear();
+             scene.includeFolders = {"parts"};
+         },
+         {}},
+    };
+    for (const auto& [change, leftOut] : changes)
+    {
+        Scene scene = sceneOfText("scene.json", text);
+        change(scene);
+        EXPECT_EQ(optionsText(scene).leftOut, leftOut);
+    }
 }
 
 } // namespace

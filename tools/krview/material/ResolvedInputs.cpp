@@ -103,6 +103,15 @@ bool fits(double number, DataType type)
            number <= std::numeric_limits<int>::max();
 }
 
+/// Whether a value is of the kind that an input takes, and has as many numbers.
+bool hasForm(const InputValue& value, const ProgramInput& input)
+{
+    const auto* numbers = std::get_if<std::vector<double>>(&value.value);
+    if (!numbers)
+        return isSampler(input.type) || input.perVertex;
+    return !isSampler(input.type) && numbers->size() == numberCount(input.type);
+}
+
 /// The numbers of an input, as many as its type takes.
 /// @param value  null: the default
 std::vector<double> numbersOf(const ProgramInput& input, const InputValue* value)
@@ -111,7 +120,7 @@ std::vector<double> numbersOf(const ProgramInput& input, const InputValue* value
         return defaultNumbers(input);
     const auto* numbers = std::get_if<std::vector<double>>(&value->value);
     const std::size_t count = numberCount(input.type);
-    if (!numbers || numbers->size() != count)
+    if (!numbers || !hasForm(*value, input))
         fail(*value, inQuotes(input.name) + " is of type " + dataTypeName(input.type) + " and wants " +
                          (count == 1 ? "a number" : std::to_string(count) + " numbers"));
     for (const double number : *numbers)
@@ -125,7 +134,8 @@ std::vector<double> numbersOf(const ProgramInput& input, const InputValue* value
 const InputValue* valueOf(const ProgramInput& input, const std::vector<const InputValues*>& values)
 {
     for (const InputValues* some : values)
-        if (const auto found = some->find(input.name); found != some->end())
+        if (const auto found = some->find(input.name);
+            found != some->end() && !(found->second.isOptional && !suits(found->second, input)))
             return &found->second;
     return input.defaultValue ? &*input.defaultValue : nullptr;
 }
@@ -146,6 +156,13 @@ std::size_t numberCount(DataType type)
     if (dataTypeNumFloats(type) > 0)
         return dataTypeNumFloats(type);
     return dataTypeInfo[type].isVector ? maxDim(type) : 0;
+}
+
+bool suits(const InputValue& value, const ProgramInput& input)
+{
+    const auto* numbers = std::get_if<std::vector<double>>(&value.value);
+    return hasForm(value, input) && (!numbers || std::all_of(numbers->begin(), numbers->end(),
+                                                             [&](double number) { return fits(number, input.type); }));
 }
 
 ResolvedInputs::ResolvedInputs(const std::vector<const InputValues*>& values, const Material& material)

@@ -12,6 +12,9 @@
 /// The number of components of a type; 0 for samplers and whatever else takes no numbers.
 [[nodiscard]] std::size_t numberCount(DataType type);
 
+/// Whether an input takes a value; pictures and streams are not looked at.
+[[nodiscard]] bool suits(const InputValue& value, const ProgramInput& input);
+
 /// The values of a program's inputs, before a driver gets them: the user's, and suitable defaults for the rest.
 class ResolvedInputs
 {

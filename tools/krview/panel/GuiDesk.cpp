@@ -133,7 +133,7 @@ private:
         if (!fWork.empty())
             buildProgress();
         if (fIsOpen)
-            fPanel->build(static_cast<float>(std::max(0, fWidth - kPanel)), static_cast<float>(fHeight));
+            fPanel->build(static_cast<float>(fWidth), static_cast<float>(fHeight));
     }
 
     /// The bar in the middle of the picture.

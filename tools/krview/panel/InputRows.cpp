@@ -82,8 +82,9 @@ const InputValue* InputRows::value(const Subject& subject, const std::string& na
 std::vector<double> InputRows::numbers(const Subject& subject, const InputForm& form) const
 {
     const InputValue* const own = value(subject, form.name);
-    const auto* numbers =
-        own ? std::get_if<std::vector<double>>(&own->value) : surfaceOf(subject).inputs.numbers(form.name);
+    const auto* numbers = own ? std::get_if<std::vector<double>>(&own->value) : nullptr;
+    if (!numbers || numbers->size() != form.count) // such as one for a material that was replaced
+        numbers = surfaceOf(subject).inputs.numbers(form.name);
     return numbers && numbers->size() == form.count ? *numbers : std::vector<double>(form.count, 0.0);
 }
 

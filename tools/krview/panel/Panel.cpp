@@ -34,18 +34,22 @@ void Panel::refresh()
     fSubject = std::min(fSubject, fSubjects.empty() ? 0 : fSubjects.size() - 1);
 }
 
-void Panel::build(float left, float height)
+void Panel::build(float width, float height)
 {
-    ImGui::SetNextWindowPos({left, 0});
-    ImGui::SetNextWindowSize({kPanelWidth, height});
+    const ImGuiStyle& style = ImGui::GetStyle();
+    ImGui::SetNextWindowPos({std::max(0.0f, width - kPanelWidth), 0});
+    ImGui::SetNextWindowSize({std::min(kPanelWidth, width), height});
+    ImGui::SetNextWindowContentSize({kPanelWidth - 2 * style.WindowPadding.x - style.ScrollbarSize, 0});
     ImGui::Begin("panel", nullptr,
                  ImGuiWindowFlags_NoTitleBar | ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoResize |
-                     ImGuiWindowFlags_NoSavedSettings | ImGuiWindowFlags_AlwaysVerticalScrollbar);
+                     ImGuiWindowFlags_NoSavedSettings | ImGuiWindowFlags_AlwaysVerticalScrollbar |
+                     ImGuiWindowFlags_HorizontalScrollbar);
     buildButtons();
     ImGui::Separator();
     if (fSubjects.empty())
         ImGui::TextDisabled("nothing is loaded yet");
-    else
+    // After a step back to other objects the stage has yet to load them.
+    else if (fEditor.scene().objects.size() == fStage.objects().size())
     {
         buildSubject();
         buildLights();
@@ -167,12 +171,15 @@ void Panel::remove(const std::string& key)
     const std::string step = "remove " + key;
     std::vector<krTools::LightName>& left = lights(step);
     std::erase_if(left, [&](const krTools::LightName& light) { return light.key == key; });
-    // Its values would be those of no light.
+    // Its values and its shadow would be those of no light.
     Scene& scene = fEditor.change(step, SceneEditor::Change::All);
+    if (scene.shadow.light == key)
+        scene.shadow.light.clear();
     const Surface& surface = fStage.objects()[fSubjects[fSubject].object].surfaces[fSubjects[fSubject].surface];
     for (const ProgramInput& input : surface.material->material.inputs)
         if (input.light == key)
-            scene.inputs.erase(input.name);
+            for (InputValues* values : inputsOf(scene))
+                values->erase(input.name);
 }
 
 void Panel::buildNewLight(const std::vector<krTools::LightName>& all)

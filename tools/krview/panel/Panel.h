@@ -26,8 +26,9 @@ public:
     /// All is borrowed.
     Panel(SceneEditor& editor, View& view, const Stage& stage, Actions actions);
 
-    /// @param left, height  where it begins, to the window's right edge, and how high it is, in pixels
-    void build(float left, float height);
+    /// Builds it at the right edge of the window; where that is narrower than the panel, it scrolls.
+    /// @param width, height  of the window, pixels
+    void build(float width, float height);
     /// The stage has a new scene.
     void refresh();
 

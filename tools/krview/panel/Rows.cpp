@@ -38,6 +38,9 @@ double withinEnds(const InputForm& form, double number)
     return number;
 }
 
+/// Whether the user has given another number than that which was shown; the others keep all their digits.
+bool isOther(float number, double before) { return std::isfinite(number) && number != static_cast<float>(before); }
+
 /// A slider where both its ends are known, else a field that is dragged.
 /// @param type  of T
 template <class T>
@@ -109,20 +112,18 @@ bool numbersWidget(const InputForm& form, std::vector<double>& numbers)
         std::transform(numbers.begin(), numbers.end(), whole.begin(),
                        [](double number) { return static_cast<int>(number); });
         isChanged = scalars(form, ImGuiDataType_S32, whole, 0.1f);
-        if (isChanged)
-            numbers.assign(whole.begin(), whole.end());
+        for (std::size_t i = 0; isChanged && i < whole.size(); ++i)
+            if (whole[i] != static_cast<int>(numbers[i]))
+                numbers[i] = withinEnds(form, whole[i]);
     }
     else
     {
         std::vector<float> floats(numbers.begin(), numbers.end());
         isChanged = scalars(form, ImGuiDataType_Float, floats, dragSpeed(numbers));
         for (std::size_t i = 0; isChanged && i < floats.size(); ++i)
-            if (std::isfinite(floats[i]))
-                numbers[i] = shortest(floats[i]);
+            if (isOther(floats[i], numbers[i]))
+                numbers[i] = withinEnds(form, shortest(floats[i]));
     }
-    if (isChanged)
-        for (double& number : numbers)
-            number = withinEnds(form, number);
     return isChanged;
 }
 
@@ -154,7 +155,7 @@ bool colourWidget(std::span<double> numbers)
         ImGui::EndPopup();
     }
     for (std::size_t i = 0; isChanged && i < floats.size(); ++i)
-        if (std::isfinite(floats[i]))
+        if (isOther(floats[i], numbers[i]))
             numbers[i] = shortest(std::max(0.0f, floats[i]));
     return isChanged;
 }
@@ -176,7 +177,7 @@ bool matrixWidget(const InputForm& form, std::vector<double>& numbers)
         {
             isChanged = true;
             for (std::size_t i = 0; i < side; ++i)
-                if (std::isfinite(floats[i]))
+                if (isOther(floats[i], numbers[row * side + i]))
                     numbers[row * side + i] = shortest(floats[i]);
         }
         ImGui::PopID();

@@ -17,8 +17,8 @@ public:
     };
 
     [[nodiscard]] const Scene& scene() const noexcept { return fScene; }
-    /// Takes a scene that is shown already.
-    void take(const Scene& scene) { fScene = scene; }
+    /// Takes a scene that was read from its files and is shown already. It takes the place of another by a step of its own.
+    void take(const Scene& scene);
 
     /// The scene has been saved, and is from now on the one of that file.
     void markSaved(const std::string& file) { fScene.file = file; }
@@ -30,14 +30,16 @@ public:
     void endStep() { fStepIsOpen = false; }
     /// What has to be done for the changes since the last call.
     [[nodiscard]] Change takeChange();
-    /// Forgets the last step, which cannot be shown.
+    /// The scene is shown.
+    void accept() { fShown = fPosition; }
+    /// Goes back to where the scene was shown last, since it cannot be shown as it is.
     /// @param shown  the scene that is shown
     void reject(const Scene& shown);
 
     [[nodiscard]] bool canUndo() const noexcept { return !fUndone.empty(); }
     [[nodiscard]] bool canRedo() const noexcept { return !fRedone.empty(); }
-    void undo() { step(fUndone, fRedone); }
-    void redo() { step(fRedone, fUndone); }
+    void undo();
+    void redo();
 
 private:
     struct Step
@@ -48,12 +50,17 @@ private:
     };
     using Steps = std::vector<Step>;
 
+    void begin(const std::string& what, Change change);
     void step(Steps& from, Steps& to);
     void note(Change change);
+    void replace(Scene scene);
 
     Scene fScene;
     Change fChange = Change::None;
     Steps fUndone; ///< the scenes before, the last one at the end
     Steps fRedone;
     bool fStepIsOpen = false;
+    bool fHasScene = false;
+    long fPosition = 0; ///< steps forth less steps back
+    long fShown = 0;    ///< the position of the scene that is shown
 };

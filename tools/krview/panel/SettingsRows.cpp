@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <filesystem>
 #include <optional>
 #include <utility>
@@ -33,8 +34,10 @@ bool drag(std::array<Number*, Count> numbers, const Drag& how)
                    [](const Number* n) { return static_cast<float>(*n); });
     if (!ImGui::DragScalarN("##value", ImGuiDataType_Float, floats.data(), static_cast<int>(Count), how.speed))
         return false;
+    // The others keep all their digits.
     for (std::size_t i = 0; i < Count; ++i)
-        *numbers[i] = static_cast<Number>(std::clamp(shortest(floats[i]), how.least, how.greatest));
+        if (floats[i] != static_cast<float>(*numbers[i]) && std::isfinite(floats[i]))
+            *numbers[i] = static_cast<Number>(std::clamp(shortest(floats[i]), how.least, how.greatest));
     return true;
 }
 
@@ -130,9 +133,14 @@ void SettingsRows::buildObject(std::size_t index)
         {
             std::string& material = scene.objects[index].look.material;
             const auto taken = file(fMaterials, krTools::materialName(material).file, "none");
-            if (taken)
-                material = *taken;
-            return taken.has_value();
+            if (!taken)
+                return false;
+            material = *taken;
+            // What only the former material has is no error.
+            for (InputValues* values : inputsOf(scene))
+                for (auto& [name, value] : *values)
+                    value.isOptional = true;
+            return true;
         });
     buildShape(index);
     constexpr Drag kPlace{0.02f, -1e6, 1e6};
@@ -143,7 +151,9 @@ void SettingsRows::buildObject(std::size_t index)
         });
     row("Scale", Change::Values, [&](Scene& scene) { return drag(scene.objects[index].scale, {0.01f, 0.001, 1e6}); });
     row("Casts shadow", Change::All, [&](Scene& scene) { return checkBox(scene.objects[index].castsShadow); });
-    if (fEditor.scene().objects.size() == 1)
+    const SceneObject& shown = fEditor.scene().objects[index];
+    const bool isParticles = shown.mesh.empty() && shown.shape == Shape::Particles;
+    if (fEditor.scene().objects.size() == 1 && !isParticles)
     {
         row("Grid", Change::All, [](Scene& scene) { return drag(scene.grid, 1, kMostObjects); });
         row("Spacing", Change::Values, [](Scene& scene) { return drag(scene.spacing, {0.02f, 0, 1000}); });
@@ -152,11 +162,12 @@ void SettingsRows::buildObject(std::size_t index)
 
 void SettingsRows::buildShape(std::size_t index)
 {
-    const SceneObject& shown = fEditor.scene().objects[index];
+    // Each row may replace the scene.
+    const auto shown = [&]() -> const SceneObject& { return fEditor.scene().objects[index]; };
     row("Mesh", Change::All,
         [&](Scene& scene)
         {
-            const auto taken = file(fMeshes, shown.mesh, "none: a shape");
+            const auto taken = file(fMeshes, shown().mesh, "none: a shape");
             if (taken)
                 scene.objects[index].mesh = *taken;
             return taken.has_value();
@@ -171,14 +182,16 @@ void SettingsRows::buildShape(std::size_t index)
             object.shape = static_cast<Shape>(chosen);
             object.mesh.clear();
             object.parts.clear();
+            if (object.shape == Shape::Particles)
+                scene.grid = 1;
             return true;
         });
-    if (!shown.mesh.empty())
+    if (!shown().mesh.empty())
         return;
-    if (shown.shape == Shape::Particles)
+    if (shown().shape == Shape::Particles)
         row("Particles", Change::All,
             [&](Scene& scene) { return drag(scene.objects[index].particles, 1, kMostParticles); });
-    else if (shown.shape < Shape::Particles)
+    else if (shown().shape < Shape::Particles)
         row("Smooth", Change::All, [&](Scene& scene) { return checkBox(scene.objects[index].isSmooth); });
     else
         row("Fineness", Change::All,
@@ -234,7 +247,7 @@ void SettingsRows::buildView()
     };
     field("Pitch", seen.pitch, {0.5f, -90, 90});
     field("Yaw", seen.yaw, {0.5f, -360, 360});
-    field("Distance", seen.distance, {0.02f, 0.1, 1000});
+    field("Distance", seen.distance, {0.02f, shortest(kLeastDistance), kGreatestDistance});
     field("Field of view", seen.opening, {0.2f, 1, 150});
     field("Target", seen.target, {0.01f, -1e6, 1e6});
     if (isChanged)

@@ -3,10 +3,12 @@
 #include "Keys.h"
 #include "SceneFile.h"
 #include "SceneOptions.h"
+#include "SceneReader.h"
 #include "SceneText.h"
 #include "TextEdit.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -75,7 +77,7 @@ class Difference
 public:
     Difference(const Scene& from, const Scene& to) : fFrom(from), fTo(to) {}
 
-    [[nodiscard]] std::string text()
+    [[nodiscard]] std::vector<std::string> words()
     {
         if (!fTo.file.empty())
             add(fTo.file);
@@ -86,16 +88,11 @@ public:
             add("--grid", std::to_string(fTo.grid));
         if (fTo.width != fFrom.width || fTo.height != fFrom.height)
             add("--size", std::to_string(fTo.width) + 'x' + std::to_string(fTo.height));
-        return std::move(fText);
+        return std::move(fWords);
     }
 
 private:
-    void add(const std::string& word)
-    {
-        if (!fText.empty())
-            fText += ' ';
-        fText += quoted(word);
-    }
+    void add(const std::string& word) { fWords.push_back(word); }
     void add(const char* option, const std::string& value)
     {
         add(std::string(option));
@@ -159,15 +156,69 @@ private:
 
     const Scene& fFrom;
     const Scene& fTo;
-    std::string fText;
+    std::vector<std::string> fWords;
 };
+
+/// The scene that krview shows with these words.
+Scene sceneOf(std::vector<std::string> words)
+{
+    words.insert(words.begin(), "krview");
+    std::vector<char*> argv;
+    argv.reserve(words.size());
+    for (std::string& word : words)
+        argv.push_back(word.data());
+    return readScene(readOptions(static_cast<int>(argv.size()), argv.data()).value());
+}
+
+void addDifferent(const Json& one, const Json& other, std::vector<std::string>& keys)
+{
+    for (const auto& [key, value] : one.items())
+        if ((!other.contains(key) || other[key] != value) && std::find(keys.begin(), keys.end(), key) == keys.end())
+            keys.push_back(key);
+}
+
+/// The keys of what two scenes say differently.
+std::vector<std::string> differentKeys(Scene one, Scene other)
+{
+    std::vector<std::string> keys;
+    const auto compare = [&](const Json& a, const Json& b)
+    {
+        addDifferent(a, b, keys);
+        addDifferent(b, a, keys);
+    };
+    // Objects are told one by one, so that an only one is told as it would be among others.
+    SceneFile list;
+    list.objects.emplace();
+    Json a = writtenScene(sceneFileOf(std::move(one), list), "");
+    Json b = writtenScene(sceneFileOf(std::move(other), list), "");
+    for (std::size_t i = 0; i < std::max(a["objects"].size(), b["objects"].size()); ++i)
+        compare(a["objects"][i], b["objects"][i]);
+    a.erase("objects");
+    b.erase("objects");
+    compare(a, b);
+    return keys;
+}
 
 } // namespace
 
-std::string optionsText(const Scene& scene)
+OptionsText optionsText(const Scene& scene)
 {
-    if (scene.file.empty())
-        return Difference(Scene(), scene).text();
-    const SceneText text = readSceneText(scene.file);
-    return Difference(sceneOf(readSceneFile(text), text), scene).text();
+    Scene before;
+    if (!scene.file.empty())
+    {
+        const SceneText text = readSceneText(scene.file);
+        before = sceneOf(readSceneFile(text), text);
+    }
+    const std::vector<std::string> words = Difference(before, scene).words();
+    const auto textOf = [&words](std::size_t first)
+    {
+        std::string text;
+        for (std::size_t i = first; i < words.size(); ++i)
+        {
+            text += text.empty() ? "" : " ";
+            text += quoted(words[i]);
+        }
+        return text;
+    };
+    return {textOf(0), textOf(scene.file.empty() ? 0 : 1), differentKeys(sceneOf(words), scene)};
 }

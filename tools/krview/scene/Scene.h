@@ -87,8 +87,9 @@ struct InputValue
     std::variant<std::vector<double>, NamedValue> value;
     InputPlace origin;
     std::string place; ///< where the value stands in the scene or the options, for messages
-    /// Whether it was set in the panel: where a source no longer has the input, it means nothing, and is no error.
-    bool isFromPanel = false;
+    /// Whether it means nothing, and is no error, where no input takes it: it was set in the panel, or for a material that
+    /// was replaced there.
+    bool isOptional = false;
 };
 
 /// Values by the names of the uniforms and of the per-vertex inputs.
@@ -191,3 +192,13 @@ struct Scene
     std::string file;               ///< the scene file; empty for none
     std::vector<std::string> files; ///< the scene file and the sources that it names, for --watch
 };
+
+/// All that sets values of inputs: the scene's own first, then those of its objects.
+[[nodiscard]] inline std::vector<InputValues*> inputsOf(Scene& scene)
+{
+    std::vector<InputValues*> all{&scene.inputs};
+    for (SceneObject& object : scene.objects)
+        for (Look* look : looksOf(object))
+            all.push_back(&look->inputs);
+    return all;
+}

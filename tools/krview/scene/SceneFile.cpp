@@ -277,3 +277,9 @@ SceneFile sceneFileOf(Scene scene, const SceneFile& like)
         sortInputs(file, like);
     return file;
 }
+
+Json writtenScene(SceneFile file, const std::string& folder)
+{
+    SceneFile blank;
+    return writtenKeys(sceneKeys(file), sceneKeys(blank), folder);
+}

@@ -43,3 +43,6 @@ struct SceneFile
 /// How a file says a scene that another file, `like`, says in its own way: with a list of objects or without, and inputs
 /// of lights beside the light or beside the material.
 [[nodiscard]] SceneFile sceneFileOf(Scene scene, const SceneFile& like);
+
+/// What a file says; what goes without saying is left out. Files are named relative to the folder.
+[[nodiscard]] Key::Json writtenScene(SceneFile file, const std::string& folder);

@@ -22,13 +22,6 @@ using Json = Key::Json;
 namespace
 {
 
-/// What a file says; what goes without saying is left out.
-Json written(SceneFile file, const std::string& folder)
-{
-    SceneFile blank;
-    return writtenKeys(sceneKeys(file), sceneKeys(blank), folder);
-}
-
 std::string folderOf(const std::string& path) { return fs::path(path).parent_path().string(); }
 
 /// The text of the scene's file; nothing when there is none.
@@ -55,8 +48,9 @@ void saveScene(const Scene& scene, const std::string& path)
 {
     const std::optional<SceneText> old = textOf(scene);
     const SceneFile before = old ? readSceneFile(*old) : SceneFile();
-    const Json after = written(sceneFileOf(scene, before), folderOf(path));
-    const std::string text = old ? editedText(*old, written(before, folderOf(scene.file)), after) : freshText(after);
+    const Json after = writtenScene(sceneFileOf(scene, before), folderOf(path));
+    const std::string text =
+        old ? editedText(*old, writtenScene(before, folderOf(scene.file)), after) : freshText(after);
     // No file is left behind that cannot be read.
     const SceneText saved = readSceneText(std::make_shared<const krTools::Source>(path, text));
     (void)sceneOf(readSceneFile(saved), saved);

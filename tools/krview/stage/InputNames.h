@@ -16,3 +16,7 @@ struct ObjectMaterials
 /// Throws an InputError for a value in the scene that no material or light has an input for.
 /// @param objects  those of the scene, in order
 void checkInputNames(const Scene& scene, const std::vector<ObjectMaterials>& objects);
+
+/// Takes out of a scene the optional values that no input takes.
+/// @param objects  those of the scene, in order
+void dropUnusedInputs(Scene& scene, const std::vector<ObjectMaterials>& objects);

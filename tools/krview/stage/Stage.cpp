@@ -99,6 +99,12 @@ void Stage::setValues(const Scene& scene)
     arrange(scene);
 }
 
+Scene Stage::withoutUnused(Scene scene) const
+{
+    dropUnusedInputs(scene, materialsOf(fObjects));
+    return scene;
+}
+
 void Stage::arrange(const Scene& scene)
 {
     fPlacements = Placements();

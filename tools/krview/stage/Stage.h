@@ -42,6 +42,9 @@ public:
     /// @param seconds  the moment that it shows, from the beginning
     void draw(View& view, const Frame& target, double seconds);
 
+    /// A scene with the same objects without the optional values that nothing here takes.
+    [[nodiscard]] Scene withoutUnused(Scene scene) const;
+
     /// The scene that load() accepted last.
     [[nodiscard]] const Scene& scene() const noexcept { return fScene; }
     /// Whether the scene looks different from moment to moment.
