@@ -145,7 +145,7 @@ TEST_F(Pages, ShowWhatScenesMayHold)
     fPlace.write("kinds.krs", R"(material kinds(vertex float2 uv, uniform sampler2D a, uniform float f = 0.25,
     uniform matrix3 m3 = matrix3(float3(0, 1, 0), float3(0, 0, 1), float3(1, 0, 0)), uniform bool on = true,
     uniform float2 f2 = float2(3, 2.5), uniform matrix4 m4 = matrix4(0.5), uniform int3 i3 = int3(1, 2, -3),
-    uniform float3 f3 = float3(0.2, 0.4, 0.9), uniform matrix2 m2 = matrix2(float2(0, 1), float2(1, 0)),
+    uniform float3 f3 = float3(0.2, 0.4, 0.9), uniform matrix2 m2 = matrix2(float2(0.2, 1), float2(-0.8, 0.3)),
     uniform int i = 2, uniform sampler2D b, uniform sampler3D grain, float3 gWorldPos, out float4 outRGBA)
 {
     float2 at = mul(m2, uv * f2 * i - 1.5);

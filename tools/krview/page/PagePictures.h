@@ -12,19 +12,20 @@
 
 #include <nlohmann/json.hpp>
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-/// The shadows that a light casts in a page; its place stays.
+/// The shadows that a light casts in a page.
 struct PageShadow
 {
-    std::string light;          ///< its key
-    unsigned size;              ///< of the depth map, pixels on each side
-    std::vector<double> toClip; ///< from the scene to what the light sees, column by column
-    std::vector<double> toMap;  ///< from the scene to the depth map, likewise
+    std::string light;           ///< its key
+    unsigned size;               ///< of the depth map, pixels on each side
+    std::array<float, 3> center; ///< of all that casts shadows or gets them
+    double radius;               ///< likewise
 };
 
 /// The pictures of a page, each once.
@@ -43,6 +44,9 @@ public:
     /// @param shadow  null for none
     [[nodiscard]] std::size_t add(const ProgramInput& input, const InputValue* value, float blur,
                                   const PageShadow* shadow);
+    /// The depths that a light sees.
+    /// @param shadow  null for a light that casts none
+    [[nodiscard]] std::size_t addDepths(const PageShadow* shadow);
     /// What the background shows, and whether it is light that has yet to be coded; nothing if that is two colours.
     [[nodiscard]] std::optional<std::pair<std::size_t, bool>> addBackground();
 
@@ -52,7 +56,6 @@ private:
     using Json = nlohmann::ordered_json;
 
     [[nodiscard]] std::size_t put(Json picture);
-    [[nodiscard]] std::size_t addDepths(const PageShadow* shadow);
     [[nodiscard]] std::size_t addFile(const PictureInput& input);
     [[nodiscard]] std::size_t addSurroundings(const std::string& kind, float blur);
     [[nodiscard]] std::size_t addCube(const PixelArrayCubeMap& cube, bool isCoded, Filter filter);

@@ -68,11 +68,16 @@ const ProgramInput* inputOf(const Material& material, const std::string& light, 
     return found == material.inputs.end() ? nullptr : &*found;
 }
 
+double radiusToLight(const AABoundingBox& bounds)
+{
+    return std::max(1e-3, static_cast<double>((bounds.max() - bounds.min()).length()) / 2);
+}
+
 krLinear::ProjMatrix shadowView(const std::string& light, const NumbersByName& numbers, const AABoundingBox& bounds)
 {
     const krLinear::PointFlt centre = bounds.center();
     const krLinear::Vector middle(centre.x, centre.y, centre.z);
-    const double radius = std::max(1e-3, static_cast<double>((bounds.max() - bounds.min()).length()) / 2);
+    const double radius = radiusToLight(bounds);
     Camera camera;
     const std::optional<krLinear::Vector> position = vectorOf(numbers, light + "position");
     if (!position)

@@ -21,6 +21,9 @@ using NumbersByName = std::function<const std::vector<double>*(const std::string
 /// The input of a light that is of a type; null when there is none.
 [[nodiscard]] const ProgramInput* inputOf(const Material& material, const std::string& light, DataType type);
 
+/// Half the extent of all that casts shadows or gets them, at least a little.
+[[nodiscard]] double radiusToLight(const AABoundingBox& bounds);
+
 /// From the scene to the clip space of what a light sees, as its inputs tell: those named "position", "target" (or "axis",
 /// towards the light) and "cone" (degrees across) for a lamp, "direction" (towards the light) for one far away.
 /// @param bounds  of all that casts shadows or gets them
