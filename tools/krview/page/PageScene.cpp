@@ -7,6 +7,9 @@
 #include <krender/spatial/AABoundingBox.h>
 
 #include <algorithm>
+#include <array>
+#include <cctype>
+#include <cmath>
 #include <limits>
 #include <numeric>
 #include <optional>
