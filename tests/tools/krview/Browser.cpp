@@ -18,7 +18,7 @@ using nlohmann::json;
 namespace
 {
 
-constexpr int kMostMilliseconds = 60000; ///< for an answer
+constexpr int kMostMilliseconds = 300000; ///< for an answer, on a busy machine
 
 std::string decoded(const std::string& base64)
 {
@@ -70,6 +70,8 @@ Browser::Browser(const std::filesystem::path& place) : fPlace(place)
     const json target = send("Target.createTarget", {{"url", "about:blank"}});
     fSession = send("Target.attachToTarget", {{"targetId", target.at("targetId")}, {"flatten", true}}).at("sessionId");
     send("Network.enable");
+    send("Runtime.enable");
+    send("Log.enable");
     send("Page.enable");
 }
 
@@ -117,9 +119,12 @@ json Browser::send(const std::string& method, const json& parameters)
     for (;;)
     {
         const json message = receive();
-        if (message.value("method", "") == "Network.requestWillBeSent" &&
+        const std::string event = message.value("method", "");
+        if (event == "Network.requestWillBeSent" &&
             message.at("params").at("request").at("url").get<std::string>().find("file://") != 0)
             ++fRequests;
+        if (event == "Runtime.exceptionThrown" || event == "Runtime.consoleAPICalled" || event == "Log.entryAdded")
+            fComplaints += message.at("params").dump() + '\n';
         if (message.value("id", 0) != fNumber)
             continue;
         if (message.contains("error"))
@@ -141,10 +146,21 @@ void Browser::open(const std::filesystem::path& file, unsigned width, unsigned h
     send("Emulation.setDeviceMetricsOverride",
          {{"width", width}, {"height", height}, {"deviceScaleFactor", 1}, {"mobile", false}});
     send("Page.navigate", {{"url", "file://" + file.string()}});
+    await(condition);
+}
+
+void Browser::await(const std::string& condition)
+{
     const json is = evaluate("new Promise(done => { const look = n => (() => { try { return " + condition +
-                             "; } catch { return false; } })() ? done(true) : n > 400 ? done(document.body.innerText) "
+                             "; } catch { return false; } })() ? done(true) : n > 4000 ? done(document.body.innerText) "
                              ": setTimeout(look, 25, n + 1); look(0); })");
-    EXPECT_EQ(is, true) << file;
+    EXPECT_EQ(is, true) << condition;
+}
+
+void Browser::choose(const std::string& input, const std::filesystem::path& file)
+{
+    const json found = send("Runtime.evaluate", {{"expression", input}}).at("result");
+    send("DOM.setFileInputFiles", {{"files", {file.string()}}, {"objectId", found.at("objectId")}});
 }
 
 Image Browser::picture()

@@ -42,6 +42,14 @@ protected:
         fsBrowser->evaluate("document.getElementById('panel').hidden = true");
     }
 
+    /// Writes scene.json, in which SHARE stands for the folder of the shipped files.
+    void writeScene(std::string text) const
+    {
+        for (std::size_t at; (at = text.find("SHARE")) != std::string::npos;)
+            text.replace(at, 5, KRENDER_SHARE);
+        fPlace.write("scene.json", text);
+    }
+
     /// How much the open page differs from krview's picture: the mean, in levels.
     [[nodiscard]] double difference(const std::string& arguments) const
     {
@@ -89,6 +97,7 @@ TEST_F(Pages, ShowTheShippedScenesAsKrviewDoes)
         EXPECT_EQ(fsBrowser->evaluate("document.getElementById('message').textContent"), "") << name;
     }
     EXPECT_EQ(fsBrowser->requests(), 0U);
+    EXPECT_EQ(fsBrowser->complaints(), "");
 }
 
 /// A scene of its own, by what the page has to get right.
@@ -115,6 +124,8 @@ constexpr ShownScene kShownScenes[] = {
         "libraries": ["SHARE/lights/environment.krs"], "lights": [{"key": "all", "function": "environmentLight"}],
         "environment": {"picture": "sun.hdr", "blur": 0.2, "turn": 40, "intensity": 0.8},
         "view": {"distance": 7}})"},
+    {"lines over what is transparent", R"({"material": "veil.krs", "shape": "box", "transparent": true, "wire": true,
+        "axes": true, "lights": [], "view": {"pitch": 30, "yaw": 25, "distance": 3}})"},
     {"surroundings that are no light, and what is written as it is", R"({"material": "SHARE/materials/chrome.krs",
         "shape": "shader-ball", "lights": [], "environment": {"picture": "sky"}, "encode": false,
         "view": {"distance": 5}})"},
@@ -145,7 +156,7 @@ TEST_F(Pages, ShowWhatScenesMayHold)
     fPlace.write("kinds.krs", R"(material kinds(vertex float2 uv, uniform sampler2D a, uniform float f = 0.25,
     uniform matrix3 m3 = matrix3(float3(0, 1, 0), float3(0, 0, 1), float3(1, 0, 0)), uniform bool on = true,
     uniform float2 f2 = float2(3, 2.5), uniform matrix4 m4 = matrix4(0.5), uniform int3 i3 = int3(1, 2, -3),
-    uniform float3 f3 = float3(0.2, 0.4, 0.9), uniform matrix2 m2 = matrix2(float2(0, 1), float2(1, 0)),
+    uniform float3 f3 = float3(0.2, 0.4, 0.9), uniform matrix2 m2 = matrix2(float2(0.2, 1), float2(-0.8, 0.3)),
     uniform int i = 2, uniform sampler2D b, uniform sampler3D grain, float3 gWorldPos, out float4 outRGBA)
 {
     float2 at = mul(m2, uv * f2 * i - 1.5);
@@ -155,10 +166,7 @@ TEST_F(Pages, ShowWhatScenesMayHold)
 })");
     for (const ShownScene& shown : kShownScenes)
     {
-        std::string text = shown.text;
-        for (std::size_t at; (at = text.find("SHARE")) != std::string::npos;)
-            text.replace(at, 5, KRENDER_SHARE);
-        fPlace.write("scene.json", text);
+        writeScene(shown.text);
         open("scene.json --size 320x240", 320, 240);
         EXPECT_LT(difference("scene.json --size 320x240"), 0.7) << shown.what;
     }
@@ -177,7 +185,7 @@ constexpr Use kUses[] = {
     {"a number beyond its slider, within its limits", "use('number', 0, 7)", "--set gloss=2"},
     {"a colour", "use('color', 0, '#3366ff')", "--set tint=0.2,0.4,1"},
     {"a check box", "use('checkbox', 0, false)", "--set striped=0"},
-    {"a choice", "(box => { box.selectedIndex = 1; fire(box); })(document.querySelector('select'))", "--set kind=1"},
+    {"a choice", "(box => { box.selectedIndex = 1; fire(box); })(document.querySelector('select'))", "--set kind=5"},
     {"a number of a light", "use('range', 1, 1)", "--set sundirection=1,1,1"},
     {"resetting one", "use('range', 0, 0.9); document.querySelectorAll('.reset')[0].click()", ""},
     {"resetting all", "use('range', 0, 0.9); use('color', 0, '#3366ff'); document.getElementById('reset').click()", ""},
@@ -188,14 +196,14 @@ constexpr const char* kUsedMaterial = R"(material used(vertex float2 uv, float3 
                                  float min = 0, float slidermax = 1, string page = "<img src=x onerror=broken=1>" ]],
     uniform float3 tint = float3(1, 0.6, 0.2) [[ string label = "'&lt;", string widget = "color" ]],
     uniform bool striped = true [[ string help = "'><script>broken=1</script>" ]],
-    uniform int kind = 0 [[ string widget = "popup", string options = "soft|<b>hard" ]],
+    uniform int kind = 2 [[ string widget = "popup", string options = "soft:2|<b>hard:5" ]],
     out float4 outRGBA)
 {
     float3 lit = float3(gloss, 0.1 * gloss, 0);
     illuminance { lit += tint * gLightDiffuseColor * max(dot(gWorldNormal, gLightWorldDir), 0); }
     if (striped && fract(4 * uv.x) < 0.5)
         lit *= 0.5;
-    outRGBA = float4(kind == 1 ? lit.zyx : lit, 1);
+    outRGBA = float4(kind == 5 ? lit.zyx : lit, 1);
 })";
 
 TEST_F(Pages, HaveControlsForAllInputs)
@@ -215,6 +223,63 @@ TEST_F(Pages, HaveControlsForAllInputs)
     EXPECT_EQ(fsBrowser->evaluate("window.broken ?? document.querySelectorAll('img, script').length"), 2);
     EXPECT_EQ(fsBrowser->evaluate("document.querySelector('.row').firstChild.data"),
               "</script><script>window.broken = 1</script>");
+}
+
+constexpr Use kUsesOfLights[] = {
+    {"a lamp from elsewhere", "give('Position x', -3); give('Position y', 5); give('Position z', 2)",
+     "--set keyposition=-3,5,2"},
+    {"a lamp from above, another way", "give('Position x', 0); give('Position z', 0.1); give('Target x', -1)",
+     "--set keyposition=0,6,0.1 --set keytarget=-1,0,0"},
+    {"a wide lamp", "give('Cone', 120)", "--set keycone=120"},
+    {"the sun from elsewhere", "give('Direction x', -0.7)",
+     "--set sundirection=-0.7,0.8,0.5 --light sun=shadowSunLight"},
+    {"the sun from above", "give('Direction x', 0); give('Direction z', 0)",
+     "--set sundirection=0,0.8,0 --light sun=shadowSunLight"},
+};
+
+TEST_F(Pages, MoveLightsWithTheirShadows)
+{
+    writeScene(R"({"libraries": ["SHARE/lights/shadow.krs"], "objects": [
+        {"shape": "plane", "material": "SHARE/materials/clay.krs", "position": [1, -1, 0], "scale": 4, "castsShadow": false},
+        {"name": "ball", "shape": "smooth-sphere", "material": "SHARE/materials/phong.krs", "scale": 0.7}],
+        "view": {"pitch": 30, "yaw": 25, "distance": 6}})");
+    for (const Use& use : kUsesOfLights)
+    {
+        const bool isSun = std::string(use.options).find("sun=") != std::string::npos;
+        const std::string scene = std::string("scene.json --size 320x240 ") + (isSun ? "" : "--light key=shadowLight ");
+        open(scene + (isSun ? "--light sun=shadowSunLight" : ""), 320, 240);
+        fsBrowser->evaluate("give = (name, value) => { const box = document.querySelector(`[type=number][aria-label="
+                            "'${name}']`); box.value = value; box.dispatchEvent(new Event('input')); };" +
+                            std::string(use.script));
+        EXPECT_LT(difference(scene + use.options), 0.5) << use.what;
+    }
+}
+
+TEST_F(Pages, TakePicturesOfTheUser)
+{
+    fPlace.write("shown.krs", R"(material shown(vertex float2 uv, uniform sampler2D map, out float4 outRGBA)
+{
+    outRGBA = float4(texture2D(map, uv).xyz, 1);
+})");
+    const std::string arguments =
+        "--material shown.krs --shape plane --size 320x240 --light sun=directionalLight --set map=" KRENDER_SHARE;
+    for (const char* first : {"/scenes/slide.png", "/scenes/studio.hdr"})
+    {
+        open(arguments + first, 320, 240);
+        fsBrowser->choose("document.querySelector('input[type=file]')", KRENDER_SHARE "/scenes/bricks.png");
+        fsBrowser->await("!document.querySelector('.reset').disabled");
+        EXPECT_LT(difference(arguments + "/scenes/bricks.png"), 0.5) << first;
+    }
+}
+
+TEST_F(Pages, DrawAgainWhenTheDeviceComesBack)
+{
+    open(KRENDER_SHARE "/scenes/still-life.json --size 320x240", 320, 240);
+    const Image before = fsBrowser->picture();
+    fsBrowser->evaluate("new Promise(done => { const loss = gl.getExtension('WEBGL_lose_context');"
+                        "canvas.addEventListener('webglcontextlost', () => setTimeout(() => loss.restoreContext()));"
+                        "canvas.addEventListener('webglcontextrestored', done); loss.loseContext(); }).then(() => 1)");
+    EXPECT_EQ(meanDifference(fsBrowser->picture(), before), 0);
 }
 
 TEST_F(Pages, TurnByMouseTouchAndKeys)
@@ -255,7 +320,7 @@ TEST_F(Pages, AreSmallAndWhole)
     std::size_t lines = 0;
     std::istringstream script(page.substr(page.find("<script>\n") + 9));
     for (std::string line; std::getline(script, line) && line != "</script>";)
-        lines += line.find_first_not_of(' ') == std::string::npos ? 0 : 1;
+        ++lines;
     EXPECT_GT(lines, 100U);
     EXPECT_LT(lines, 300U);
     fsBrowser->send("Emulation.setDeviceMetricsOverride",

@@ -9,8 +9,6 @@ namespace
 /// Whether the components of a type are whole numbers for the driver, as those of a bool are.
 bool isWhole(DataType type) { return type == kBool || dataTypeNumFloats(type) == 0; }
 
-bool isMatrix(DataType type) { return type == kMatrix2 || type == kMatrix3 || type == kMatrix4; }
-
 void setNumbers(GLint location, DataType type, std::span<const double> numbers)
 {
     std::array<GLfloat, 16> floats{};

@@ -87,7 +87,7 @@ std::vector<double> numbersOf(const krFrontend::Value& value)
 {
     std::vector<double> numbers(value.floats.begin(), value.floats.end());
     numbers.insert(numbers.end(), value.ints.begin(), value.ints.end());
-    if (!dataTypeInfo[value.type].isMatrix)
+    if (!isMatrix(value.type))
         return numbers;
     // The front end gives columns, scenes give rows.
     const std::size_t side = maxDim(value.type);
@@ -149,6 +149,8 @@ std::vector<ProgramInput> inputsOf(const krFrontend::ProgramInterface& interface
 }
 
 } // namespace
+
+bool isMatrix(DataType type) noexcept { return type == kMatrix2 || type == kMatrix3 || type == kMatrix4; }
 
 const Target& drawnTarget() { return *findTarget(hasFixedFunctions() ? "glsl" : "glsl330"); }
 

@@ -25,6 +25,9 @@ struct PictureHints
     std::optional<bool> isCoded; ///< of `colorspace`: whether it is "srgb" and not "linear"
 };
 
+/// Whether a type is a matrix: the library's table does not count matrix2 among them.
+[[nodiscard]] bool isMatrix(DataType type) noexcept;
+
 /// An input of the programs that krview sets.
 struct ProgramInput
 {

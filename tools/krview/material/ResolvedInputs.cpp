@@ -55,7 +55,7 @@ constexpr std::array kLightDefaults{
 std::vector<double> defaultNumbers(const ProgramInput& input)
 {
     const std::size_t count = numberCount(input.type);
-    if (dataTypeInfo[input.type].isMatrix)
+    if (isMatrix(input.type))
     {
         std::vector<double> identity(count, 0.0);
         for (std::size_t i = 0; i < count; i += maxDim(input.type) + 1)

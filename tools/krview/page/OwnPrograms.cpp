@@ -93,5 +93,5 @@ ordered_json showingProgram(bool codes)
     return programOf(kShowingVertex,
                      std::string("uniform highp sampler2D frame;\nvoid main() { result = vec4(") +
                          (codes ? "coded" : "kept") + "(texelFetch(frame, ivec2(gl_FragCoord.xy), 0).rgb), 1); }\n",
-                     {{"block", nullptr}});
+                     {{"uniforms", ordered_json::array()}, {"block", nullptr}});
 }

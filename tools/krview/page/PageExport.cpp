@@ -119,18 +119,8 @@ private:
         const std::string light = shadowLight(fScene, fMaterials);
         if (light.empty())
             return;
-        const auto numbers = [this](const std::string& name) -> const std::vector<double>*
-        {
-            for (const std::vector<ResolvedInputs>& parts : fInputs)
-                for (const ResolvedInputs& inputs : parts)
-                    if (const std::vector<double>* found = inputs.numbers(name))
-                        return found;
-            return nullptr;
-        };
-        const auto columns = [](const krLinear::ProjMatrix& matrix)
-        { return std::vector<double>(matrix.elements(), matrix.elements() + 16); };
-        const krLinear::ProjMatrix toClip = shadowView(light, numbers, fPlacements);
-        fPage.setShadow({light, fScene.shadow.size, columns(toClip), columns(toClip * clipToMap())});
+        fPage.setShadow(
+            {light, fScene.shadow.size, ballAround(fPlacements.castersBounds()), ballAround(fPlacements.bounds())});
     }
 
     void aim()
@@ -191,12 +181,12 @@ private:
 
     void addOverlays()
     {
+        if (fScene.axes)
+            fPage.addFlat("LINES", axisLines(), false);
         if (fScene.wire)
             for (std::size_t i = 0; i < fObjects.size(); ++i)
                 for (std::size_t part = 0; part < fObjects[i]->parts().size(); ++part)
                     fPage.addEdges(fObjects[i]->groups(part), kWireColor, placesOf(i));
-        if (fScene.axes)
-            fPage.addFlat("LINES", axisLines(), false);
     }
 
     /// The title of the controls of a surface.

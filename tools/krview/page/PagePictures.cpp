@@ -41,10 +41,11 @@ ordered_json newPicture(const char* target, Wrap wrap, Filter filter)
               {"TEXTURE_WRAP_R", wrapName},
               {"TEXTURE_MIN_FILTER", kFilters[static_cast<std::size_t>(filter)]},
               {"TEXTURE_MAG_FILTER", filter == Filter::Nearest ? "NEAREST" : "LINEAR"}}},
+            {"isMipmapped", filter == Filter::Mipmap},
             {"format", "RGBA8"},
             {"files", ordered_json::array()},
             {"layers", ordered_json::array()},
-            {"depths", nullptr}};
+            {"depths", 0}};
 }
 
 /// A pixel of light in 32 bits: nine for each colour and five for their exponent. The lowest byte first.
@@ -119,7 +120,7 @@ std::size_t PagePictures::addDepths(const PageShadow* shadow)
     Json picture = newPicture("TEXTURE_2D", Wrap::Clamp, Filter::Linear);
     picture["settings"]["TEXTURE_COMPARE_MODE"] = "COMPARE_REF_TO_TEXTURE";
     picture["format"] = "DEPTH_COMPONENT24";
-    picture["depths"] = {{"size", shadow ? shadow->size : 1}, {"toClip", shadow ? Json(shadow->toClip) : Json()}};
+    picture["depths"] = shadow ? shadow->size : 1;
     return put(std::move(picture));
 }
 
@@ -155,6 +156,7 @@ std::size_t PagePictures::addFile(const PictureInput& input)
         const Json place = fBytes.addBytes({static_cast<const char*>(pixels->data()), size});
         picture["layers"].push_back({{"face", "TEXTURE_3D"},
                                      {"level", 0},
+                                     {"format", "RGBA8"},
                                      {"size", {pixels->width(), pixels->height(), pixels->depth()}},
                                      {"layout", "RGBA"},
                                      {"type", "UNSIGNED_BYTE"},
@@ -189,7 +191,7 @@ void PagePictures::addFaces(Json& picture, const IPixelArray& pixels, bool isCod
     }
     const auto* const floats = static_cast<const float*>(pixels.data());
     const bool isDim = std::all_of(floats, floats + faces * face, [](float part) { return part >= 0 && part <= 1; });
-    picture["format"] = isDim ? "SRGB8_ALPHA8" : "RGB9_E5";
+    picture["format"] = isDim || fScene.encodes ? "SRGB8_ALPHA8" : "RGBA8";
     for (std::size_t i = 0; i < faces; ++i)
     {
         unsigned width = pixels.width();
@@ -215,7 +217,6 @@ void PagePictures::addCodes(Json& picture, const unsigned char* codes, unsigned 
 void PagePictures::addLight(Json& picture, const char* face, std::vector<float> level, unsigned width, unsigned height)
 {
     // Browsers make no smaller copies of this format.
-    const bool isMipmapped = picture["settings"]["TEXTURE_MIN_FILTER"] == "LINEAR_MIPMAP_LINEAR";
     for (unsigned number = 0;; ++number)
     {
         std::string bytes;
@@ -223,11 +224,12 @@ void PagePictures::addLight(Json& picture, const char* face, std::vector<float> 
             appendLittle(bytes, sharedExponent(&level[i]), 4);
         picture["layers"].push_back({{"face", face},
                                      {"level", number},
+                                     {"format", "RGB9_E5"},
                                      {"size", {width, height}},
                                      {"layout", "RGB"},
                                      {"type", "UNSIGNED_INT_5_9_9_9_REV"},
                                      {"at", fBytes.addBytes(bytes)[0]}});
-        if (!isMipmapped || (width == 1 && height == 1))
+        if (!picture["isMipmapped"] || (width == 1 && height == 1))
             return;
         level = halved(level, width, height);
     }

@@ -5,6 +5,7 @@
 #include <krview/material/PictureInput.h>
 #include <krview/picture/CubePyramid.h>
 #include <krview/scene/Scene.h>
+#include <krview/stage/ShadowLight.h>
 
 #include <krender/core/Ref.h>
 #include <krender/pixels/PixelArray2D.h>
@@ -18,13 +19,13 @@
 #include <utility>
 #include <vector>
 
-/// The shadows that a light casts in a page; its place stays.
+/// The shadows that a light casts in a page.
 struct PageShadow
 {
-    std::string light;          ///< its key
-    unsigned size;              ///< of the depth map, pixels on each side
-    std::vector<double> toClip; ///< from the scene to what the light sees, column by column
-    std::vector<double> toMap;  ///< from the scene to the depth map, likewise
+    std::string light; ///< its key
+    unsigned size;     ///< of the depth map, pixels on each side
+    Ball casters;      ///< all that casts shadows
+    Ball all;          ///< and all that gets them
 };
 
 /// The pictures of a page, each once.
@@ -43,6 +44,9 @@ public:
     /// @param shadow  null for none
     [[nodiscard]] std::size_t add(const ProgramInput& input, const InputValue* value, float blur,
                                   const PageShadow* shadow);
+    /// The depths that a light sees.
+    /// @param shadow  null for a light that casts none
+    [[nodiscard]] std::size_t addDepths(const PageShadow* shadow);
     /// What the background shows, and whether it is light that has yet to be coded; nothing if that is two colours.
     [[nodiscard]] std::optional<std::pair<std::size_t, bool>> addBackground();
 
@@ -52,7 +56,6 @@ private:
     using Json = nlohmann::ordered_json;
 
     [[nodiscard]] std::size_t put(Json picture);
-    [[nodiscard]] std::size_t addDepths(const PageShadow* shadow);
     [[nodiscard]] std::size_t addFile(const PictureInput& input);
     [[nodiscard]] std::size_t addSurroundings(const std::string& kind, float blur);
     [[nodiscard]] std::size_t addCube(const PixelArrayCubeMap& cube, bool isCoded, Filter filter);

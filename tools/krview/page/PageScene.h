@@ -3,6 +3,7 @@
 #include "PagePictures.h"
 
 #include <krview/gl/FlatPainter.h>
+#include <krview/material/InputForm.h>
 #include <krview/material/Material.h>
 #include <krview/material/ResolvedInputs.h>
 #include <krview/mesh/Streams.h>
@@ -36,8 +37,8 @@ public:
     /// What else the script asks for: the view, the samples.
     void set(const char* name, nlohmann::ordered_json value) { fScene[name] = std::move(value); }
 
-    /// What the light that casts shadows sees, ahead of the looks.
-    void setShadow(PageShadow shadow) { fShadow = std::move(shadow); }
+    /// Names the light that casts shadows, ahead of the looks.
+    void setShadow(PageShadow shadow);
 
     /// Adds the programs of a material in ESSL 3.00.
     /// @return  the number of the program
@@ -63,7 +64,7 @@ public:
 
     /// Adds a drawing of plain colours, as a colour picker shows them.
     /// @param mode        a name of WebGL, of triangles or lines
-    /// @param isOnScreen  whether the places are in clip space
+    /// @param isOnScreen  whether the places are in clip space; else it is drawn over all surfaces that are behind it
     void addFlat(const char* mode, std::span<const FlatVertex> vertices, bool isOnScreen);
     /// Adds the edges of a surface in one colour.
     void addEdges(const Groups& groups, const std::array<float, 3>& color,
@@ -80,8 +81,8 @@ private:
 
     [[nodiscard]] std::size_t stream(const GeometryData& stream);
     [[nodiscard]] std::size_t list(const GeometryDataIndex& list, unsigned corners);
-    /// Whether pictures of the page were made for the value of an input, which therefore has no control.
-    [[nodiscard]] bool isFixed(const ProgramInput& input, const ResolvedInputs& inputs) const;
+    /// Adds what of a look tells what the light that casts shadows sees, and what gets it.
+    void addShadowInputs(std::size_t look, const ResolvedInputs& inputs);
     void addControls(const std::string& name, std::size_t look, const ResolvedInputs& inputs);
     [[nodiscard]] std::size_t ownLook(Json program, Json values);
     void addObject(std::size_t look, const char* mode, std::size_t list, std::size_t count, Json inputs,
@@ -91,8 +92,9 @@ private:
     PageBytes fBytes;
     PagePictures fPictures;
     std::optional<PageShadow> fShadow;
-    Json fScene = Json::object();
+    Json fScene = {{"shadow", {{"light", nullptr}}}};
     Json fPrograms = Json::array();
+    std::map<std::size_t, std::vector<InputForm>> fForms; ///< of the programs of materials
     Json fStreams = Json::array();
     Json fLooks = Json::array();
     Json fObjects = Json::array();

@@ -1,8 +1,8 @@
 #pragma once
 #include "FileChooser.h"
-#include "InputForm.h"
 #include "SceneEditor.h"
 
+#include <krview/material/InputForm.h>
 #include <krview/stage/Stage.h>
 
 #include <cstddef>

@@ -1,5 +1,5 @@
 #pragma once
-#include "InputForm.h"
+#include <krview/material/InputForm.h>
 
 #include <array>
 #include <span>

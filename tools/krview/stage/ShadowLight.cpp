@@ -44,19 +44,6 @@ krLinear::AffineMatrix viewFrom(const krLinear::Vector& eye, const krLinear::Vec
     return view;
 }
 
-struct Ball
-{
-    krLinear::Vector middle;
-    double radius;
-};
-
-Ball ballAround(const AABoundingBox& bounds)
-{
-    const krLinear::PointFlt centre = bounds.center();
-    return {krLinear::Vector(centre.x, centre.y, centre.z),
-            std::max(1e-3, static_cast<double>((bounds.max() - bounds.min()).length()) / 2)};
-}
-
 } // namespace
 
 std::string shadowLight(const Scene& scene, const std::vector<ObjectMaterials>& objects)
@@ -79,6 +66,13 @@ const ProgramInput* inputOf(const Material& material, const std::string& light, 
                                     [&](const ProgramInput& input)
                                     { return input.light == light && input.type == type && !input.light.empty(); });
     return found == material.inputs.end() ? nullptr : &*found;
+}
+
+Ball ballAround(const AABoundingBox& bounds)
+{
+    const krLinear::PointFlt centre = bounds.center();
+    return {krLinear::Vector(centre.x, centre.y, centre.z),
+            std::max(1e-3, static_cast<double>((bounds.max() - bounds.min()).length()) / 2)};
 }
 
 krLinear::ProjMatrix shadowView(const std::string& light, const NumbersByName& numbers, const Placements& placements)

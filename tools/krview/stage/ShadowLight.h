@@ -6,6 +6,7 @@
 
 #include <krender/platform/Linear.h>
 #include <krender/shading/DataType.h>
+#include <krender/spatial/AABoundingBox.h>
 
 #include <functional>
 #include <string>
@@ -20,6 +21,15 @@ using NumbersByName = std::function<const std::vector<double>*(const std::string
 
 /// The input of a light that is of a type; null when there is none.
 [[nodiscard]] const ProgramInput* inputOf(const Material& material, const std::string& light, DataType type);
+
+/// What a light looks at.
+struct Ball
+{
+    krLinear::Vector middle;
+    double radius; ///< at least a little
+};
+
+[[nodiscard]] Ball ballAround(const AABoundingBox& bounds);
 
 /// From the scene to the clip space of what a light sees, as its inputs tell: those named "position", "target" (or "axis",
 /// towards the light) and "cone" (degrees across) for a lamp, "direction" (towards the light) for one far away.

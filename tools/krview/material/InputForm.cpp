@@ -1,6 +1,6 @@
 #include "InputForm.h"
 
-#include <krview/material/Inputs.h>
+#include "Inputs.h"
 
 #include <krender/frontend/Interface.h>
 
@@ -80,7 +80,7 @@ InputForm::Widget widgetOf(const InputForm& form, const std::string& name)
     using Widget = InputForm::Widget;
     if (isSampler(form.type))
         return form.type == kSampler2D || form.type == kSamplerCube ? Widget::Picture : Widget::None;
-    if (dataTypeInfo[form.type].isMatrix)
+    if (isMatrix(form.type))
         return Widget::Matrix;
     if (form.type == kBool || (form.type == kInt && name == "checkBox"))
         return Widget::CheckBox;

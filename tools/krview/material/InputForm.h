@@ -1,5 +1,5 @@
 #pragma once
-#include <krview/material/Material.h>
+#include "Material.h"
 
 #include <krender/shading/DataType.h>
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-/// How the panel shows an input: what its metadata say, and what suits its type.
+/// How the panel and pages show an input: what its metadata say, and what suits its type.
 struct InputForm
 {
     enum class Widget
