@@ -45,6 +45,7 @@ void TransparentPass::draw(std::vector<StageObject>& objects, const Placements& 
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, fBuffer);
     glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(fIndices.size() * sizeof(unsigned)), fIndices.data(),
                  GL_STREAM_DRAW);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
 
     unsigned drawn = 0; // of the indices
     for (std::size_t i = 0; i < fOrder.size();)
