@@ -343,7 +343,7 @@ private:
             });
     }
 
-    /// @param rate  frames a second; 0: not known yet
+    /// @param rate  frames a second; 0: none
     [[nodiscard]] std::string whatIsShown(double rate) const
     {
         char shownRate[32] = "";

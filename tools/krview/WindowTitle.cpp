@@ -13,8 +13,10 @@ void WindowTitle::update(const std::function<std::string(double rate)>& whatIsSh
     const double passed = std::chrono::duration<double>(Clock::now() - fTime).count();
     if (passed < fSeconds && !fIsFirst)
         return;
-    showNow(whatIsShown(fIsFirst ? 0 : fFrames / passed));
+    const double rate = fIsFirst ? 0 : fFrames / passed;
+    showNow(whatIsShown(rate));
     restart(kTitleSeconds);
+    fHasRate = rate > 0;
     fIsFirst = fIsStale = fIsNote = false;
 }
 

@@ -330,7 +330,9 @@ TEST_F(Panel, ShowsErrorsOverThePicture)
     }
     place.write("grey.krs", kGrey);
     EXPECT_TRUE(waitFor([&] { return colours(kPictureWidth, 60) == clean; })) << "the messages stay";
-    EXPECT_TRUE(waitFor([&] { return titleOf(shell).find("krview: grey on sphere") == 0; })) << titleOf(shell);
+    // The rate of frames goes once there are none.
+    EXPECT_TRUE(waitFor([&] { return titleOf(shell) == "krview: grey on sphere, 0 of 1 objects culled"; }))
+        << titleOf(shell);
 }
 
 TEST_F(Panel, WaitsForTheMendOfWhatItBeginsWith)
