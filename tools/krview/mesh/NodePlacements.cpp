@@ -44,7 +44,7 @@ NodePlacements::NodePlacements(const aiNode& root)
 
 std::vector<Placement> NodePlacements::of(const aiMesh& mesh, const aiMatrix4x4& nodeToWorld) const
 {
-    if (!mesh.HasBones())
+    if (!mesh.HasBones() || mesh.mNumVertices == 0)
         return {Placement(nodeToWorld)};
     std::vector<aiMatrix4x4> sums(mesh.mNumVertices, aiMatrix4x4(0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
     for (const aiBone* bone : std::span(mesh.mBones, mesh.mNumBones))
