@@ -97,7 +97,8 @@ std::optional<Options> readOptions(int argc, char** argv)
         ->allow_extra_args(false);
     app.add_option("--set", options.settings,
                    "the value of an input of the material or, with the light's name ahead, of a light, instead of the "
-                   "scene's or its default: numbers with commas between them, checker, noise, sky, or a PNG file")
+                   "scene's or its default: numbers with commas between them, checker, noise, sky, a file (PNG, JPEG "
+                   "or HDR), or an object as scenes have it")
         ->type_name("[OBJECT.]NAME=VALUE")
         ->allow_extra_args(false);
     app.add_option("--grid", options.grid, "show N times N objects")
